@@ -1,0 +1,24 @@
+#include "texts/texts.h"
+
+namespace texts
+{
+
+#define TEXT(name, text)                                                                                               \
+    QString name()                                                                                                     \
+    {                                                                                                                  \
+        return QStringLiteral(text);                                                                                   \
+    }
+#include "texts/texts.inc"
+#undef TEXT
+
+QStringList catalogue()
+{
+    return
+    {
+#define TEXT(name, text) name(),
+#include "texts/texts.inc"
+#undef TEXT
+    };
+}
+
+} // namespace texts
