@@ -1,0 +1,76 @@
+#include "widgets/Look.h"
+
+#include <QColor>
+#include <QWidget>
+
+namespace look
+{
+
+namespace
+{
+
+QString comboStyleOf(const QString& background)
+{
+    return QStringLiteral("QComboBox {combobox-popup: 0; selection-color: black; "
+                          "selection-background-color: rgba(0,0,0,20);background-color: %1;}")
+        .arg(background);
+}
+
+} // namespace
+
+QFont applicationFont()
+{
+    return {QStringLiteral("MS Shell Dlg 2"), 8};
+}
+
+QString rgba(const QColor& color)
+{
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(color.alpha());
+}
+
+QString comboStyle(const QColor& background)
+{
+    return comboStyleOf(rgba(background));
+}
+
+QString comboUnknownStyle()
+{
+    return comboStyleOf(QStringLiteral("red"));
+}
+
+QString dockTitleStyle(const QString& background)
+{
+    return QStringLiteral("QDockWidget::title { text-align: center; background: %1; padding-top: 5px; "
+                          "padding-bottom: 5px;}")
+        .arg(background);
+}
+
+QString richText(const QString& text)
+{
+    constexpr int longestWord = 40;
+    constexpr QChar breakHere(0x200B); // of no width
+    QString broken;
+    int wordLength = 0;
+    for (const QChar character : text) {
+        wordLength = character.isSpace() ? 0 : wordLength + 1;
+        if (wordLength > longestWord && !character.isLowSurrogate()) {
+            broken += breakHere;
+            wordLength = 1;
+        }
+        broken += character;
+    }
+    return broken.toHtmlEscaped();
+}
+
+void applyStyleSheet(QWidget* widget, const QString& styleSheet)
+{
+    if (widget->styleSheet() != styleSheet) {
+        widget->setStyleSheet(styleSheet);
+    }
+}
+
+} // namespace look

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QList>
+#include <QStringList>
+
+#include "widgets/Dialogs.h"
+
+/// Dialogs that answer by themselves: each question takes the next prepared answer (none left means cancelled), and
+/// everything that was shown is kept.
+class ScriptedDialogs : public Dialogs
+{
+public:
+    struct Box
+    {
+        QString title;
+        QString text;
+    };
+
+    QStringList openAnswers;
+    QStringList saveAnswers;
+    QStringList questions; ///< "caption|filter" of each file dialog, in order
+    QList<Box> boxes;      ///< message boxes, in order
+
+    QString openFileName(QWidget*, const QString& caption, const QString& filter) override
+    {
+        questions.append(caption + QLatin1Char('|') + filter);
+        return openAnswers.isEmpty() ? QString() : openAnswers.takeFirst();
+    }
+
+    QString saveFileName(QWidget*, const QString& caption, const QString& filter) override
+    {
+        questions.append(caption + QLatin1Char('|') + filter);
+        return saveAnswers.isEmpty() ? QString() : saveAnswers.takeFirst();
+    }
+
+    void critical(QWidget*, const QString& title, const QString& text) override
+    {
+        boxes.append({title, text});
+    }
+};

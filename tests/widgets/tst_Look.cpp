@@ -1,0 +1,89 @@
+#include <QLabel>
+#include <QTextDocument>
+#include <QtTest>
+
+#include "widgets/Look.h"
+
+class tst_Look : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void colours_have_four_parts();
+    void combos_of_unknown_values_are_red();
+    void equal_style_sheets_are_not_set_again();
+    void rich_text_shows_what_was_typed_data();
+    void rich_text_shows_what_was_typed();
+    void long_words_may_be_broken();
+};
+
+void tst_Look::colours_have_four_parts()
+{
+    QCOMPARE(look::rgba(QColor(0, 255, 17, 150)), QStringLiteral("rgba(0, 255, 17, 150)"));
+    QCOMPARE(look::rgba(QColor(240, 240, 240)), QStringLiteral("rgba(240, 240, 240, 255)"));
+}
+
+void tst_Look::combos_of_unknown_values_are_red()
+{
+    const QString begin = QStringLiteral("QComboBox {combobox-popup: 0; selection-color: black; "
+                                         "selection-background-color: rgba(0,0,0,20);background-color: ");
+    QCOMPARE(look::comboUnknownStyle(), begin + QStringLiteral("red;}"));
+    QCOMPARE(look::comboStyle(QColor(1, 2, 3, 4)), begin + QStringLiteral("rgba(1, 2, 3, 4);}"));
+}
+
+void tst_Look::equal_style_sheets_are_not_set_again()
+{
+    struct Label : public QLabel
+    {
+        int changes = 0;
+
+        void changeEvent(QEvent* event) override
+        {
+            changes += event->type() == QEvent::StyleChange ? 1 : 0;
+            QLabel::changeEvent(event);
+        }
+    };
+    const QString sheet = QStringLiteral("QLabel{color: red}");
+    Label label;
+    label.ensurePolished();
+    look::applyStyleSheet(&label, sheet);
+    QCOMPARE(label.styleSheet(), sheet);
+    const int once = label.changes;
+    QVERIFY(once > 0);
+    look::applyStyleSheet(&label, sheet);
+    QCOMPARE(label.changes, once);
+}
+
+void tst_Look::rich_text_shows_what_was_typed_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("plain") << QStringLiteral("Fan 1");
+    QTest::newRow("markup") << QStringLiteral("<b>x</b> &amp; \"y\"");
+    QTest::newRow("200 letters") << QString(200, QLatin1Char('W'));
+    QTest::newRow("pairs of surrogates") << QStringLiteral("\U0001F525").repeated(50);
+}
+
+void tst_Look::rich_text_shows_what_was_typed()
+{
+    QFETCH(QString, text);
+    QTextDocument document;
+    document.setHtml(look::richText(text));
+    QCOMPARE(document.toPlainText().remove(QChar(0x200B)), text);
+}
+
+void tst_Look::long_words_may_be_broken()
+{
+    const auto widthNeeded = [](const QString& html) {
+        QTextDocument document;
+        document.setHtml(html);
+        document.setTextWidth(10);
+        return document.idealWidth();
+    };
+    const QString word(40, QLatin1Char('W'));
+    QCOMPARE(look::richText(word), word);
+    QCOMPARE(look::richText(word + QLatin1Char(' ') + word), word + QLatin1Char(' ') + word);
+    QVERIFY(widthNeeded(look::richText(word.repeated(5))) < 1.5 * widthNeeded(word));
+}
+
+QTEST_MAIN(tst_Look)
+#include "tst_Look.moc"
