@@ -1,0 +1,308 @@
+#include "link/protocol_HUBN_NX_Q.h"
+
+#include <iterator>
+#include <string_view>
+
+namespace
+{
+
+using namespace std::string_view_literals;
+
+constexpr quint8 escapeByte = 0xC0;
+constexpr quint8 requestStart = 0xC1;
+constexpr quint8 answerStart = 0xC2;
+
+constexpr int shortestFrame = 8;
+constexpr int headerSize = 5; ///< up to and with the length byte
+constexpr int checksumSize = 2;
+
+// The top bit of the kind is fixed for each request; what it means is the device's secret.
+constexpr quint8 plainKind = 0x06;
+constexpr quint8 markedKind = 0x86;
+
+constexpr quint8 logContinues = 0x80;
+
+constexpr quint8 urgent = 100;
+constexpr quint8 background = 50;
+
+constexpr int channelClasses = 5;
+
+/// What is constant in a request: its kind and the bytes from the command on, before the data that vary.
+struct RequestForm
+{
+    int type;
+    quint8 kind;
+    quint8 priority;
+    std::string_view command;
+};
+
+using P = protocol_HUBN_NX_Q;
+
+// By the number of the type, from 1 on.
+constexpr RequestForm forms[] = {
+    {P::Sync_Time, markedKind, urgent, "\x05"sv},
+    {P::Read_Time, markedKind, background, "\x05"sv},
+    {P::Read_Log, markedKind, urgent, "\x06"sv},
+    {P::Read_Info_Log, markedKind, urgent, "\x06\x00"sv},
+    {P::Write_Config, markedKind, urgent, "\x01"sv},
+    {P::Write_Script, markedKind, urgent, "\x02"sv},
+    {P::Read_Config, markedKind, urgent, "\x01"sv},
+    {P::Read_Script, markedKind, urgent, "\x02"sv},
+    {P::Search_Address, plainKind, background, "\x61"sv},
+    {P::Search_Broadcast, markedKind, background, "\x01\x00\x00"sv},
+    {P::Check_Coordinator, plainKind, background, "\x61"sv},
+    {P::Busy_Channel_System, plainKind, urgent, "\x7F\x15\xFF\xFF"sv},
+    {P::Busy_Channel_Sensor, plainKind, urgent, "\x15\xFF\xFF"sv},
+    {P::Busy_Channel_Execute, plainKind, urgent, "\x35\xFF\xFF"sv},
+    {P::Busy_Channel_Interface, plainKind, urgent, "\x55\xFF\xFF"sv},
+    {P::Busy_Channel_Analog, plainKind, urgent, "\x95\xFF\xFF"sv},
+    {P::Terminal_System_Info, plainKind, urgent, "\x7F\x14"sv},
+    {P::Terminal_Sensor_Info, plainKind, urgent, "\x14"sv},
+    {P::Terminal_Execute_Info, plainKind, urgent, "\x34"sv},
+    {P::Terminal_Interface_Info, plainKind, urgent, "\x54"sv},
+    {P::Terminal_Analog_Info, plainKind, urgent, "\x94"sv},
+    {P::Switch_To_Boot, plainKind, urgent, "\x6F"sv},
+};
+
+// A question about a class that doesn't exist has no command and no type, but the length of one of the usual classes.
+constexpr RequestForm unknownBusyChannels = {0, plainKind, urgent, "\xFF\xFF"sv};
+constexpr RequestForm unknownTerminalInfo = {0, plainKind, urgent, ""sv};
+constexpr int missingCommand = 1;
+
+QByteArray frame(quint8 kind, quint8 address, quint8 flags, int length, const QByteArray& body)
+{
+    const quint8 header[headerSize] = {requestStart, kind, address, flags, quint8(length)};
+    QByteArray bytes;
+    bytes.reserve(headerSize + body.size() + checksumSize);
+    for (const quint8 byte : header) {
+        bytes.append(char(byte));
+    }
+    bytes.append(body);
+    const int checksum = P::crc16(bytes);
+    bytes.append(char(checksum & 0xFF));
+    bytes.append(char(checksum >> 8));
+    return P::stuffBytes(bytes);
+}
+
+message build(const RequestForm& form, quint8 address, const QByteArray& data = {}, quint8 flags = 0)
+{
+    const QByteArray body = QByteArray(form.command.data(), int(form.command.size())) + data;
+    const int length = body.size() + (form.type == 0 ? missingCommand : 0);
+    message result;
+    result.setRequest(frame(form.kind, address, flags, length, body));
+    result.setRequestType(form.type);
+    result.setPriority(form.priority);
+    return result;
+}
+
+message build(P::RequestType type, quint8 address, const QByteArray& data = {}, quint8 flags = 0)
+{
+    static_assert(std::size(forms) == P::Switch_To_Boot);
+    return build(forms[type - 1], address, data, flags);
+}
+
+QByteArray byteArray(std::initializer_list<quint8> bytes)
+{
+    QByteArray result;
+    for (const quint8 byte : bytes) {
+        result.append(char(byte));
+    }
+    return result;
+}
+
+bool isReserved(quint8 byte)
+{
+    return byte == escapeByte || byte == requestStart || byte == answerStart;
+}
+
+/// Takes the escapes out of a frame that begins with its start byte. False if it holds a byte that may not be there.
+bool unstuff(QByteArray& frameBytes)
+{
+    int filled = 1;
+    for (int i = 1; i < frameBytes.size(); ++i) {
+        auto byte = quint8(frameBytes.at(i));
+        if (byte == requestStart || byte == answerStart) {
+            return false;
+        }
+        if (byte == escapeByte) {
+            ++i;
+            // Signed on purpose: the codes from 0x80 up pass, those from 0x03 to 0x7F don't.
+            if (i == frameBytes.size() || qint8(frameBytes.at(i)) > 2) {
+                return false;
+            }
+            byte = quint8(quint8(frameBytes.at(i)) - 0x40);
+        }
+        frameBytes[filled] = char(byte);
+        ++filled;
+    }
+    frameBytes.truncate(filled);
+    return true;
+}
+
+/// Cuts the frame out of what was received and judges it; on PacketOk the frame is complete and without escapes.
+ParseStatus cutFrame(const QByteArray& received, QByteArray& frameBytes)
+{
+    if (received.isEmpty()) {
+        return PacketEmpty;
+    }
+    // The last start byte counts: what stands before it is noise or an older answer.
+    const int start = received.lastIndexOf(char(answerStart));
+    if (start < 0) {
+        return PacketNoStart;
+    }
+    frameBytes = received.mid(start);
+    if (frameBytes.size() < 2) {
+        return PacketTooShort;
+    }
+    if (!unstuff(frameBytes)) {
+        return PacketBadByte;
+    }
+    if (frameBytes.size() < shortestFrame) {
+        return PacketTooShort;
+    }
+    if ((quint8(frameBytes.at(1)) & 0x7F) != plainKind) {
+        return PacketBadKind;
+    }
+    const int length = qint8(frameBytes.at(4));
+    if (length + headerSize + 1 >= frameBytes.size()) {
+        return PacketIncomplete;
+    }
+    // After the test above, so that a length with the top bit set ends here and not as incomplete.
+    if (length <= 0) {
+        return PacketBadLength;
+    }
+    const int end = headerSize + length;
+    const int expected = quint8(frameBytes.at(end)) | quint8(frameBytes.at(end + 1)) << 8;
+    return P::checkCrc(frameBytes, 0, quint16(end), quint16(expected)) ? PacketOk : PacketBadCrc;
+}
+
+} // namespace
+
+message protocol_HUBN_NX_Q::parseAnswer(message answer)
+{
+    constexpr int greatestCode = 11;
+    QByteArray frameBytes;
+    answer.setParseStatus(cutFrame(answer.rawAnswer(), frameBytes));
+    if (answer.isValid()) {
+        const int code = qint8(frameBytes.at(headerSize));
+        answer.setAnswerCode(code <= greatestCode ? code : message::noAnswerCode);
+        answer.setPayload(frameBytes.mid(headerSize + 1, frameBytes.at(4) - 1));
+    }
+    return answer;
+}
+
+int protocol_HUBN_NX_Q::crc16(const QByteArray& bytes)
+{
+    // Qt's checksum is the same but for the final inversion.
+    return bytes.isEmpty() ? -1 : qChecksum(bytes.constData(), uint(bytes.size()), Qt::ChecksumIso3309) ^ 0xFFFF;
+}
+
+bool protocol_HUBN_NX_Q::checkCrc(const QByteArray& bytes, quint16 first, quint16 last, quint16 expected)
+{
+    return quint16(crc16(bytes.mid(first, qMax(0, last - first)))) == expected;
+}
+
+QByteArray protocol_HUBN_NX_Q::stuffBytes(const QByteArray& frame)
+{
+    QByteArray stuffed = frame.left(1);
+    stuffed.reserve(2 * frame.size());
+    for (int i = 1; i < frame.size(); ++i) {
+        const auto byte = quint8(frame.at(i));
+        if (isReserved(byte)) {
+            stuffed.append(char(escapeByte));
+            stuffed.append(char(byte ^ escapeByte));
+        } else {
+            stuffed.append(char(byte));
+        }
+    }
+    return stuffed;
+}
+
+int protocol_HUBN_NX_Q::nextBaudrate(int baudrate)
+{
+    switch (baudrate) {
+    case 57600:
+        return 9600;
+    case 9600:
+        return 0;
+    default:
+        return 57600;
+    }
+}
+
+message protocol_HUBN_NX_Q::requestSyncTime(quint8 address, const QByteArray& data)
+{
+    return build(Sync_Time, address, data);
+}
+
+message protocol_HUBN_NX_Q::requestDeviceTime(quint8 address)
+{
+    return build(Read_Time, address);
+}
+
+message protocol_HUBN_NX_Q::requestReadLog(quint8 address, bool first)
+{
+    return build(Read_Log, address, {}, first ? 0 : logContinues);
+}
+
+message protocol_HUBN_NX_Q::requestReadLogInfo(quint8 address)
+{
+    return build(Read_Info_Log, address);
+}
+
+message protocol_HUBN_NX_Q::requestWriteConfig(quint8 address, const QByteArray& data)
+{
+    return build(Write_Config, address, data);
+}
+
+message protocol_HUBN_NX_Q::requestWriteScript(quint8 address, const QByteArray& data)
+{
+    return build(Write_Script, address, data);
+}
+
+message protocol_HUBN_NX_Q::requestReadConfig(quint8 address, quint8 terminal, quint8 output)
+{
+    message result = build(Read_Config, address, byteArray({terminal, output}));
+    result.setAddress(terminal);
+    result.setNumber(output);
+    return result;
+}
+
+message protocol_HUBN_NX_Q::requestReadScript(quint8 address, quint8 number)
+{
+    message result = build(Read_Script, address, byteArray({number}));
+    result.setNumber(number);
+    return result;
+}
+
+message protocol_HUBN_NX_Q::requestCheckCoordinator(quint8 address)
+{
+    return build(Search_Address, address);
+}
+
+message protocol_HUBN_NX_Q::requestSearchCoordinator()
+{
+    return build(Search_Broadcast, 0);
+}
+
+message protocol_HUBN_NX_Q::requestBusyChannels(quint8 address, quint8 channelClass)
+{
+    const bool known = channelClass < channelClasses;
+    message result = build(known ? forms[Busy_Channel_System - 1 + channelClass] : unknownBusyChannels, address);
+    result.markRepeatCheck();
+    return result;
+}
+
+message protocol_HUBN_NX_Q::requestTerminalInfo(quint8 address, quint8 channelClass, quint8 terminal)
+{
+    const bool known = channelClass < channelClasses;
+    message result = build(known ? forms[Terminal_System_Info - 1 + channelClass] : unknownTerminalInfo, address,
+                           byteArray({terminal}));
+    result.markRepeatCheck();
+    return result;
+}
+
+message protocol_HUBN_NX_Q::requestSwitchToBoot(quint8 address)
+{
+    return build(Switch_To_Boot, address);
+}
