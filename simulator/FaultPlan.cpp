@@ -1,0 +1,158 @@
+#include "simulator/FaultPlan.h"
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+constexpr int DefaultGap = 20;
+constexpr int DefaultNoise = 8;
+constexpr int DefaultOutage = 300;
+constexpr int BitsOfByte = 8;
+
+int orDefault(int value, int standard)
+{
+    return value < 0 ? standard : value;
+}
+
+/* Without the bytes that begin or mark something in a frame: noise that a parser can pass over. */
+QByteArray noise(const UnitFault& fault, QRandomGenerator& random)
+{
+    if (!fault.faultBytes.isEmpty()) {
+        return fault.faultBytes;
+    }
+    constexpr int Harmless = 0xC0;
+    QByteArray bytes;
+    for (int count = orDefault(fault.faultAmount, DefaultNoise); count > 0; --count) {
+        bytes.append(char(random.bounded(Harmless)));
+    }
+    return bytes;
+}
+
+using Apply = void (*)(FaultEffects&, const UnitFault&, QRandomGenerator&);
+
+/* In the order of UnitFault::Kind. */
+constexpr std::array<Apply, UnitFault::KindCount> effects{
+    [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.requestLost = true; },
+    [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.answerLost = true; },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.delay += orDefault(fault.faultValue, 0);
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.pieces = orDefault(fault.faultAmount, 2);
+        all.gap = orDefault(fault.faultValue, DefaultGap);
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& random) {
+        all.noiseBefore += noise(fault, random);
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& random) { all.noiseAfter += noise(fault, random); },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& random) {
+        all.noiseLater += noise(fault, random);
+        all.noiseLaterAfter = orDefault(fault.faultValue, DefaultGap);
+    },
+    [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.badChecksum = true; },
+    [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.damaged = true; },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.refused = true;
+        all.refusal = quint8(orDefault(fault.faultValue, 1));
+    },
+    [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.changed = true; },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.replaced = true;
+        all.replacement = fault.faultBytes;
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.unplugs = true;
+        all.unplugAfter = fault.faultAmount;
+        all.unplugTime = orDefault(fault.faultValue, 0);
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.losesPower = true;
+        all.powerOutage = orDefault(fault.faultValue, DefaultOutage);
+    }};
+
+bool concerns(const UnitFault& fault, int requestType, int bootType)
+{
+    const bool any = fault.requestType == 0 && fault.bootType == 0;
+    return any || (fault.requestType != 0 && fault.requestType == requestType) ||
+           (fault.bootType != 0 && fault.bootType == bootType);
+}
+
+} // namespace
+
+bool FaultEffects::spoilsAnswer() const
+{
+    return answerLost || unplugs || losesPower || badChecksum || damaged || delay >= Patience ||
+           (pieces > 1 && gap >= Patience);
+}
+
+QByteArray FaultEffects::alteredData(const QByteArray& data) const
+{
+    if (data.isEmpty()) {
+        return data;
+    }
+    QRandomGenerator random(dice);
+    QByteArray altered = data;
+    const int place = random.bounded(data.size());
+    altered[place] = char(altered.at(place) ^ char(random.bounded(1, 0x100)));
+    return altered;
+}
+
+QByteArray FaultEffects::damagedFrame(const QByteArray& frame) const
+{
+    QRandomGenerator random(dice);
+    QByteArray damagedBytes = frame;
+    const int place = random.bounded(frame.size());
+    damagedBytes[place] = char(damagedBytes.at(place) ^ char(1 << random.bounded(BitsOfByte)));
+    return damagedBytes;
+}
+
+QVector<QByteArray> FaultEffects::cut(const QByteArray& frame) const
+{
+    QRandomGenerator random(dice);
+    QVector<int> places;
+    while (places.size() < qMin(pieces, frame.size()) - 1) {
+        const int place = random.bounded(1, frame.size());
+        if (!places.contains(place)) {
+            places.append(place);
+        }
+    }
+    std::sort(places.begin(), places.end());
+    places.append(frame.size());
+
+    QVector<QByteArray> parts;
+    int begin = 0;
+    for (const int end : std::as_const(places)) {
+        parts.append(frame.mid(begin, end - begin));
+        begin = end;
+    }
+    return parts;
+}
+
+FaultPlan::FaultPlan(const QVector<UnitFault>& faults, quint32 seed)
+{
+    rules.reserve(faults.size());
+    for (const UnitFault& fault : faults) {
+        const std::array<quint32, 2> seeds{seed, quint32(rules.size())};
+        rules.append({fault, QRandomGenerator(seeds.data(), qsizetype(seeds.size())), 0});
+    }
+}
+
+FaultEffects FaultPlan::effectsOn(int requestType, int bootType)
+{
+    FaultEffects all;
+    for (Rule& rule : rules) {
+        const UnitFault& fault = rule.fault;
+        if (!concerns(fault, requestType, bootType)) {
+            continue;
+        }
+        ++rule.matched;
+        const bool inRange =
+            rule.matched >= fault.first && (fault.count < 0 || rule.matched < fault.first + fault.count);
+        if (inRange && rule.random.generateDouble() < fault.chance) {
+            all.dice = rule.random.generate();
+            effects.at(size_t(fault.kind))(all, fault, rule.random);
+        }
+    }
+    return all;
+}
