@@ -1,0 +1,346 @@
+#include "link/Transmitter.h"
+
+#include <QDebug>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
+
+#include "link/protocol_HUBN_NX_Q.h"
+
+namespace
+{
+
+bool hasSmallerPriority(const message& left, const message& right)
+{
+    return left.priority() < right.priority();
+}
+
+bool isPeriodic(const message& mess)
+{
+    return mess.requestType() == protocol_HUBN_NX_Q::Read_Time ||
+           mess.requestType() == protocol_HUBN_NX_Q::Check_Coordinator;
+}
+
+} // namespace
+
+Transmitter::Transmitter(QObject* parent) : QObject(parent)
+{
+    // Both travel in the queued signals of every worker.
+    qRegisterMetaType<message>("message");
+    qRegisterMetaType<StatePort>("StatePort");
+}
+
+Transmitter::~Transmitter()
+{
+    if (port != nullptr && port->isOpen()) {
+        port->close();
+    }
+    for (QTimer* timer : {timerAnswer, timerNextRequest}) {
+        if (timer != nullptr) {
+            timer->stop();
+            timer->deleteLater();
+        }
+    }
+}
+
+void Transmitter::setBootParser(BootParser parser)
+{
+    parseBootAnswer = std::move(parser);
+}
+
+void Transmitter::sl_initialization(Transmitter* receiver, const QString& namePort)
+{
+    if (receiver != this) {
+        return;
+    }
+    Q_ASSERT(QThread::currentThread() == thread());
+    port = new QSerialPort(this);
+    timerAnswer = new QTimer;
+    timerAnswer->setInterval(answerTimeout);
+    timerAnswer->setTimerType(Qt::PreciseTimer);
+    timerNextRequest = new QTimer;
+    timerNextRequest->setInterval(nextRequestInterval);
+    connect(timerAnswer, &QTimer::timeout, this, &Transmitter::sl_onTimeout);
+    connect(timerNextRequest, &QTimer::timeout, this, &Transmitter::sl_SendNextRequest);
+    connect(port, &QSerialPort::bytesWritten, this, [this](qint64 n) { sl_onPacketWritten(int(n)); });
+    connect(port, &QSerialPort::readyRead, this, &Transmitter::sl_onDataReceived);
+    // Direct: opening the port counts on it that an error has set the state before open() returns.
+    connect(port, &QSerialPort::errorOccurred, this, &Transmitter::sl_onPortError, Qt::DirectConnection);
+    sl_CheckPort(this, namePort);
+}
+
+void Transmitter::sl_CheckPort(Transmitter* receiver, const QString& namePort)
+{
+    if (receiver != this) {
+        return;
+    }
+    Q_ASSERT(QThread::currentThread() == thread());
+    setState(StateConnecting);
+    if (port->isOpen()) {
+        port->close();
+    }
+    if (!namePort.isEmpty()) {
+        port->setPortName(namePort);
+    }
+    if (!applyOpeningSettings()) {
+        setState(StateCreateError);
+        logLine("): ERROR CREATE!");
+        return;
+    }
+    if (port->open(QIODevice::ReadWrite)) {
+        setState(StateSearching);
+        logLine("): CREATE AND OPEN!");
+    } else {
+        emit sig_SendStatePort(this, state);
+    }
+}
+
+void Transmitter::sl_ClosePort(Transmitter* receiver)
+{
+    if (receiver != this) {
+        return;
+    }
+    Q_ASSERT(QThread::currentThread() == thread());
+    if (port->isOpen()) {
+        port->close();
+    }
+    setState(StatePortDisabled);
+}
+
+void Transmitter::sl_AddRequestInQueue(Transmitter* receiver, const message& mess)
+{
+    if (receiver != this) {
+        return;
+    }
+    Q_ASSERT(QThread::currentThread() == thread());
+    if (mess.isEmpty() || (mess.requestType() == 0 && mess.bootType() == 0)) {
+        return;
+    }
+    if (std::find(queue.cbegin(), queue.cend(), mess) == queue.cend()) {
+        queue.push_back(mess);
+        std::push_heap(queue.begin(), queue.end(), hasSmallerPriority);
+    }
+    sl_SendNextRequest();
+}
+
+void Transmitter::sl_SendNextRequest()
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    // A loop, since on an unusable port each request fails in turn and the queue may be long.
+    forever
+    {
+        if (queue.empty()) {
+            timerNextRequest->stop();
+        } else {
+            timerNextRequest->start();
+        }
+        if (!current.isEmpty() || queue.empty()) {
+            return;
+        }
+        std::pop_heap(queue.begin(), queue.end(), hasSmallerPriority);
+        current = std::move(queue.back());
+        queue.pop_back();
+        if (passGate()) {
+            sendCurrent();
+            return;
+        }
+        endCurrent(FinishPortError);
+    }
+}
+
+void Transmitter::sl_onPacketWritten(int n)
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    Q_UNUSED(n)
+    timerAnswer->start();
+}
+
+void Transmitter::sl_onDataReceived()
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    timerAnswer->stop();
+    if (current.isEmpty()) {
+        dropBytes("): answer(by signal) without request: ");
+        return;
+    }
+    takeBytes("): answer(by signal): ");
+    if (current.bootType() != 0 && parseBootAnswer) {
+        current = parseBootAnswer(current);
+    }
+    if (current.requestType() != 0) {
+        current = protocol_HUBN_NX_Q::parseAnswer(current);
+    }
+    finishOrWait();
+}
+
+void Transmitter::sl_onTimeout()
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    timerAnswer->stop();
+    if (current.isEmpty()) {
+        dropBytes("): answer(by timer) without request: ");
+        return;
+    }
+    if (!takeBytes("): answer(by timer): ")) {
+        finishRequest(FinishTimeout);
+        return;
+    }
+    // Deliberately the device's parser even for a boot request, whose answer therefore can't be valid here.
+    current = protocol_HUBN_NX_Q::parseAnswer(current);
+    finishOrWait();
+}
+
+void Transmitter::sl_onPortError(QSerialPort::SerialPortError error)
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    switch (error) {
+    case QSerialPort::DeviceNotFoundError:
+    case QSerialPort::ResourceError:
+        if (state != StateNotFound) {
+            state = StateNotFound;
+            logLine("): PORT NOT FOUND!");
+            emit sig_SendStatePort(this, state);
+        }
+        releaseLostPort();
+        break;
+    case QSerialPort::PermissionError:
+    case QSerialPort::OpenError:
+    case QSerialPort::UnknownError:
+        state = StateOpenError;
+        logLine("): ERROR OPEN!");
+        emit sig_SendStatePort(this, state);
+        break;
+    case QSerialPort::WriteError:
+    case QSerialPort::ReadError:
+        current.markPortFailed();
+        logLine("): ERROR WRITE / READ !");
+        // A line that hung up reports nothing but read errors, and does so without end. Asked for its signals it says
+        // that it is gone; a living one takes no notice.
+        if (port->isOpen()) {
+            port->pinoutSignals();
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void Transmitter::setState(StatePort newState)
+{
+    state = newState;
+    emit sig_SendStatePort(this, state);
+}
+
+/// An open port whose device is gone keeps its thread spinning over bytes that it can neither read nor write, so it is
+/// closed, once its own signal is done.
+void Transmitter::releaseLostPort()
+{
+    const auto closeLostPort = [this] {
+        if (state == StateNotFound && port->isOpen()) {
+            port->close();
+        }
+    };
+    QMetaObject::invokeMethod(this, closeLostPort, Qt::QueuedConnection);
+}
+
+bool Transmitter::applyOpeningSettings()
+{
+    // The rate is that of no device: the first request brings its own.
+    return port->setBaudRate(QSerialPort::Baud1200) && port->setDataBits(QSerialPort::Data8) &&
+           port->setParity(QSerialPort::NoParity) && port->setStopBits(QSerialPort::OneStop) &&
+           port->setFlowControl(QSerialPort::NoFlowControl);
+}
+
+/// Whether the port can be used for the current request. The watch brings back a port that was lost, and the switch to
+/// the bootloader opens one that the user has closed.
+bool Transmitter::passGate()
+{
+    const int type = current.requestType();
+    const bool opens = type == protocol_HUBN_NX_Q::Switch_To_Boot && !port->isOpen();
+    const bool repairs = type == protocol_HUBN_NX_Q::Check_Coordinator && state <= StateNotFound;
+    if (repairs && port->isOpen()) {
+        port->close();
+    }
+    if ((opens || repairs) && port->open(QIODevice::ReadWrite)) {
+        state = StateSearching;
+    }
+    return state > StateNotFound && port->isOpen();
+}
+
+void Transmitter::sendCurrent()
+{
+    if (port->baudRate() != current.baudrate()) {
+        port->setBaudRate(current.baudrate());
+        emit sig_SendBaudrate(this, port->baudRate());
+    }
+    // Late bytes of an earlier exchange are none of this request's answer.
+    port->clear();
+    port->write(current.request());
+    // Straight away: the event loop would write it only after all that follows here.
+    port->flush();
+    emit sig_SendRequestInForm(QDateTime::currentDateTime(), current.request(), isPeriodic(current));
+    logLine("): request: ") << current.request().toHex();
+    timerAnswer->start();
+}
+
+/// Reads what has arrived for the current request. False if there was nothing.
+bool Transmitter::takeBytes(const char* text)
+{
+    const QByteArray bytes = readPort();
+    current.appendRawAnswer(bytes);
+    logLine(text) << bytes.toHex();
+    return !bytes.isEmpty();
+}
+
+void Transmitter::dropBytes(const char* text)
+{
+    const QByteArray bytes = readPort();
+    if (!bytes.isEmpty()) {
+        logLine(text) << bytes.toHex();
+    }
+    if (port->isOpen()) {
+        port->clear();
+    }
+}
+
+QByteArray Transmitter::readPort()
+{
+    return port->isOpen() ? port->readAll() : QByteArray();
+}
+
+void Transmitter::finishOrWait()
+{
+    if (current.isValid()) {
+        finishRequest(FinishAnswered);
+    } else {
+        timerAnswer->start();
+    }
+}
+
+void Transmitter::finishRequest(FinishMode mode)
+{
+    endCurrent(mode);
+    sl_SendNextRequest();
+}
+
+void Transmitter::endCurrent(FinishMode mode)
+{
+    timerAnswer->stop();
+    if (mode == FinishPortError) {
+        current.markPortFailed();
+    } else if (mode == FinishTimeout) {
+        current.markTimedOut();
+    }
+    emit sig_SendAnswer(this, current);
+    emit sig_SendAnswerInForm(QDateTime::currentDateTime(), current.rawAnswer(), isPeriodic(current));
+    current = message();
+}
+
+/// Begins a diagnostic line; the text closes the bracket that opens here.
+QDebug Transmitter::logLine(const char* text) const
+{
+    return qDebug() << QDateTime::currentDateTime().toString(QStringLiteral("HH:mm:ss:zzz")) << " : " << this << " : "
+                    << port->portName() << "(" << port->baudRate() << text;
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QMutex>
+#include <QMutexLocker>
+#include <QString>
+#include <QStringList>
+
+/// Collects the lines of Qt's debug stream, of all threads, for as long as it lives. One at a time.
+class DebugLines
+{
+public:
+    DebugLines()
+    {
+        instance() = this;
+        previous = qInstallMessageHandler(&DebugLines::handle);
+    }
+
+    ~DebugLines()
+    {
+        qInstallMessageHandler(previous);
+        instance() = nullptr;
+    }
+
+    Q_DISABLE_COPY_MOVE(DebugLines)
+
+    QStringList lines() const
+    {
+        const QMutexLocker locker(&mutex());
+        return collected;
+    }
+
+    /// The lines that contain a text.
+    QStringList linesWith(const QString& text) const
+    {
+        return lines().filter(text);
+    }
+
+    void clear()
+    {
+        const QMutexLocker locker(&mutex());
+        collected.clear();
+    }
+
+private:
+    static DebugLines*& instance()
+    {
+        static DebugLines* current = nullptr;
+        return current;
+    }
+
+    static QMutex& mutex()
+    {
+        static QMutex guard;
+        return guard;
+    }
+
+    static void handle(QtMsgType, const QMessageLogContext&, const QString& line)
+    {
+        const QMutexLocker locker(&mutex());
+        if (instance() != nullptr) {
+            instance()->collected.append(line);
+        }
+    }
+
+    QStringList collected;
+    QtMessageHandler previous = nullptr;
+};
