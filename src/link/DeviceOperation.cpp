@@ -1,0 +1,24 @@
+#include "link/DeviceOperation.h"
+
+#include "link/CoordinatorSearch.h"
+#include "texts/texts.h"
+
+void DeviceOperation::setCoordinator(quint8 address)
+{
+    coordinatorAddress = address;
+}
+
+bool DeviceOperation::hasPort() const
+{
+    return coordinatorAddress.has_value();
+}
+
+quint8 DeviceOperation::coordinator() const
+{
+    return coordinatorAddress.value_or(CoordinatorInfo::NoAddress);
+}
+
+QString DeviceOperation::outcome(const QString& success, const QString& failure, int errors)
+{
+    return errors == 0 ? success : failure + texts::resultErrorCount() + QString::number(errors) + QLatin1Char(')');
+}

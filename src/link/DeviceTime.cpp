@@ -1,0 +1,74 @@
+#include "link/DeviceTime.h"
+
+#include "link/message.h"
+#include "texts/texts.h"
+
+namespace devicetime
+{
+
+namespace
+{
+
+constexpr int Second = 0;
+constexpr int Minute = 1;
+constexpr int Hour = 2;
+constexpr int Day = 3;
+constexpr int Weekday = 4;
+constexpr int Month = 5;
+constexpr int Year = 6;
+
+char toBcd(int value)
+{
+    return static_cast<char>(value % 10 + 16 * (value / 10 % 10));
+}
+
+QString twoDigits(const QByteArray& payload, int offset)
+{
+    const auto byte = static_cast<quint8>(payload.at(offset));
+    return QStringLiteral("%1").arg(byte % 16 + 10 * (byte / 16), 2, 10, QLatin1Char('0'));
+}
+
+QString weekdayName(int day)
+{
+    const QStringList names{texts::daySunday(),   texts::dayMonday(), texts::dayTuesday(), texts::dayWednesday(),
+                            texts::dayThursday(), texts::dayFriday(), texts::daySaturday()};
+    return names.value(day, QStringLiteral("???"));
+}
+
+} // namespace
+
+QByteArray toBytes(const QDateTime& time)
+{
+    QByteArray bytes(Year + 1, '\0');
+    bytes[Second] = toBcd(time.time().second());
+    bytes[Minute] = toBcd(time.time().minute());
+    bytes[Hour] = toBcd(time.time().hour());
+    bytes[Day] = toBcd(time.date().day());
+    bytes[Weekday] = static_cast<char>(time.date().dayOfWeek() % 7);
+    bytes[Month] = toBcd(time.date().month());
+    bytes[Year] = toBcd(time.date().year() % 100);
+    return bytes;
+}
+
+Shown fromAnswer(const message& answer)
+{
+    // The codes of a unit without a clock; they count even if data come with them.
+    if (answer.answerCode() == 3 || answer.answerCode() == 5) {
+        return {texts::statusTimeNotSupported(), false};
+    }
+    const QByteArray& payload = answer.payload();
+    Shown shown{QStringLiteral("--:--:-- --.--.----"), false};
+    if (payload.size() > Hour) {
+        shown.text = QStringLiteral("%1:%2:%3 ")
+                         .arg(twoDigits(payload, Hour), twoDigits(payload, Minute), twoDigits(payload, Second));
+    }
+    if (payload.size() > Year) {
+        shown.text += QStringLiteral("%1.%2.20%3, ")
+                          .arg(twoDigits(payload, Day), twoDigits(payload, Month), twoDigits(payload, Year)) +
+                      weekdayName(static_cast<quint8>(payload.at(Weekday)));
+        shown.correct = true;
+    }
+    return shown;
+}
+
+} // namespace devicetime

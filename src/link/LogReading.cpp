@@ -1,0 +1,109 @@
+#include "link/LogReading.h"
+
+#include "link/message.h"
+#include "link/protocol_HUBN_NX_Q.h"
+#include "texts/texts.h"
+
+#include <QDebug>
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int RecordSize = 16;
+constexpr int RecordsOfBlock = 4;
+
+} // namespace
+
+void LogReading::start()
+{
+    logErrors = 0;
+    emit resultReady(texts::resultLogStarted());
+    emit requestReady(protocol_HUBN_NX_Q::requestReadLogInfo(coordinator()));
+    if (!hasPort()) {
+        // No answer will ever come, and somebody has taken the log out of view to wait for it.
+        emit notNecessary();
+    }
+}
+
+void LogReading::forceNext()
+{
+    logCountPrevious = -1;
+}
+
+bool LogReading::handles(int requestType) const
+{
+    return requestType == protocol_HUBN_NX_Q::Read_Log || requestType == protocol_HUBN_NX_Q::Read_Info_Log;
+}
+
+void LogReading::takeAnswer(const message& answer, bool failed)
+{
+    const bool isInfo = answer.requestType() == protocol_HUBN_NX_Q::Read_Info_Log;
+    if (failed) {
+        fail(isInfo ? "END Read INFO Log with error" : "END Read Log with error");
+    } else if (isInfo) {
+        answerLogInfo(answer);
+    } else {
+        answerReadLog(answer);
+    }
+}
+
+void LogReading::answerLogInfo(const message& answer)
+{
+    constexpr int WrappedBit = 0x8000;
+    const QByteArray& payload = answer.payload();
+    logCapacity = -1;
+    logCount = -1;
+    logWrapped = false;
+    if (payload.size() >= 2) {
+        logCapacity = qFromLittleEndian<quint16>(payload.constData());
+    }
+    if (payload.size() >= 4) {
+        const int counter = qFromLittleEndian<quint16>(payload.constData() + 2);
+        logCount = counter & ~WrappedBit;
+        logWrapped = (counter & WrappedBit) != 0;
+    }
+    if (logCount == logCountPrevious) {
+        emit resultReady(texts::resultLogUnchanged());
+        emit notNecessary();
+        emit hidden();
+        return;
+    }
+    logCountPrevious = logCount;
+    const int recordCount = logWrapped ? logCapacity : logCount;
+    emit begun(texts::busyReadingLog(), 0, std::max(0, recordCount) / RecordsOfBlock);
+    emit shown();
+    emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), true));
+}
+
+void LogReading::answerReadLog(const message& answer)
+{
+    const QByteArray& payload = answer.payload();
+    QByteArrayList records;
+    emit stepDone();
+    for (int offset = 0; offset + RecordSize <= payload.size(); offset += RecordSize) {
+        records.append(payload.mid(offset, RecordSize));
+    }
+    if (payload.size() % RecordSize != 0) {
+        ++logErrors;
+    }
+    if (payload.size() == RecordsOfBlock * RecordSize) {
+        emit recordsRead(records, false);
+        emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), false));
+        return;
+    }
+    emit recordsRead(records, true);
+    qDebug() << "END Read Log";
+    emit resultReady(outcome(texts::resultLogOk(), texts::resultLogErrors(), logErrors));
+    emit textChanged(texts::busyAddingLog());
+}
+
+void LogReading::fail(const char* debugLine)
+{
+    qDebug() << debugLine;
+    emit resultReady(texts::resultLogError());
+    emit recordsRead({}, true);
+    emit textChanged(texts::busyAddingLog());
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArrayList>
+
+#include "link/DeviceOperation.h"
+
+/// Reads the unit's log from its beginning, in blocks of up to four records, if its counter differs from that of the
+/// reading before.
+///
+/// The first block that hasn't exactly four records is the last. The busy form is left showing at the end: it goes when
+/// the database has taken the events.
+class LogReading : public DeviceOperation
+{
+    Q_OBJECT
+
+public:
+    using DeviceOperation::DeviceOperation;
+
+    void start();
+
+    /// Makes the next reading read, whatever the counter says.
+    void forceNext();
+
+    bool handles(int requestType) const override;
+    void takeAnswer(const message& answer, bool failed) override;
+
+signals:
+    /// Records of 16 bytes; end marks the last call, which comes without records if the reading fails.
+    void recordsRead(const QByteArrayList& records, bool end);
+    /// The log has not changed, or there is no port to read it from.
+    void notNecessary();
+
+private:
+    void answerLogInfo(const message& answer);
+    void answerReadLog(const message& answer);
+    void fail(const char* debugLine);
+
+    int logErrors = 0;
+    int logCapacity = 0;
+    int logCount = -1;
+    int logCountPrevious = -1; ///< -1 is no counter that a unit gives
+    bool logWrapped = false;
+};

@@ -1,0 +1,114 @@
+#include "link/TerminalSearch.h"
+
+#include "link/message.h"
+#include "link/protocol_HUBN_NX_Q.h"
+
+namespace
+{
+
+constexpr int LastTerminalAddress = 124;
+
+// Room on the bar for what follows the search: the reading of outputs and scripts.
+constexpr int StepsBesideTerminals = 103;
+
+/// The addresses whose bits are set in the list of addresses in use.
+QByteArray addressesInUse(const QByteArray& bitmap)
+{
+    QByteArray addresses;
+    for (int address = 1; address <= LastTerminalAddress && address <= 8 * bitmap.size(); ++address) {
+        const int bit = address - 1;
+        if (((static_cast<quint8>(bitmap.at(bit / 8)) >> (bit % 8)) & 1) != 0) {
+            addresses.append(static_cast<char>(address));
+        }
+    }
+    return addresses;
+}
+
+} // namespace
+
+void TerminalSearch::start()
+{
+    emit requestReady(protocol_HUBN_NX_Q::requestBusyChannels(coordinator(), 0));
+}
+
+bool TerminalSearch::handles(int requestType) const
+{
+    return requestType >= protocol_HUBN_NX_Q::Busy_Channel_System &&
+           requestType <= protocol_HUBN_NX_Q::Terminal_Analog_Info;
+}
+
+// A failed step isn't told from one with an empty answer.
+void TerminalSearch::takeAnswer(const message& answer, bool /*failed*/)
+{
+    if (answer.requestType() <= protocol_HUBN_NX_Q::Busy_Channel_Analog) {
+        answerBusyChannel(answer);
+    } else {
+        answerTerminalInfo(answer);
+    }
+}
+
+void TerminalSearch::answerBusyChannel(const message& answer)
+{
+    const int type = answer.requestType();
+    if (type == protocol_HUBN_NX_Q::Busy_Channel_System) {
+        channelLists.fill({});
+        terminalInfos.clear();
+    }
+    if (!isConfirmed(answer)) {
+        return;
+    }
+    const int channelClass = type - protocol_HUBN_NX_Q::Busy_Channel_System;
+    if (type < protocol_HUBN_NX_Q::Busy_Channel_Analog) {
+        emit requestReady(
+            protocol_HUBN_NX_Q::requestBusyChannels(coordinator(), static_cast<quint8>(channelClass + 1)));
+    }
+    channelLists.at(channelClass).append(addressesInUse(answer.payload()));
+    if (type < protocol_HUBN_NX_Q::Busy_Channel_Analog) {
+        return;
+    }
+    int terminalCount = 0;
+    for (const QByteArray& addresses : channelLists) {
+        terminalCount += addresses.size();
+    }
+    emit maximumChanged(terminalCount + StepsBesideTerminals);
+    emit stepDone();
+    askNextTerminal();
+}
+
+void TerminalSearch::answerTerminalInfo(const message& answer)
+{
+    if (!isConfirmed(answer)) {
+        return;
+    }
+    emit stepDone();
+    if (!terminalInfos.contains(answer.payload())) {
+        terminalInfos.append(answer.payload());
+    }
+    askNextTerminal();
+}
+
+bool TerminalSearch::isConfirmed(const message& answer)
+{
+    if (answer.isRepeatConfirmed()) {
+        return true;
+    }
+    message again = answer;
+    again.prepareRepeat();
+    emit requestReady(again);
+    return false;
+}
+
+void TerminalSearch::askNextTerminal()
+{
+    for (int channelClass = 0; channelClass < ClassCount; ++channelClass) {
+        QByteArray& addresses = channelLists.at(channelClass);
+        if (!addresses.isEmpty()) {
+            const auto address = static_cast<quint8>(addresses.at(0));
+            addresses.remove(0, 1);
+            emit requestReady(
+                protocol_HUBN_NX_Q::requestTerminalInfo(coordinator(), static_cast<quint8>(channelClass), address));
+            return;
+        }
+    }
+    emit terminalsFound(terminalInfos);
+}

@@ -1,0 +1,292 @@
+#include <QtTest>
+
+#include "Answers.h"
+#include "OperationRecorder.h"
+#include "link/LogReading.h"
+#include "link/protocol_HUBN_NX_Q.h"
+#include "support/DebugLines.h"
+#include "texts/texts.h"
+
+namespace
+{
+
+QString adding()
+{
+    return QStringLiteral("text Adding the event log to the table is in progress...");
+}
+
+QString unchanged()
+{
+    return QStringLiteral("result Log of events of device has not changed");
+}
+
+} // namespace
+
+class tst_LogReading : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void asksForTheCounterFirst();
+    void withoutAPortGivesTheLogBack();
+    void showsTheBusyFormOnceTheLogHasChanged();
+    void countsInQuartersOfTheRecords_data();
+    void countsInQuartersOfTheRecords();
+    void readsAnEmptyLogWithOneRequest();
+    void leavesAnUnchangedLogAlone();
+    void readsAnUnchangedLogWhenForced();
+    void doesNotReadWithoutACounter();
+    void goesOnAfterEachFullBlock();
+    void asksOnceMoreAfterAFullLastBlock();
+    void endsWithABlockOfAnotherLength_data();
+    void endsWithABlockOfAnotherLength();
+    void countsBrokenRecordsOfOneReading();
+    void givesUpWhenTheInformationFails();
+    void givesUpWhenABlockFails();
+    void readsAgainAfterAFailedBlockOnlyIfTheLogChanges();
+    void handlesItsOwnTypes();
+
+private:
+    void answerInfo(const QByteArray& payload);
+    void answerBlock(const QByteArray& payload);
+    QStringList takeEvents()
+    {
+        return recorder->take();
+    }
+
+    std::unique_ptr<LogReading> operation;
+    std::unique_ptr<OperationRecorder> recorder;
+};
+
+void tst_LogReading::init()
+{
+    operation = std::make_unique<LogReading>();
+    recorder = std::make_unique<OperationRecorder>(*operation);
+    operation->setCoordinator(4);
+    connect(operation.get(), &LogReading::recordsRead, recorder.get(), [this](const QByteArrayList& records, bool end) {
+        recorder->events.append(QStringLiteral("records %1 %2").arg(records.size()).arg(end));
+        for (const QByteArray& record : records) {
+            QCOMPARE(record.size(), 16);
+        }
+    });
+    connect(operation.get(), &LogReading::notNecessary, recorder.get(),
+            [this] { recorder->events.append(QStringLiteral("not necessary")); });
+}
+
+void tst_LogReading::answerInfo(const QByteArray& payload)
+{
+    operation->takeAnswer(answers::good(protocol_HUBN_NX_Q::requestReadLogInfo(4), payload), false);
+}
+
+void tst_LogReading::answerBlock(const QByteArray& payload)
+{
+    operation->takeAnswer(answers::good(protocol_HUBN_NX_Q::requestReadLog(4, true), payload), false);
+}
+
+void tst_LogReading::asksForTheCounterFirst()
+{
+    operation->start();
+    QCOMPARE(takeEvents(),
+             QStringList({QStringLiteral("result Reading log of events started..."), QStringLiteral("send 4")}));
+    QCOMPARE(recorder->requests.at(0).request(), protocol_HUBN_NX_Q::requestReadLogInfo(4).request());
+}
+
+void tst_LogReading::withoutAPortGivesTheLogBack()
+{
+    LogReading unconnected;
+    OperationRecorder events(unconnected);
+    connect(&unconnected, &LogReading::notNecessary, &events,
+            [&events] { events.events.append(QStringLiteral("not necessary")); });
+    unconnected.start();
+    QCOMPARE(events.take(), QStringList({QStringLiteral("result ") + texts::resultLogStarted(),
+                                         QStringLiteral("send 4"), QStringLiteral("not necessary")}));
+}
+
+void tst_LogReading::showsTheBusyFormOnceTheLogHasChanged()
+{
+    operation->start();
+    takeEvents();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("begun 0..2 Reading log of events is in progress..."),
+                                        QStringLiteral("shown"), QStringLiteral("send 3")}));
+    QCOMPARE(recorder->requests.last().request(), protocol_HUBN_NX_Q::requestReadLog(4, true).request());
+}
+
+void tst_LogReading::countsInQuartersOfTheRecords_data()
+{
+    QTest::addColumn<QByteArray>("info");
+    QTest::addColumn<int>("maximum");
+    QTest::newRow("counter") << QByteArray::fromHex("e8030f00") << 3;
+    QTest::newRow("counter of two bytes") << QByteArray::fromHex("e8030f01") << 67;
+    QTest::newRow("wrapped: capacity") << QByteArray::fromHex("ea030f80") << 250;
+    QTest::newRow("largest counter") << QByteArray::fromHex("ffffff7f") << 8191;
+    QTest::newRow("more than needed") << QByteArray::fromHex("e803080001") << 2;
+}
+
+void tst_LogReading::countsInQuartersOfTheRecords()
+{
+    QFETCH(QByteArray, info);
+    QFETCH(int, maximum);
+    operation->start();
+    answerInfo(info);
+    QVERIFY(recorder->events.contains(QStringLiteral("begun 0..%1 ").arg(maximum) + texts::busyReadingLog()));
+}
+
+void tst_LogReading::readsAnEmptyLogWithOneRequest()
+{
+    operation->start();
+    takeEvents();
+    answerInfo(QByteArray::fromHex("e8030000"));
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("begun 0..0 ") + texts::busyReadingLog(),
+                                        QStringLiteral("shown"), QStringLiteral("send 3")}));
+    answerBlock({});
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("step"), QStringLiteral("records 0 1"),
+                                        QStringLiteral("result Reading log of events SUCCESSFUL COMPLETE"), adding()}));
+}
+
+void tst_LogReading::leavesAnUnchangedLogAlone()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    answerBlock({});
+    operation->start();
+    takeEvents();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    QCOMPARE(takeEvents(), QStringList({unchanged(), QStringLiteral("not necessary"), QStringLiteral("hidden")}));
+}
+
+void tst_LogReading::readsAnUnchangedLogWhenForced()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    answerBlock({});
+    operation->forceNext();
+    operation->start();
+    takeEvents();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    QCOMPARE(takeEvents().constLast(), QStringLiteral("send 3"));
+}
+
+// An unknown counter equals that of a reading that never was.
+void tst_LogReading::doesNotReadWithoutACounter()
+{
+    operation->start();
+    takeEvents();
+    answerInfo(QByteArray::fromHex("e80309"));
+    QCOMPARE(takeEvents(), QStringList({unchanged(), QStringLiteral("not necessary"), QStringLiteral("hidden")}));
+
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    takeEvents();
+    answerInfo(QByteArray(1, 'x'));
+    QCOMPARE(takeEvents().constFirst(), QStringLiteral("begun 0..0 ") + texts::busyReadingLog());
+}
+
+void tst_LogReading::goesOnAfterEachFullBlock()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    takeEvents();
+    answerBlock(QByteArray(64, 'a'));
+    QCOMPARE(takeEvents(),
+             QStringList({QStringLiteral("step"), QStringLiteral("records 4 0"), QStringLiteral("send 3")}));
+    QCOMPARE(recorder->requests.last().request(), protocol_HUBN_NX_Q::requestReadLog(4, false).request());
+}
+
+void tst_LogReading::asksOnceMoreAfterAFullLastBlock()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030400"));
+    answerBlock(QByteArray(64, 'a'));
+    takeEvents();
+    answerBlock({});
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("step"), QStringLiteral("records 0 1"),
+                                        QStringLiteral("result ") + texts::resultLogOk(), adding()}));
+}
+
+void tst_LogReading::endsWithABlockOfAnotherLength_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<int>("records");
+    QTest::addColumn<int>("errors");
+    QTest::newRow("one record") << 16 << 1 << 0;
+    QTest::newRow("three records") << 48 << 3 << 0;
+    QTest::newRow("part of a record") << 15 << 0 << 1;
+    QTest::newRow("a record and a part") << 17 << 1 << 1;
+    QTest::newRow("70 bytes: 4 records and a part") << 70 << 4 << 1;
+    QTest::newRow("five records") << 80 << 5 << 0;
+}
+
+void tst_LogReading::endsWithABlockOfAnotherLength()
+{
+    QFETCH(int, length);
+    QFETCH(int, records);
+    QFETCH(int, errors);
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    takeEvents();
+    answerBlock(QByteArray(length, 'a'));
+    const QString result = errors == 0
+                               ? texts::resultLogOk()
+                               : QStringLiteral("Reading log of events WAS COMPLETED WITH ERROR (Number of error = 1)");
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("step"), QStringLiteral("records %1 1").arg(records),
+                                        QStringLiteral("result ") + result, adding()}));
+}
+
+void tst_LogReading::countsBrokenRecordsOfOneReading()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    answerBlock(QByteArray(70, 'a'));
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030a00"));
+    answerBlock(QByteArray(70, 'a'));
+    QVERIFY(recorder->events.filter(QStringLiteral("= 2)")).isEmpty());
+    QCOMPARE(recorder->events.filter(QStringLiteral("= 1)")).size(), 2);
+}
+
+void tst_LogReading::givesUpWhenTheInformationFails()
+{
+    const DebugLines lines;
+    operation->start();
+    takeEvents();
+    operation->takeAnswer(answers::timedOut(protocol_HUBN_NX_Q::requestReadLogInfo(4)), true);
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("result ERROR reading log of events"),
+                                        QStringLiteral("records 0 1"), adding()}));
+    QCOMPARE(lines.linesWith(QStringLiteral("END Read INFO Log with error")).size(), 1);
+}
+
+void tst_LogReading::givesUpWhenABlockFails()
+{
+    const DebugLines lines;
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    answerBlock(QByteArray(64, 'a'));
+    takeEvents();
+    operation->takeAnswer(answers::refused(protocol_HUBN_NX_Q::requestReadLog(4, false), 1, QByteArray(64, 'b')), true);
+    QCOMPARE(takeEvents(), QStringList({QStringLiteral("result ERROR reading log of events"),
+                                        QStringLiteral("records 0 1"), adding()}));
+    QCOMPARE(lines.linesWith(QStringLiteral("END Read Log with error")).size(), 1);
+}
+
+void tst_LogReading::readsAgainAfterAFailedBlockOnlyIfTheLogChanges()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    operation->takeAnswer(answers::timedOut(protocol_HUBN_NX_Q::requestReadLog(4, true)), true);
+    operation->start();
+    takeEvents();
+    answerInfo(QByteArray::fromHex("e8030900"));
+    QCOMPARE(takeEvents().constFirst(), unchanged());
+}
+
+void tst_LogReading::handlesItsOwnTypes()
+{
+    for (int type = 0; type < 30; ++type) {
+        QCOMPARE(operation->handles(type), type == 3 || type == 4);
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_LogReading)
+#include "tst_LogReading.moc"
