@@ -1,0 +1,89 @@
+#include "link/FormWaiting.h"
+
+#include "texts/texts.h"
+#include "ui_FormWaiting.h"
+#include "widgets/Look.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QProgressBar>
+#include <QScreen>
+#include <QStyle>
+#include <QTimer>
+
+#include <chrono>
+
+namespace
+{
+
+// How far the picture of the bar may stay behind its value.
+constexpr std::chrono::milliseconds PaintTime{20};
+
+} // namespace
+
+FormWaiting::FormWaiting(QWidget* parent)
+    : QWidget(parent, Qt::Window | Qt::WindowTitleHint | Qt::MSWindowsFixedSizeDialogHint),
+      ui(std::make_unique<Ui::FormWaiting>()), timerPaint(new QTimer(this))
+{
+    setFont(look::applicationFont());
+    ui->setupUi(this);
+    setWindowTitle(texts::busyTitle());
+    setWindowModality(Qt::ApplicationModal);
+    // It is no window whose being open keeps the application alive.
+    setAttribute(Qt::WA_QuitOnClose, false);
+    timerPaint->setSingleShot(true);
+    timerPaint->setInterval(PaintTime);
+    connect(timerPaint, &QTimer::timeout, ui->progressBar, [this] { ui->progressBar->setUpdatesEnabled(true); });
+}
+
+FormWaiting::~FormWaiting() = default;
+
+void FormWaiting::setOperation(const QString& text, int minimum, int maximum)
+{
+    ui->label->setText(text);
+    ui->progressBar->setRange(minimum, maximum);
+    ui->progressBar->setValue(0);
+}
+
+void FormWaiting::setProgressMaximum(int maximum)
+{
+    ui->progressBar->setMaximum(maximum);
+}
+
+void FormWaiting::setOperationText(const QString& text)
+{
+    ui->label->setText(text);
+}
+
+void FormWaiting::stepProgress()
+{
+    QProgressBar* const bar = ui->progressBar;
+    if (bar->value() == bar->maximum()) {
+        return;
+    }
+    // A bar paints each new value before it returns, unless it may not.
+    bar->setUpdatesEnabled(false);
+    bar->setValue(bar->value() + 1);
+    if (!timerPaint->isActive()) {
+        timerPaint->start();
+    }
+}
+
+void FormWaiting::showEvent(QShowEvent* event)
+{
+    // In the middle of the screen where the window below is; that itself may not have found its place yet.
+    if (!event->spontaneous()) {
+        const QScreen* const place =
+            parentWidget() != nullptr ? parentWidget()->window()->screen() : QGuiApplication::primaryScreen();
+        setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(), place->availableGeometry()));
+    }
+    QWidget::showEvent(event);
+}
+
+void FormWaiting::closeEvent(QCloseEvent* event)
+{
+    // While there is a window to keep the user away from, nobody closes this one. Once that has gone the application is
+    // about to end; it asks every form to close before, and would stay if one refused.
+    const bool belowIsGone = parentWidget() != nullptr && !parentWidget()->window()->isVisible();
+    event->setAccepted(belowIsGone);
+}

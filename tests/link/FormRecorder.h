@@ -1,0 +1,178 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVector>
+
+#include <algorithm>
+
+#include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
+#include "link/Transmitter.h"
+
+/// A coordinator form over ports that the test names, with everything that it emits, in order, one line each, and with
+/// the parts of its table at hand.
+///
+/// As long as the event loop doesn't run, nothing that a worker does reaches the form: a test that stays out of the
+/// event loop is alone with it.
+class FormRecorder : public QObject
+{
+public:
+    struct Sent
+    {
+        Transmitter* receiver;
+        message request;
+    };
+
+    explicit FormRecorder(QStringList portNames = {}, CoordinatorSeams seams = {})
+        : names(std::move(portNames)), form(withPorts(std::move(seams)))
+    {
+        using Form = FormChoiceCoordinator;
+        connect(&form, &Form::sig_initTransmitter, this, [this](Transmitter* receiver, const QString& name) {
+            transmitters.append(receiver);
+            events.append(QStringLiteral("init ") + name);
+        });
+        connect(&form, &Form::sig_CheckingPort, this,
+                [this](Transmitter*, const QString& name) { events.append(QStringLiteral("open ") + name); });
+        connect(&form, &Form::sig_closePort, this, [this] { events.append(QStringLiteral("close")); });
+        connect(&form, &Form::sig_sendMessageInPort, this, [this](Transmitter* receiver, const message& request) {
+            sent.append({receiver, request});
+            events.append(QStringLiteral("send %1 at %2").arg(request.requestType()).arg(request.baudrate()));
+        });
+        connect(&form, &Form::sig_sendStatusSelectPortOnForm, this,
+                [this](uchar state, const QString& name, const QString& baudrate, uchar address, const QString& serial,
+                       const QString& version) {
+                    events.append(QStringLiteral("status %1 %2 %3 %4 %5 %6")
+                                      .arg(state)
+                                      .arg(name, baudrate)
+                                      .arg(address)
+                                      .arg(serial, version));
+                });
+        connect(&form, &Form::sig_sendEnableOperationOnForm, this,
+                [this](bool enable) { events.append(QStringLiteral("enable %1").arg(enable)); });
+        connect(&form, &Form::sig_sendReadConfigOnForm, this, [this](const QByteArrayList& list) {
+            outputs = list;
+            events.append(QStringLiteral("outputs %1").arg(list.size()));
+        });
+        connect(&form, &Form::sig_sendReadScriptOnForm, this, [this](const QByteArrayList& list) {
+            scripts = list;
+            events.append(QStringLiteral("scripts %1").arg(list.size()));
+        });
+        connect(&form, &Form::sig_sendReadLogOnForm, this, [this](const QByteArrayList& list, bool end) {
+            logRecords.append(list);
+            events.append(QStringLiteral("log %1 %2").arg(list.size()).arg(end));
+        });
+        connect(&form, &Form::sig_ReadLogNotNeccessary, this,
+                [this] { events.append(QStringLiteral("log not necessary")); });
+        connect(&form, &Form::sig_sendListTerminalsOnForm, this, [this](const QByteArrayList& list) {
+            terminals = list;
+            events.append(QStringLiteral("terminals %1").arg(list.size()));
+        });
+        connect(&form, &Form::sig_sendDeviceTimeOnForm, this, [this](const QString& time, bool correct) {
+            events.append(QStringLiteral("time %1 %2").arg(correct).arg(time));
+        });
+        connect(&form, &Form::sig_sendResultOperation, this,
+                [this](const QString& result) { events.append(QStringLiteral("result ") + result); });
+        connect(&form, &Form::sig_sendAnswerFirmWare, this, [this](const message& answer) {
+            events.append(QStringLiteral("firmware %1 %2").arg(answer.requestType()).arg(answer.bootType()));
+        });
+        listening = true;
+        form.sl_updatePortList();
+    }
+
+    /// The events since the last call.
+    QStringList take()
+    {
+        QStringList taken;
+        taken.swap(events);
+        return taken;
+    }
+
+    int count(const QString& beginning) const
+    {
+        return int(std::count_if(events.cbegin(), events.cend(),
+                                 [&beginning](const QString& event) { return event.startsWith(beginning); }));
+    }
+
+    bool has(const QString& beginning) const
+    {
+        return count(beginning) != 0;
+    }
+
+    QTableWidget* table() const
+    {
+        return form.findChild<QTableWidget*>(QStringLiteral("tableWidget"));
+    }
+    QPushButton* select() const
+    {
+        return form.findChild<QPushButton*>(QStringLiteral("buttonChoicePort"));
+    }
+    FormWaiting* busy() const
+    {
+        return form.findChild<FormWaiting*>();
+    }
+    QProgressBar* bar() const
+    {
+        return busy()->findChild<QProgressBar*>();
+    }
+
+    QString text(int row, int column) const
+    {
+        return table()->item(row, column)->text();
+    }
+    QString state(int row = 0) const
+    {
+        return text(row, 5);
+    }
+    QCheckBox* check(int row = 0) const
+    {
+        return table()->cellWidget(row, 6)->findChild<QCheckBox*>();
+    }
+    QPushButton* connectButton(int row = 0) const
+    {
+        return button(row, 0);
+    }
+    QPushButton* firmwareButton(int row = 0) const
+    {
+        return button(row, 1);
+    }
+    bool showsControls(int row = 0) const
+    {
+        return !check(row)->parentWidget()->isHidden();
+    }
+
+    /// Columns 1 to 4 of a row.
+    QStringList info(int row = 0) const
+    {
+        return {text(row, 1), text(row, 2), text(row, 3), text(row, 4)};
+    }
+
+    QStringList names; ///< may change at any time
+    QVector<Transmitter*> transmitters;
+    QStringList events;
+    QVector<Sent> sent;
+    QByteArrayList outputs;
+    QByteArrayList scripts;
+    QByteArrayList logRecords;
+    QByteArrayList terminals;
+
+private:
+    CoordinatorSeams withPorts(CoordinatorSeams seams)
+    {
+        // None before the signals are connected, so that none of them is missed.
+        seams.portNames = [this] { return listening ? names : QStringList(); };
+        return seams;
+    }
+
+    QPushButton* button(int row, int index) const
+    {
+        return table()->cellWidget(row, 6)->findChildren<QPushButton*>().at(index);
+    }
+
+    bool listening = false;
+
+public:
+    FormChoiceCoordinator form;
+};
