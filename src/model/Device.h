@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+
+/// One model of the catalogue. The four numbers are only compared, and only as a whole.
+struct DeviceRecord
+{
+    QString name = QStringLiteral("???");
+    quint8 terminalClass = 0;
+    quint8 version = 0;
+    quint8 type = 0;
+    quint8 characteristic = 0;
+    QStringList outputs; ///< default names of the outputs; may be fewer than the terminal has
+};
+
+/// The catalogue of models, kept in "Devices_EN.csv" in the working directory so that a service engineer can add a
+/// model with a text editor. If the file is missing, the built-in table is written and read.
+///
+/// The main window owns the one instance; it lives on the GUI thread.
+class Device : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Shows an error to the user: title and text of a message box.
+    using Reporter = std::function<void(const QString& title, const QString& text)>;
+
+    explicit Device(Reporter errorReporter, QObject* parent = nullptr);
+
+    int deviceCount() const;
+
+    /// Name, class, version, type, characteristic (each uchar) and the output names (QStringList) of a row; an empty
+    /// list past the end.
+    QVariantList deviceRow(int index) const;
+
+    void readCatalogue();  ///< replaces the table by what the file holds
+    void writeCatalogue(); ///< writes both built-in files, then reads the one that is used
+
+private:
+    void readRecords();
+
+    Reporter reportError;
+    QList<DeviceRecord> records;
+};

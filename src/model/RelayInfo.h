@@ -1,0 +1,128 @@
+#pragma once
+
+#include <QByteArrayList>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include "model/GroupRelay.h"
+#include "model/ParamItem.h"
+#include "model/ScriptInfo.h"
+#include "model/TerminalType.h"
+#include "model/tables.h"
+
+/// The configuration model: the head unit and its terminals, their outputs, the 32 scripts, and the lookup tables from
+/// which every parameter takes its value, text, icon and colour.
+///
+/// One instance exists; the main window owns it for the life of the process, and the editors share it. It lives on the
+/// GUI thread. The tables are built once and never change, but for the terminal types, which the catalogue fills.
+/// Records are handed out by shared pointer and are edited in place.
+class RelayInfo : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// How a file operation ended.
+    enum FileResult
+    {
+        FileOk = 0, ///< written whole, or read, whatever errors the text held
+        FileNotWritten = 1,
+        FileNotOpened = 2,
+        FileNotFound = 3
+    };
+
+    explicit RelayInfo(QObject* parent = nullptr);
+    ~RelayInfo() override;
+
+    /// The tables, in table order.
+    ParamItems stateChannels() const;
+    ParamItems buttonStates() const;
+    ParamItems analogStates() const;
+    ParamItems terminalStates() const;
+    ParamItems outputStates() const;
+    ParamItems modes() const;
+    ParamItems durations() const;
+    ParamItems delays() const;
+    TerminalTypes terminalTypes() const; ///< a blank row, then the catalogue sorted by label
+
+    /// The row of a table at a position; null if the index is negative or past the end.
+    ParamItemPtr stateChannelAt(int index) const;
+    ParamItemPtr terminalStateAt(int index) const;
+    ParamItemPtr outputStateAt(int index) const;
+    ParamItemPtr durationAt(int index) const;
+    ParamItemPtr delayAt(int index) const;
+    ParamItemPtr modeAt(int index) const;
+    TerminalTypePtr terminalTypeAt(int index) const;
+
+    QList<ScriptInfoPtr> scripts() const;                   ///< always 32
+    QList<GroupRelayPtr> groups() const;                    ///< head unit first
+    QList<ConnectedTerminalPtr> connectedTerminals() const; ///< last list from the head unit
+
+    QString comment() const;
+    void setComment(const QString& comment);
+
+    /// Errors of the last loadFromFile().
+    int errorCount() const;
+
+    ScriptInfoPtr findScript(quint8 number) const;                        ///< first with that number, else null
+    GroupRelayPtr findGroup(quint16 address) const;                       ///< first with that address, else null
+    RelayInformationPtr findOutput(quint16 address, quint8 number) const; ///< null if there is none
+    ConnectedTerminalPtr findConnectedTerminal(quint8 address) const;     ///< first match, else null
+
+    /// Appends an empty, open, not connected group and sorts the groups by address. Returns the new group.
+    GroupRelayPtr addGroup(const QString& name, quint16 address);
+
+    /// Appends an output with the lowest number 0 to 7 that is free; with none free, a nameless output numbered 255.
+    void addOutput(const GroupRelayPtr& group, const QString& name);
+
+    /// Removes a group and returns the address of the one in front of it. The head unit, or a group that isn't in the
+    /// model, stays, and the result is 0.
+    quint16 removeGroup(const GroupRelayPtr& group);
+
+    void removeDisconnectedGroups(); ///< all but the head unit that are not connected
+    void removeIdleGroups();         ///< those of them whose outputs have no script
+
+    /// Appends a terminal type and sorts the list by label; with first set the list is begun anew.
+    void addTerminalType(bool first, const QString& name, quint8 terminalClass, quint8 version, quint8 type,
+                         quint8 characteristic, const QStringList& outputs);
+
+    void resetGroups(bool headUnitOnly); ///< the head unit, and unless told otherwise the connected class 2 terminals
+    void resetScripts();                 ///< every script back to its defaults, in place
+
+    /// @name Records of the device, one byte array each. Records that are too short are passed over.
+    /// @{
+    void readTerminalRecords(const QByteArrayList& records);
+    void readOutputRecords(const QByteArrayList& records);
+    void readScriptRecords(const QByteArrayList& records);
+    QByteArrayList makeOutputRecords() const;
+    QByteArrayList makeScriptRecords() const;
+    /// @}
+
+    /// Writes the configuration as a text file. Returns FileOk, or FileNotWritten if it could not be written whole; the
+    /// file that stood there before is then still there.
+    int saveToFile(const QString& path) const;
+
+    /// Reads a configuration file. Returns FileOk if it was read, whatever errorCount() it gave; with FileNotOpened and
+    /// FileNotFound the model is untouched.
+    int loadFromFile(const QString& path);
+
+private:
+    RelayInformationPtr makeOutput(quint8 number, const QString& name) const;
+    GroupRelayPtr makeTerminalGroup(const ConnectedTerminal& terminal) const;
+    void appendHeadUnit(bool connected);
+    void sortGroups();
+
+    RelayInformationPtr demandOutput(quint16 address, quint8 number);
+    void readScriptRecord(ScriptInfo& script, const QByteArray& record) const;
+    ParamItemPtr stateOfRecord(quint8 code, bool filterByType, quint8 terminalClass) const;
+    void setTypeFilter(ScriptInfo& script, const TerminalType& wanted) const;
+
+    const ParamTables tables;
+    TerminalTypes types;
+    QList<ScriptInfoPtr> scriptList;
+    QList<GroupRelayPtr> groupList;
+    QList<ConnectedTerminalPtr> connectedList;
+    QString commentText;
+    int fileErrors = 0;
+};

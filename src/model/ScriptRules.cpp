@@ -1,0 +1,241 @@
+#include "model/ScriptRules.h"
+
+#include <algorithm>
+
+#include "model/tables.h"
+#include "texts/texts.h"
+
+namespace scriptRules
+{
+
+namespace
+{
+
+constexpr quint8 buttonClass = 3;
+constexpr quint8 analogClass = 4;
+constexpr quint8 anyClass = 15;
+constexpr int channelCount = 4;
+
+template <typename Fits>
+ParamItemPtr firstRow(const ParamItems& rows, Fits fits)
+{
+    const auto found = std::find_if(rows.begin(), rows.end(), fits);
+    return found == rows.end() ? ParamItemPtr() : *found;
+}
+
+/// First row of a name whose linked row has the code.
+ParamItemPtr findLinkedCode(const ParamItems& rows, const QString& name, quint8 code)
+{
+    return firstRow(
+        rows, [&](const ParamItemPtr& row) { return row->name == name && row->linked && row->linked->code == code; });
+}
+
+/// The state of the given code that a class reports; null if it has none.
+ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code)
+{
+    if (terminalClass == buttonClass) {
+        return findLinkedCode(rows, texts::statePanicButton(), code);
+    }
+    if (terminalClass == analogClass) {
+        return findLinkedCode(rows, texts::stateAnalog(), code);
+    }
+    return findByCode(rows, code);
+}
+
+bool isLongPressCode(quint8 code)
+{
+    return code > 15;
+}
+
+} // namespace
+
+StateKind kindOf(const ParamItemPtr& state)
+{
+    if (!state || state->name == texts::placeholderNotActive()) {
+        return StateKind::NotActive;
+    }
+    if (state->name == texts::stateAnalog()) {
+        return StateKind::Analog;
+    }
+    if (state->name == texts::statePanicButton()) {
+        return StateKind::Button;
+    }
+    return state->name == texts::otherState() ? StateKind::Other : StateKind::Plain;
+}
+
+quint8 stateCode(const ParamItemPtr& state)
+{
+    return state ? state->effectiveCode() : 255;
+}
+
+bool isLongPress(const ParamItemPtr& state)
+{
+    return kindOf(state) == StateKind::Button && isLongPressCode(stateCode(state));
+}
+
+ParamItemPtr findState(const ParamItems& rows, const QString& name)
+{
+    return firstRow(rows, [&](const ParamItemPtr& row) { return row->name == name; });
+}
+
+ParamItemPtr findAnalogState(const ParamItems& rows, const QString& analogName)
+{
+    return firstRow(rows, [&](const ParamItemPtr& row) {
+        return row->name == texts::stateAnalog() && row->linked && row->linked->name == analogName;
+    });
+}
+
+ParamItemPtr findButtonState(const ParamItems& rows, const QString& buttonName, bool longPress)
+{
+    return firstRow(rows, [&](const ParamItemPtr& row) {
+        return row->name == texts::statePanicButton() && row->linked && row->linked->name == buttonName &&
+               isLongPressCode(row->linked->code) == longPress;
+    });
+}
+
+ParamItemPtr makeOtherState(quint8 code)
+{
+    auto state = ParamItemPtr::create();
+    state->code = code;
+    state->name = texts::otherState();
+    state->icon = emptyIcon();
+    return state;
+}
+
+ParamItemPtr withPress(const ParamItems& rows, const ParamItemPtr& state, bool longPress)
+{
+    if (!state || !state->linked) {
+        return state;
+    }
+    const ParamItemPtr found = firstRow(rows, [&](const ParamItemPtr& row) {
+        return row->name == state->name && row->linked && row->linked->name == state->linked->name &&
+               isLongPressCode(row->linked->code) == longPress;
+    });
+    return found ? found : state;
+}
+
+bool hasTrigger(const ScriptInfo& script)
+{
+    return stateCode(script.stateChannel) != 255 || !script.stateTerminal.isEmpty();
+}
+
+void updateTrigger(ScriptInfo& script)
+{
+    script.notActive = !hasTrigger(script);
+}
+
+void setStateChannel(ScriptInfo& script, const ParamItemPtr& state, TypeFilter typeFilter)
+{
+    script.stateChannel = state;
+    if (kindOf(state) == StateKind::NotActive) {
+        script.numberChannels.clear();
+    } else {
+        const bool unfit = script.activateFilter.value(0) && script.terminalFilter &&
+                           !classFitsState(script.terminalFilter->terminalClass, state);
+        if (unfit && typeFilter == TypeFilter::SwitchOffIfUnfit) {
+            script.activateFilter[0] = false;
+        }
+        ensureChannel(script.numberChannels);
+    }
+    updateTrigger(script);
+}
+
+bool classFitsState(quint8 terminalClass, const ParamItemPtr& state)
+{
+    if (terminalClass == anyClass) {
+        return true;
+    }
+    switch (kindOf(state)) {
+    case StateKind::Button:
+        return terminalClass == buttonClass;
+    case StateKind::Analog:
+        return terminalClass == analogClass;
+    default:
+        return terminalClass != buttonClass && terminalClass != analogClass;
+    }
+}
+
+bool adaptStateToFilter(ScriptInfo& script, const ParamItems& rows)
+{
+    const StateKind kind = kindOf(script.stateChannel);
+    if (!script.activateFilter.value(0) || !script.terminalFilter || kind == StateKind::NotActive) {
+        return false;
+    }
+    const quint8 terminalClass = script.terminalFilter->terminalClass;
+    // "<Other>" is looked up again for every class: the new class may have a row for its code.
+    if (terminalClass == anyClass || (kind != StateKind::Other && classFitsState(terminalClass, script.stateChannel))) {
+        return false;
+    }
+    const quint8 code = stateCode(script.stateChannel);
+    const ParamItemPtr found = findStateOfClass(rows, terminalClass, code);
+    if (!found && kind == StateKind::Other) {
+        return false;
+    }
+    setStateChannel(script, found ? found : makeOtherState(code), TypeFilter::Keep);
+    return true;
+}
+
+void setTerminalStates(ScriptInfo& script, const ParamItems& states)
+{
+    script.stateTerminal = states;
+    updateTrigger(script);
+}
+
+void ensureChannel(QList<bool>& numberChannels)
+{
+    if (!numberChannels.contains(true)) {
+        numberChannels = {true, false, false, false};
+    }
+}
+
+bool toggleChannel(QList<bool>& numberChannels, int channel)
+{
+    if (channel < 0 || channel >= qMin(channelCount, numberChannels.size())) {
+        return false;
+    }
+    if (numberChannels.at(channel) && numberChannels.count(true) == 1) {
+        return false;
+    }
+    numberChannels[channel] = !numberChannels.at(channel);
+    return true;
+}
+
+bool passesTypeFilter(const ScriptInfo& script, const ConnectedTerminal& terminal)
+{
+    if (!script.activateFilter.value(0) || !script.terminalFilter) {
+        return true;
+    }
+    const TerminalType& filter = *script.terminalFilter;
+    const auto differ = [](quint8 a, quint8 b, int mask) { return (a & mask) != (b & mask); };
+    const bool rejected = (terminal.terminalClass != filter.terminalClass && filter.terminalClass != anyClass) ||
+                          (terminal.version != filter.version && filter.version != 0) ||
+                          (differ(terminal.type, filter.type, 0xF0) && filter.type > 15) ||
+                          (differ(terminal.type, filter.type, 0x0F) && (filter.type & 0x0F) != 0) ||
+                          (terminal.characteristic != filter.characteristic && filter.characteristic != 0);
+    return !rejected;
+}
+
+void makeTypeFilterPrivate(ScriptInfo& script)
+{
+    auto own = TerminalTypePtr::create();
+    if (script.terminalFilter) {
+        own->terminalClass = script.terminalFilter->terminalClass;
+        own->version = script.terminalFilter->version;
+        own->type = script.terminalFilter->type;
+        own->characteristic = script.terminalFilter->characteristic;
+    }
+    script.terminalFilter = own;
+}
+
+quint8 allowedClass(int value)
+{
+    if (value >= 5 && value <= 9) {
+        return anyClass;
+    }
+    if (value >= 10 && value <= 14) {
+        return analogClass;
+    }
+    return static_cast<quint8>(qBound(0, value, 15));
+}
+
+} // namespace scriptRules
