@@ -1,0 +1,167 @@
+#include "model/RelayInfo.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int scriptCount = 32;
+
+/// The first record that a test accepts, else null.
+template <typename Pointer, typename Fits>
+Pointer firstOf(const QList<Pointer>& list, Fits fits)
+{
+    const auto found = std::find_if(list.begin(), list.end(), fits);
+    return found == list.end() ? Pointer() : *found;
+}
+
+} // namespace
+
+RelayInfo::RelayInfo(QObject* parent) : QObject(parent), tables(makeParamTables())
+{
+    types.append(TerminalTypePtr::create());
+    types.last()->background = unsetColor();
+    scriptList.reserve(scriptCount);
+    for (int i = 0; i < scriptCount; ++i) {
+        scriptList.append(ScriptInfoPtr::create());
+    }
+    resetScripts();
+    appendHeadUnit(false);
+}
+
+RelayInfo::~RelayInfo() = default;
+
+ParamItems RelayInfo::stateChannels() const
+{
+    return tables.stateChannels;
+}
+
+ParamItems RelayInfo::buttonStates() const
+{
+    return tables.buttonStates;
+}
+
+ParamItems RelayInfo::analogStates() const
+{
+    return tables.analogStates;
+}
+
+ParamItems RelayInfo::terminalStates() const
+{
+    return tables.terminalStates;
+}
+
+ParamItems RelayInfo::outputStates() const
+{
+    return tables.outputStates;
+}
+
+ParamItems RelayInfo::modes() const
+{
+    return tables.modes;
+}
+
+ParamItems RelayInfo::durations() const
+{
+    return tables.durations;
+}
+
+ParamItems RelayInfo::delays() const
+{
+    return tables.delays;
+}
+
+TerminalTypes RelayInfo::terminalTypes() const
+{
+    return types;
+}
+
+ParamItemPtr RelayInfo::stateChannelAt(int index) const
+{
+    return tables.stateChannels.value(index);
+}
+
+ParamItemPtr RelayInfo::terminalStateAt(int index) const
+{
+    return tables.terminalStates.value(index);
+}
+
+ParamItemPtr RelayInfo::outputStateAt(int index) const
+{
+    return tables.outputStates.value(index);
+}
+
+ParamItemPtr RelayInfo::durationAt(int index) const
+{
+    return tables.durations.value(index);
+}
+
+ParamItemPtr RelayInfo::delayAt(int index) const
+{
+    return tables.delays.value(index);
+}
+
+ParamItemPtr RelayInfo::modeAt(int index) const
+{
+    return tables.modes.value(index);
+}
+
+TerminalTypePtr RelayInfo::terminalTypeAt(int index) const
+{
+    return types.value(index);
+}
+
+QList<ScriptInfoPtr> RelayInfo::scripts() const
+{
+    return scriptList;
+}
+
+QList<GroupRelayPtr> RelayInfo::groups() const
+{
+    return groupList;
+}
+
+QList<ConnectedTerminalPtr> RelayInfo::connectedTerminals() const
+{
+    return connectedList;
+}
+
+QString RelayInfo::comment() const
+{
+    return commentText;
+}
+
+void RelayInfo::setComment(const QString& comment)
+{
+    commentText = comment;
+}
+
+int RelayInfo::errorCount() const
+{
+    return fileErrors;
+}
+
+ScriptInfoPtr RelayInfo::findScript(quint8 number) const
+{
+    return firstOf(scriptList, [number](const ScriptInfoPtr& script) { return script->number == number; });
+}
+
+GroupRelayPtr RelayInfo::findGroup(quint16 address) const
+{
+    return firstOf(groupList, [address](const GroupRelayPtr& group) { return group->address == address; });
+}
+
+RelayInformationPtr RelayInfo::findOutput(quint16 address, quint8 number) const
+{
+    const GroupRelayPtr group = findGroup(address);
+    if (!group) {
+        return {};
+    }
+    return firstOf(group->outputs, [number](const RelayInformationPtr& output) { return output->number == number; });
+}
+
+ConnectedTerminalPtr RelayInfo::findConnectedTerminal(quint8 address) const
+{
+    return firstOf(connectedList,
+                   [address](const ConnectedTerminalPtr& terminal) { return terminal->address == address; });
+}

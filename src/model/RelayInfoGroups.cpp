@@ -1,0 +1,178 @@
+// The model's groups, outputs, scripts and terminal types: how they are made, reset and removed.
+
+#include <algorithm>
+
+#include "model/RelayInfo.h"
+#include "model/format.h"
+#include "texts/texts.h"
+
+namespace
+{
+
+constexpr quint8 outputsOfTerminal = 8;
+constexpr quint8 executiveClass = 2;
+
+bool isIdle(const GroupRelay& group)
+{
+    return std::all_of(group.outputs.begin(), group.outputs.end(),
+                       [](const RelayInformationPtr& output) { return output->activatedScripts.isEmpty(); });
+}
+
+/// Removes the groups behind the head unit that a test accepts.
+template <typename Fits>
+void removeTerminals(QList<GroupRelayPtr>& groups, Fits fits)
+{
+    if (!groups.isEmpty()) {
+        groups.erase(std::remove_if(groups.begin() + 1, groups.end(), fits), groups.end());
+    }
+}
+
+} // namespace
+
+RelayInformationPtr RelayInfo::makeOutput(quint8 number, const QString& name) const
+{
+    auto output = RelayInformationPtr::create();
+    output->number = number;
+    output->name = name;
+    output->startState = tables.outputStates.first();
+    return output;
+}
+
+GroupRelayPtr RelayInfo::makeTerminalGroup(const ConnectedTerminal& terminal) const
+{
+    auto group = GroupRelayPtr::create();
+    group->address = terminal.address;
+    group->name = terminal.label;
+    group->connected = true;
+    for (const QString& name : terminal.outputs) {
+        group->outputs.append(makeOutput(static_cast<quint8>(group->outputs.size()), name));
+    }
+    return group;
+}
+
+void RelayInfo::appendHeadUnit(bool connected)
+{
+    auto group = GroupRelayPtr::create();
+    group->address = 0;
+    group->name = texts::headUnitName();
+    group->expand = true;
+    group->connected = connected;
+    for (quint8 number = 0; number < outputsOfTerminal; ++number) {
+        group->outputs.append(makeOutput(number, texts::headUnitOutputName()));
+    }
+    groupList.append(group);
+}
+
+void RelayInfo::sortGroups()
+{
+    // The head unit stays in front even of addresses from 128 up, which a record extends to negative numbers.
+    std::stable_sort(groupList.begin() + 1, groupList.end(), [](const GroupRelayPtr& a, const GroupRelayPtr& b) {
+        return static_cast<qint16>(a->address) < static_cast<qint16>(b->address);
+    });
+}
+
+GroupRelayPtr RelayInfo::addGroup(const QString& name, quint16 address)
+{
+    auto group = GroupRelayPtr::create();
+    group->address = address;
+    group->name = name;
+    group->expand = true;
+    groupList.append(group);
+    sortGroups();
+    return group;
+}
+
+void RelayInfo::addOutput(const GroupRelayPtr& group, const QString& name)
+{
+    for (quint8 number = 0; number < outputsOfTerminal; ++number) {
+        const bool taken =
+            std::any_of(group->outputs.cbegin(), group->outputs.cend(),
+                        [number](const RelayInformationPtr& output) { return output->number == number; });
+        if (!taken) {
+            group->outputs.append(makeOutput(number, name));
+            return;
+        }
+    }
+    group->outputs.append(RelayInformationPtr::create());
+}
+
+quint16 RelayInfo::removeGroup(const GroupRelayPtr& group)
+{
+    const int position = groupList.indexOf(group);
+    if (position <= 0) {
+        return 0;
+    }
+    groupList.removeAt(position);
+    return groupList.at(position - 1)->address;
+}
+
+void RelayInfo::removeDisconnectedGroups()
+{
+    removeTerminals(groupList, [](const GroupRelayPtr& group) { return !group->connected; });
+}
+
+void RelayInfo::removeIdleGroups()
+{
+    removeTerminals(groupList, [](const GroupRelayPtr& group) { return !group->connected && isIdle(*group); });
+}
+
+void RelayInfo::addTerminalType(bool first, const QString& name, quint8 terminalClass, quint8 version, quint8 type,
+                                quint8 characteristic, const QStringList& outputs)
+{
+    if (first) {
+        types = {TerminalTypePtr::create()};
+        types.last()->background = unsetColor();
+    }
+    auto row = TerminalTypePtr::create();
+    row->label = QStringLiteral("%1 (%2)").arg(name, modelCode(terminalClass, version, type, characteristic));
+    row->terminalClass = terminalClass;
+    row->version = version;
+    row->type = type;
+    row->characteristic = characteristic;
+    row->name = name;
+    row->outputs = outputs;
+    types.append(row);
+    std::stable_sort(types.begin(), types.end(),
+                     [](const TerminalTypePtr& a, const TerminalTypePtr& b) { return a->label < b->label; });
+}
+
+void RelayInfo::resetGroups(bool headUnitOnly)
+{
+    groupList.clear();
+    appendHeadUnit(true);
+    if (headUnitOnly) {
+        return;
+    }
+    for (const ConnectedTerminalPtr& terminal : std::as_const(connectedList)) {
+        if (terminal->terminalClass == executiveClass) {
+            groupList.append(makeTerminalGroup(*terminal));
+        }
+    }
+}
+
+void RelayInfo::resetScripts()
+{
+    for (int i = 0; i < scriptList.size(); ++i) {
+        ScriptInfo& script = *scriptList.at(i);
+        const bool marked = script.marked;
+        script = ScriptInfo();
+        script.marked = marked;
+        script.number = static_cast<quint8>(i);
+        script.name = texts::defaultScriptName();
+        script.mode = tables.modes.first();
+        script.delay = tables.delays.first();
+        script.duration = tables.durations.first();
+        script.stateChannel = tables.stateChannels.first();
+        script.activateFilter = {false, false, false, false};
+        script.daysOfWeek = {false, false, false, false, false, false, false};
+        script.timeFilter = {0, 0, 0, 0};
+        script.dateFilter = {1, 1, 1, 1};
+        script.terminalFilter = TerminalTypePtr::create();
+        script.addressFilter.clear();
+        for (int address = 0; address < 32; ++address) {
+            script.addressFilter.append(false);
+        }
+        script.numberChannels = {true, false, false, false};
+        script.notActive = true;
+    }
+}
