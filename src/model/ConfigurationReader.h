@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringRef>
+
+#include "model/GroupRelay.h"
+#include "model/ScriptInfo.h"
+#include "model/tables.h"
+
+/// Reads the text of a configuration file into groups and scripts that were reset before.
+///
+/// RelayInfo makes one for a load. The reader never stops at a bad line: it counts an error and leaves what it would
+/// have changed. It takes time in proportion to the length of the text, and bounds what a few bytes can make of it:
+/// no more than 4096 groups, and 256 outputs to a group and scripts to an output, as their numbers have eight bits.
+class ConfigurationReader
+{
+public:
+    /// The tables must outlive the reader. The groups hold the head unit alone.
+    ConfigurationReader(const ParamTables& paramTables, const QList<GroupRelayPtr>& resetGroups,
+                        const QList<ScriptInfoPtr>& resetScripts);
+
+    void read(const QString& text);
+
+    int errorCount() const;
+    QList<GroupRelayPtr> groups() const;
+    QString comment() const;
+
+    /// A key with its value: what the effects of the keys work on.
+    struct Entry
+    {
+        QString key;
+        QString value;
+        int number = -1;   ///< the value, or -1 if it isn't a number
+        int terminal = -1; ///< the indexes in the key, negative where there is none
+        int output = -1;
+        int script = -1;
+    };
+
+    /// What the effects may reach.
+    struct Model
+    {
+        const ParamTables& tables;
+        QList<GroupRelayPtr> groups;
+        QList<ScriptInfoPtr> scripts;
+    };
+
+private:
+    void readLine(const QStringRef& line);
+    int readEntry(const Entry& entry);
+
+    Model model;
+    QString commentText;
+    bool inComment = false;
+    int errors = 0;
+};

@@ -1,0 +1,55 @@
+// The model as a configuration file and back.
+
+#include <QFile>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include "model/ConfigurationReader.h"
+#include "model/ConfigurationWriter.h"
+#include "model/RelayInfo.h"
+
+namespace
+{
+
+/// The text of an open file in UTF-8, up to a first NUL. A byte order mark is no part of it, and one of another
+/// encoding counts. The file is to be open without QIODevice::Text, which would swallow the CR that ends the lines.
+QString readText(QFile& file)
+{
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    const QString text = stream.readAll();
+    return text.left(text.indexOf(QChar::Null));
+}
+
+} // namespace
+
+int RelayInfo::saveToFile(const QString& path) const
+{
+    const QByteArray bytes = configurationText(tables, groupList, scriptList, commentText).toUtf8();
+    // The new text is whole before it takes the place of the old file.
+    QSaveFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    return written ? FileOk : FileNotWritten;
+}
+
+int RelayInfo::loadFromFile(const QString& path)
+{
+    fileErrors = 0;
+    QFile file(path);
+    if (!file.exists()) {
+        return FileNotFound;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        return FileNotOpened;
+    }
+    const QString text = readText(file);
+
+    resetGroups(true);
+    resetScripts();
+    ConfigurationReader reader(tables, groupList, scriptList);
+    reader.read(text);
+    groupList = reader.groups();
+    commentText = reader.comment();
+    fileErrors = reader.errorCount();
+    return FileOk;
+}
