@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QList>
+#include <QSharedPointer>
+#include <QSize>
+#include <QString>
+
+#include "model/GroupRelay.h"
+#include "model/ParamItem.h"
+
+class NodeFrame;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QTreeWidgetItem;
+class QWidget;
+
+/// What the tree shows for one output: an item whose frame holds the name, the initial state and the return to it.
+struct OutputNode
+{
+    QTreeWidgetItem* item = nullptr;
+    QLabel* label = nullptr;
+    QLineEdit* edit = nullptr; ///< replaces the label while renaming; hidden otherwise
+    QComboBox* comboStartState = nullptr;
+    QCheckBox* checkReturn = nullptr;
+    NodeFrame* frame = nullptr;
+    RelayInformationPtr relay;
+};
+
+/// What the tree shows for the head unit or a terminal, with its outputs.
+struct GroupNode
+{
+    QTreeWidgetItem* item = nullptr;
+    QLabel* label = nullptr;
+    QLineEdit* edit = nullptr; ///< replaces the label while renaming; hidden otherwise
+    NodeFrame* frame = nullptr;
+    GroupRelayPtr group;
+    QList<OutputNode> outputs;
+};
+
+/// Making and painting the widgets of the tree's nodes. The items that are made belong to no one until they are placed
+/// in a tree; discard() ends those that never were, with their frames.
+namespace treeNodes
+{
+
+/// The frames are children of the tree's viewport from the start.
+GroupNode makeGroupNode(const GroupRelayPtr& group, QWidget* viewport);
+OutputNode makeOutputNode(const RelayInformationPtr& relay, const ParamItems& outputStates, const GroupNode& group);
+void postponePolish(const GroupNode& node); ///< until the widgets are shown
+void discard(const GroupNode& node);
+
+QString groupTitle(const GroupRelay& group);
+QString outputTitle(const RelayInformation& relay);
+
+void paintGroup(const GroupNode& node);
+void paintOutput(const OutputNode& node);
+void paintStartState(QComboBox* combo, int index); ///< -1 is a state that the list doesn't have
+
+/// The least width and the height of a row that holds the frame of a node, with its label or with its edit.
+QSize rowSize(const NodeFrame* frame, const QLabel* label, const QLineEdit* edit);
+
+} // namespace treeNodes
