@@ -1,0 +1,165 @@
+#pragma once
+
+#include <memory>
+
+#include <QList>
+#include <QSharedPointer>
+#include <QString>
+#include <QWidget>
+
+#include "model/RelayInfo.h"
+#include "model/ScriptInfo.h"
+#include "model/ScriptRules.h"
+#include "ui/AddressButton.h"
+
+class QCheckBox;
+class QComboBox;
+class QListWidgetItem;
+class SpecialDateFrame;
+class SpecialTimeFrame;
+
+namespace Ui
+{
+class Setting_Script_Widget;
+}
+
+/// The script editor: shows the script that came last through sl_SetNewScript() and writes each edit straight into that
+/// shared record. There is no step of applying.
+///
+/// Showing a script edits nothing but what belongs to the rules of a record: the state "Not active" empties the list of
+/// channels, any other state has at least channel 1, and a class of 5 to 14 in the script's own type filter becomes 15
+/// or 4. A value that its control can't show stays in the record until the user edits that very value.
+///
+/// The main window owns it, in the right dock, and shares the model with it. GUI thread only.
+class Setting_Script_Widget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit Setting_Script_Widget(const QSharedPointer<RelayInfo>& info, QWidget* parent = nullptr);
+    ~Setting_Script_Widget() override;
+    Q_DISABLE_COPY_MOVE(Setting_Script_Widget)
+
+    /// The script on show; null until the first sl_SetNewScript().
+    ScriptInfoPtr currentScript() const
+    {
+        return script;
+    }
+
+    /// Paints the number of the script in the colour of its row in the lists, a text such as "rgba(0, 255, 17, 150)".
+    void setStateColor(const QString& color);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+signals:
+    void sig_changeTitle(const QString& title); ///< a script is shown, or the one on show was renamed
+    void sig_RefreshStateScriptInList();        ///< name, mode or trigger have changed, or another script is shown
+
+public slots:
+    void sl_SetNewScript(const QSharedPointer<ScriptInfo>& newScript); ///< shows a script; null is ignored
+    void sl_UpDateConnectList(); ///< the model's list of connected terminals has changed
+
+private slots:
+    void on_lineEditNameScript_textChanged(const QString& text);
+    void on_comboModeWorkRelay_currentIndexChanged(int index);
+    void on_comboDelay_currentIndexChanged(int index);
+    void on_comboDuration_currentIndexChanged(int index);
+
+    void on_comboStateChannel_currentIndexChanged(int index);
+    void on_comboBoxPNB_currentIndexChanged(int index);
+    void on_radioShortPress_clicked();
+    void on_radioLongPress_clicked();
+    void on_comboBoxAnalog_currentIndexChanged(int index);
+    void on_spinBoxOtherStateChannel_valueChanged(int value);
+    void sl_buttonChannel_clicked();
+    void on_listStateDevice_itemChanged(QListWidgetItem* item);
+    void on_listStateDevice_itemClicked(QListWidgetItem* item);
+
+    void on_checkBoxType_clicked();
+    void on_comboBoxSelectType_currentIndexChanged(int index);
+    void on_spinBoxClass_valueChanged(int value);
+    void on_spinBoxVersion_valueChanged(int value);
+    void on_spinBoxType_valueChanged(int value);
+    void on_spinBoxCharacteristic_valueChanged(int value);
+    void on_checkBoxAlwaysConnect_clicked();
+    void on_checkBoxSound_clicked();
+    void on_checkBoxExternalPower_clicked();
+    void on_checkBoxBattery_clicked();
+    void on_checkBoxAddress_clicked();
+    void sl_addressButton_clicked();
+
+    void sl_checkBoxDayOfWeek_clicked();
+    void on_checkBoxTime_clicked();
+    void on_checkBoxDate_clicked();
+    void sl_spinBoxTimeMinute_changed();
+    void sl_spinBoxTimeHour_changed();
+    void sl_spinBoxDateDay_changed();
+    void sl_comboBoxDateMonth_changed();
+
+private:
+    void setTexts();
+    void fillLists();
+    void makeAddressButtons();
+    void makePickers();
+    void connectControls();
+    void setTabStops();
+    void setLook();
+    void fitStateList();
+    void showEmpty();
+
+    /// True while a change of a control is the user's edit of a script, and not a script being shown.
+    bool editing() const
+    {
+        return script && !showing;
+    }
+
+    void announceTitle();
+    void paintCombo(QComboBox* combo);
+    void showRow(QComboBox* combo, const QString& name);
+    void showRow(QComboBox* combo, const ParamItemPtr& row);
+    void storeRow(ParamItemPtr ScriptInfo::*field, const ParamItemPtr& row);
+    void storeFilterSwitch(int filter, bool on);
+
+    void showGeneral();
+    void showTrigger();
+    void showStateControls();
+    void showChannels();
+    void showTerminalStates();
+    void showDays();
+    void showTypeSwitch();
+    void showAddressSwitch();
+    void showTimeSwitch();
+    void showDateSwitch();
+    void showPeriods();
+    void showTypeFilter();
+    void showTypeNumbers();
+    void showAddressFilter();
+
+    ParamItemPtr chosenState(const QString& name) const;
+    void setStateChannel(const ParamItemPtr& state, scriptRules::TypeFilter typeFilter);
+    void setPress(bool longPress);
+    void adaptStateToFilter();
+    void storeTypeNumber(quint8 TerminalType::*field, int value);
+    void featureClicked(QCheckBox* box, int bit);
+    void refreshAddressButtons();
+    void paintAddressButtons();
+
+    std::unique_ptr<Ui::Setting_Script_Widget> ui;
+    QSharedPointer<RelayInfo> m_info;
+    ScriptInfoPtr script;
+    QList<unsigned char> channelButtons = {255, 255, 255, 255}; ///< 0 off, 1 on, 255 not available
+    QList<AddressButton> addressButtons;
+    QList<QPushButton*> channelWidgets; ///< buttonChannel1 to buttonChannel4
+    QList<QCheckBox*> dayBoxes;         ///< Monday to Sunday
+    SpecialTimeFrame* timeBegin = nullptr;
+    SpecialTimeFrame* timeEnd = nullptr;
+    SpecialDateFrame* dateBegin = nullptr;
+    SpecialDateFrame* dateEnd = nullptr;
+
+    bool showing = false;                        ///< the controls are being set from the record
+    QListWidgetItem* pressedItem = nullptr;      ///< the terminal state that the mouse went down on,
+    Qt::CheckState pressedState = Qt::Unchecked; ///< and whether it was checked then
+};
