@@ -1,0 +1,166 @@
+#include "ui/FormAddingTerminal.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QComboBox>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+
+#include "model/RelayInfo.h"
+#include "texts/texts.h"
+#include "ui_FormAddingTerminal.h"
+#include "widgets/Look.h"
+
+namespace
+{
+
+constexpr int addressCount = 32;
+constexpr int maximumOutputs = 2;
+
+QString noAddress()
+{
+    return QStringLiteral("---");
+}
+
+} // namespace
+
+FormAddingTerminal::FormAddingTerminal(QSharedPointer<RelayInfo> info, QWidget* parent)
+    : QWidget(parent, Qt::Window), ui(std::make_unique<Ui::FormAddingTerminal>()), relayInfo(std::move(info)),
+      terminals({{texts::otherTerminal(), {}}})
+{
+    ui->setupUi(this);
+    setFont(look::applicationFont());
+    outputs = {{ui->labelOutput1, ui->lineEditOutput1},
+               {ui->labelOutput2, ui->lineEditOutput2},
+               {ui->labelOutput3, ui->lineEditOutput3},
+               {ui->labelOutput4, ui->lineEditOutput4}};
+    setTexts();
+    if (parent != nullptr) {
+        parent->installEventFilter(this);
+    }
+}
+
+FormAddingTerminal::~FormAddingTerminal() = default;
+
+void FormAddingTerminal::setTexts()
+{
+    setWindowTitle(texts::addTerminalTitle());
+    ui->labelChoice->setText(texts::addTerminalModel());
+    ui->labelName->setText(texts::addTerminalName());
+    ui->labelNum->setText(texts::addTerminalOutputCount());
+    ui->labelOutput1->setText(texts::addTerminalOutput1());
+    ui->labelOutput2->setText(texts::addTerminalOutput2());
+    ui->labelOutput3->setText(texts::addTerminalOutput3());
+    ui->labelOutput4->setText(texts::addTerminalOutput4());
+    ui->labelTitleaddress->setText(texts::addTerminalAddress());
+    ui->pushButton->setText(texts::buttonAdd());
+    ui->pushButtonClose->setText(texts::buttonCancel());
+}
+
+void FormAddingTerminal::addTerminal(bool first, const QString& name, const QStringList& outputNames)
+{
+    if (first) {
+        terminals = {{texts::otherTerminal(), {}}};
+    }
+    terminals.append({name, outputNames});
+}
+
+bool FormAddingTerminal::eventFilter(QObject* watched, QEvent* event)
+{
+    // A window that is merely minimised is hidden by the platform, which is spontaneous.
+    if (event->type() == QEvent::Hide && !event->spontaneous()) {
+        close();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void FormAddingTerminal::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    fillTerminals();
+    fillAddresses();
+    ui->spinBoxOutputs->setMaximum(maximumOutputs);
+}
+
+void FormAddingTerminal::fillTerminals()
+{
+    ui->comboBoxTerminals->clear();
+    ui->comboBoxTerminals->setFont(look::applicationFont());
+    for (const TerminalChoice& choice : std::as_const(terminals)) {
+        ui->comboBoxTerminals->addItem(choice.name);
+    }
+    ui->comboBoxTerminals->setCurrentText(texts::otherTerminal());
+    on_comboBoxTerminals_currentIndexChanged(texts::otherTerminal());
+}
+
+void FormAddingTerminal::fillAddresses()
+{
+    ui->comboBoxAddress->clear();
+    ui->comboBoxAddress->setFont(look::applicationFont());
+    QStringList addresses = freeAddresses();
+    if (addresses.isEmpty()) {
+        addresses.append(noAddress());
+        ui->pushButton->setEnabled(false); // for good: no later showing enables it again
+    }
+    ui->comboBoxAddress->addItems(addresses);
+}
+
+QStringList FormAddingTerminal::freeAddresses() const
+{
+    QStringList addresses;
+    for (int address = 0; address < addressCount; ++address) {
+        if (!relayInfo->findGroup(static_cast<quint16>(address))) {
+            addresses.append(QString::number(address));
+        }
+    }
+    return addresses;
+}
+
+void FormAddingTerminal::on_comboBoxTerminals_currentIndexChanged(const QString& text)
+{
+    const auto found = std::find_if(terminals.cbegin() + 1, terminals.cend(),
+                                    [&text](const TerminalChoice& choice) { return choice.name == text; });
+    const bool isModel = found != terminals.cend();
+    const QStringList names = isModel ? found->outputs : QStringList();
+    ui->lineEditTerminal->setText(isModel ? text : texts::defaultTerminalName());
+    ui->lineEditTerminal->setEnabled(!isModel);
+    for (int i = 0; i < outputs.size(); ++i) {
+        outputs.at(i).edit->setText(names.value(i, texts::defaultOutputName()));
+    }
+    ui->spinBoxOutputs->setValue(isModel ? qMin(names.size(), maximumOutputs) : 1);
+    on_spinBoxOutputs_valueChanged(ui->spinBoxOutputs->value());
+    ui->spinBoxOutputs->setEnabled(!isModel);
+}
+
+void FormAddingTerminal::on_spinBoxOutputs_valueChanged(int arg1)
+{
+    for (int i = 0; i < outputs.size(); ++i) {
+        outputs.at(i).label->setVisible(i < arg1);
+        outputs.at(i).edit->setVisible(i < arg1);
+    }
+}
+
+void FormAddingTerminal::on_pushButtonClose_clicked()
+{
+    close();
+}
+
+void FormAddingTerminal::on_pushButton_clicked()
+{
+    const QString address = ui->comboBoxAddress->currentText();
+    // A reading may have brought a terminal to this address since the form was shown.
+    if (!freeAddresses().contains(address)) {
+        fillAddresses();
+        return;
+    }
+    QStringList names;
+    for (int i = 0; i < ui->spinBoxOutputs->value(); ++i) {
+        names.append(outputs.at(i).edit->text());
+    }
+    emit sig_addNewGroupRelay(ui->lineEditTerminal->text(), address.toShort(), names);
+    close();
+}
