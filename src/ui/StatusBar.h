@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QtGlobal>
+
+class QFrame;
+class QLabel;
+class QStatusBar;
+class QString;
+
+/// The four framed sections of the main window's status bar: port, coordinator, device time, result of the last
+/// operation.
+///
+/// The labels exist from construction on; install() puts them into the bar, which owns them from then. The main window
+/// holds the one instance. GUI thread only.
+class StatusBar
+{
+public:
+    /// What the lamp of the current port says. The numbers are those that the coordinator form sends.
+    enum PortLamp : quint8
+    {
+        LampNotConnected = 0, ///< watched, and the coordinator doesn't answer
+        LampConnected = 1,    ///< watched, and it answers
+        LampUnwatched = 2,    ///< not watched; any other number shows the same
+    };
+
+    StatusBar();
+    Q_DISABLE_COPY_MOVE(StatusBar)
+    ~StatusBar() = default;
+
+    void install(QStatusBar* bar);
+
+    /// Address 255 means that there is no coordinator.
+    void showPort(uchar lamp, const QString& portName, const QString& baudrate, uchar address, const QString& serial,
+                  const QString& version);
+    void showDeviceTime(const QString& time);
+    void showResult(const QString& result);
+
+    QString result() const; ///< the result on show
+
+private:
+    QFrame* portSection() const;
+    QFrame* coordinatorSection() const;
+    QFrame* timeSection() const;
+    QFrame* resultSection() const;
+
+    QLabel* labelIconPort;
+    QLabel* labelBaudrate;
+    QLabel* labelPortName;
+    QLabel* labelCoordinator;
+    QLabel* labelSerial;
+    QLabel* labelVersion;
+    QLabel* labelResult;
+    QLabel* labelDeviceTime;
+};
