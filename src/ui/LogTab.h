@@ -1,0 +1,155 @@
+#pragma once
+
+#include <functional>
+
+#include <QByteArrayList>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QQueue>
+#include <QString>
+#include <QThread>
+
+#include "eventlog/DataBase.h"
+#include "eventlog/LogEvents.h"
+
+class Device;
+class Dialogs;
+class QLabel;
+class QTableView;
+class QWidget;
+
+/// The widgets of the window's form that the log side uses.
+struct LogWidgets
+{
+    QWidget* window = nullptr;   ///< parent of message boxes and file dialogs
+    QTableView* view = nullptr;  ///< tableViewLogEvents
+    QLabel* countRows = nullptr; ///< labelCountRows
+};
+
+/// The log side of the main window: starts readings of the unit's log, has the records decoded, moves the rows into the
+/// database in batches, shows the table, and loads and saves logs as files.
+///
+/// The main window owns the one instance, for its whole life; GUI thread only. It owns the decoded events and the
+/// database worker with its thread. The destructor waits for the thread, however long its last operation takes, and the
+/// working file is gone after it.
+///
+/// The view has a model only while the worker leaves that model alone: it is detached before every request that changes
+/// the model, and attached again with the answer.
+///
+/// What the window does with it:
+/// - It has the slots and signals below that begin with sl_ and sig_ too; each slot calls the one here, and
+///   startDataBase(this) wires the signals and the worker to them.
+/// - actionReadLog: writes the time if it has to, then readLog().
+/// - A change to the tab tabLogEvents while actionReadLog is enabled: readLogIfChanged().
+/// - actionLoadLog and actionSaveLog: its sl_LoadLogFromFile() and sl_SaveLogInFile().
+/// - forceReading goes to FormChoiceCoordinator::forceLogReading(), newResult to sl_ReceiveNewMessageAboutResult().
+/// - FormChoiceCoordinator::sig_sendReadLogOnForm comes to sl_ReceiveDataEvents(), its sig_ReadLogNotNeccessary to
+///   sl_RestoreLogEvent(); sig_ReadLogEvents goes to its sl_SendRequestBeginReadLog(), sig_HideFormWaiting to its
+///   sl_HideFormWaiting().
+class LogTab : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// None of the arguments is owned; the dialogs and the catalogue have to live as long as the tab.
+    LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& dialogs, QObject* parent = nullptr);
+    ~LogTab() override;
+    Q_DISABLE_COPY_MOVE(LogTab)
+
+    /// Wires the window and the database worker to each other and starts the worker's thread. Called once.
+    template <typename Window>
+    void startDataBase(Window* window)
+    {
+        connect(dataBase, &DataBase::sig_ResultConnectDB, window, &Window::sl_SettingModel);
+        connect(this, &LogTab::sig_insertDataToTable, window, &Window::sig_insertDataToTable);
+        connect(window, &Window::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
+        connect(dataBase, &DataBase::sig_ResultInsertIntoTable, window, &Window::sl_InsertNextPartEvents);
+        connect(this, &LogTab::sig_refreshTable, window, &Window::sig_refreshTable);
+        connect(window, &Window::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
+        connect(dataBase, &DataBase::sig_RefreshComplete, window, &Window::sl_setStatusLog);
+        connect(this, &LogTab::sig_deleteDataFromTable, window, &Window::sig_deleteDataFromTable);
+        connect(window, &Window::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
+        connect(dataBase, &DataBase::sig_ResultDeleteFromTable, window, &Window::sl_DataIsDeleted);
+        connect(this, &LogTab::sig_LoadOtherDB, window, &Window::sig_LoadOtherDB);
+        connect(window, &Window::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
+        connect(dataBase, &DataBase::sig_ResultConnectOtherDB, window, &Window::sl_SettingOtherModel);
+        connect(dataBase, &DataBase::sig_MessageForForm, window, &Window::sl_ReceiveNewMessageAboutResult);
+        connect(this, &LogTab::sig_SaveOtherDB, window, &Window::sig_SaveOtherDB);
+        connect(window, &Window::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
+        connect(this, &LogTab::sig_ReadLogEvents, window, &Window::sig_ReadLogEvents);
+        connect(this, &LogTab::sig_HideFormWaiting, window, &Window::sig_HideFormWaiting);
+        connect(this, &LogTab::newResult, window, &Window::sl_ReceiveNewMessageAboutResult);
+        changeModel([this] { dataBaseThread.start(); });
+    }
+
+    void readLog();          ///< reads the unit's log whether it has changed or not
+    void readLogIfChanged(); ///< reads it if its counter has moved since the last reading
+
+signals:
+    void sig_ReadLogEvents();
+    void sig_insertDataToTable(const QList<EventOfTable>& rows);
+    void sig_refreshTable();
+    void sig_deleteDataFromTable();
+    void sig_LoadOtherDB(const QString& fileName);
+    void sig_SaveOtherDB(const QString& fileName);
+    void sig_HideFormWaiting();
+
+    void forceReading();                 ///< the next reading must not be skipped
+    void newResult(const QString& text); ///< for the result line of the window
+
+public slots:
+    /// The worker has made the working file, or failed to.
+    void sl_SettingModel(ErrorDataBase err, SqlModel* model);
+
+    /// Gives the view a model and sets all its properties anew, the column widths included.
+    void sl_SettingTableView(SqlModel* model);
+
+    /// The rows of the model have been read anew: shows their count and the table.
+    void sl_setStatusLog(int count, bool filter);
+
+    /// Records of one block of the unit's log; with end set, the last one, or the reading failed.
+    void sl_ReceiveDataEvents(const QByteArrayList& data, bool end);
+
+    /// The table is empty, or could not be emptied.
+    void sl_DataIsDeleted(ErrorDataBase err);
+
+    /// Sends the next batch; err is the outcome of the former one.
+    void sl_InsertNextPartEvents(ErrorDataBase err);
+
+    /// The unit's log has not changed: shows again what the table holds.
+    void sl_RestoreLogEvent();
+
+    void sl_LoadLogFromFile();
+    void sl_SaveLogInFile();
+
+    /// A saved log has been loaded, or could not be opened.
+    void sl_SettingOtherModel(ErrorDataBase err, SqlModel* model, const QString& fileName);
+
+private:
+    /// Requests reach the worker in the order in which they are made, but one that changes the model waits for the end
+    /// of the change before it: so the view is never given a model that is about to change.
+    void inOrder(const std::function<void()>& request);
+    void changeModel(const std::function<void()>& request);
+    void beginModelChange(const std::function<void()>& request);
+    void endModelChange();
+
+    void detachLogView();
+    void attachLogView();
+    void dropModel();
+    void showDataBaseError(const QString& text);
+    void stopWithFault(const QString& text);
+
+    QWidget* dialogParent;
+    QPointer<QTableView> view;
+    QPointer<QLabel> countRows;
+    Dialogs& dialogs;
+    LogEvents logEvents;
+    QThread dataBaseThread;
+    DataBase* dataBase;
+    QPointer<SqlModel> modelLog; ///< the worker's; it goes when the worker has to begin anew
+    QList<int> columnWidths;     ///< at the last detach
+    QList<bool> columnHidden;    ///< at the last detach
+    int modelChanges = 0;        ///< requested, and not yet done with on the database thread and here
+    QQueue<std::function<void()>> waitingRequests;
+};
