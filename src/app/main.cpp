@@ -1,0 +1,17 @@
+#include <QApplication>
+
+#include "link/endProcess.h"
+#include "ui/MainWindow.h"
+
+int main(int argc, char* argv[])
+{
+    int exitCode = 0;
+    {
+        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+        const QApplication application(argc, argv);
+        MainWindow window;
+        window.showMaximized();
+        exitCode = QApplication::exec();
+    }
+    endProcess(exitCode);
+}
