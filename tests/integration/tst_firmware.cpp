@@ -1,0 +1,551 @@
+#include <QtTest>
+
+#include <QEventLoop>
+#include <QFile>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include "firmware/Loading.h"
+#include "firmware/protocol_boot.h"
+#include "link/Transmitter.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
+
+namespace
+{
+
+constexpr int patience = 90000; ///< ms; generous, for busy machines
+
+QByteArray randomImage(int size)
+{
+    QRandomGenerator random(quint32(size) + 1);
+    QByteArray image(size, '\0');
+    for (char& byte : image) {
+        byte = char(random.bounded(256));
+    }
+    return image;
+}
+
+QPushButton* button(const QWidget* widget, const char* name)
+{
+    return widget->findChild<QPushButton*>(QLatin1String(name));
+}
+
+QString barText(const Loading* dialog)
+{
+    return dialog->findChild<QProgressBar*>(QStringLiteral("progressBar"))->format();
+}
+
+/// A loading dialog and a worker on a thread of its own, over a simulated unit.
+class LoadingOverUnit : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit LoadingOverUnit(const QVector<UnitFault>& faults = {}, quint32 seed = 1) : worker(new Transmitter)
+    {
+        unit.setFaults(faults, seed);
+        worker->setBootParser(&protocol_boot::parseAnswer);
+        worker->moveToThread(&thread);
+        connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
+        connect(this, &LoadingOverUnit::send, worker, &Transmitter::sl_AddRequestInQueue);
+        thread.start();
+        QMetaObject::invokeMethod(
+            worker, [worker = worker, name = unit.portName()] { worker->sl_initialization(worker, name); });
+    }
+
+    ~LoadingOverUnit() override
+    {
+        delete dialog;
+        thread.quit();
+        thread.wait();
+    }
+    Q_DISABLE_COPY_MOVE(LoadingOverUnit)
+
+    void show(const QByteArray& image)
+    {
+        dialog = new Loading;
+        connect(dialog, &Loading::sig_SendMessage, this, [this](const message& mess) { emit send(worker, mess); });
+        connect(worker, &Transmitter::sig_SendAnswer, dialog,
+                [dialog = dialog](Transmitter*, const message& answer) { dialog->sl_receiveMessage(answer); });
+        connect(dialog, &Loading::sig_SendResultOperation, this, [this](const QString& text) { results.append(text); });
+        dialog->setParameters(unit.state().address, 57600, QStringLiteral("image.crypt"), image);
+        dialog->show();
+    }
+
+    /// Waits until a run has ended, well or not.
+    bool waitForEnd() const
+    {
+        return WindowOverUnit::waitUntil([this] { return dialog.isNull() || hasFailed(); }, patience);
+    }
+    bool hasFailed() const
+    {
+        return dialog != nullptr && dialog->isVisible() &&
+               button(dialog, "ButtonAbort")->text() == texts::buttonClose();
+    }
+    bool isComplete(const QByteArray& image) const
+    {
+        const UnitState state = unit.state();
+        return state.firmwareComplete && state.firmware == image;
+    }
+
+    UnitSimulator unit;
+    QPointer<Loading> dialog;
+    QStringList results;
+
+signals:
+    void send(Transmitter* receiver, const message& mess);
+
+private:
+    QThread thread;
+    Transmitter* worker;
+};
+
+/// Plays the user of loading dialogs that run their own event loop: looks at the open one every few milliseconds.
+class DialogUser : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DialogUser(std::function<void(Loading*)> look)
+    {
+        connect(&timer, &QTimer::timeout, this, [this, look = std::move(look)] {
+            const QWidgetList widgets = QApplication::topLevelWidgets();
+            for (QWidget* const widget : widgets) {
+                auto* const dialog = qobject_cast<Loading*>(widget);
+                if (dialog != nullptr && dialog->isVisible()) {
+                    seen.insert(barText(dialog));
+                    overdue = overdue || sinceStart.hasExpired(patience);
+                    overdue ? void(dialog->close()) : look(dialog);
+                }
+            }
+        });
+        sinceStart.start();
+        timer.start(3);
+    }
+
+    QSet<QString> seen; ///< what the bar has said
+    bool overdue = false;
+
+private:
+    QTimer timer;
+    QElapsedTimer sinceStart;
+};
+
+} // namespace
+
+/// Firmware on its way to a simulated unit: the dialog over a worker, and the whole program.
+class tst_firmware : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    // The dialog and a worker.
+    void the_image_arrives_in_spite_of_losses_and_damage_data();
+    void the_image_arrives_in_spite_of_losses_and_damage();
+    void abort_at_any_stage_and_repeat_data();
+    void abort_at_any_stage_and_repeat();
+    void the_link_is_cut_and_a_repeat_succeeds_data();
+    void the_link_is_cut_and_a_repeat_succeeds();
+    void the_unit_loses_its_power_and_a_repeat_succeeds();
+    void a_refused_block_is_a_write_error();
+    void a_unit_in_its_bootloader_is_loaded_at_once();
+
+    // The whole program.
+    void the_menu_loads_the_current_port();
+    void the_watch_rests_and_comes_back();
+    void a_slow_unit_enters_its_bootloader_at_its_own_rate();
+    void a_disconnected_row_loads_its_port();
+    void cancel_leaves_everything_as_it_was();
+    void a_small_file_is_refused();
+    void a_silent_bootloader_ends_the_run();
+    void closing_the_dialog_brings_the_watch_back();
+    void without_a_port_abort_ends_it();
+
+private:
+    QString file(const QByteArray& bytes) const;
+
+    std::unique_ptr<QTemporaryDir> directory;
+};
+
+void tst_firmware::init()
+{
+    directory = std::make_unique<QTemporaryDir>();
+    QVERIFY(directory->isValid());
+    QVERIFY(QDir::setCurrent(directory->path()));
+}
+
+QString tst_firmware::file(const QByteArray& bytes) const
+{
+    QFile image(directory->filePath(QStringLiteral("image.crypt")));
+    return image.open(QIODevice::WriteOnly) && image.write(bytes) == bytes.size() ? image.fileName() : QString();
+}
+
+void tst_firmware::the_image_arrives_in_spite_of_losses_and_damage_data()
+{
+    QTest::addColumn<int>("size");
+    for (const int size : {3, 129, 130, 131, 258, 32770, 32771, 200000}) {
+        QTest::addRow("%d bytes", size) << size;
+    }
+}
+
+void tst_firmware::the_image_arrives_in_spite_of_losses_and_damage()
+{
+    QFETCH(const int, size);
+    const QByteArray image = randomImage(size);
+    LoadingOverUnit over(
+        {UnitFault(UnitFault::LoseRequest).withChance(0.05), UnitFault(UnitFault::DamageAnswer).withChance(0.05)},
+        quint32(size));
+    over.show(image);
+    // Four losses of the same block in a row may end a run; the user then begins again.
+    for (int run = 0; run < 5 && over.waitForEnd() && over.hasFailed(); ++run) {
+        button(over.dialog, "ButtonRepeat")->click();
+    }
+    QVERIFY(over.dialog.isNull());
+    QVERIFY(over.isComplete(image));
+    if (size > 10000) {
+        QVERIFY(over.unit.bootRequestCount(5) > size / 128);
+    }
+}
+
+void tst_firmware::abort_at_any_stage_and_repeat_data()
+{
+    QTest::addColumn<int>("requestType");
+    QTest::addColumn<int>("bootType");
+    QTest::newRow("switch to the bootloader") << 22 << 0;
+    for (const int bootType : {2, 3, 4, 5, 6, 1}) {
+        QTest::addRow("boot request %d", bootType) << 0 << bootType;
+    }
+}
+
+void tst_firmware::abort_at_any_stage_and_repeat()
+{
+    QFETCH(const int, requestType);
+    QFETCH(const int, bootType);
+    const QByteArray image = randomImage(700);
+    UnitFault late(UnitFault::DelayAnswer);
+    late.times(1).value(60);
+    if (requestType != 0) {
+        late.onRequest(requestType);
+    } else {
+        late.onBoot(bootType);
+    }
+    LoadingOverUnit over({late});
+    int stage = 0;
+    connect(&over.unit, &UnitSimulator::requestReceived, &over, [&](const UnitRequest& request) {
+        if (stage == 0 && request.requestType == requestType && request.bootType == bootType) {
+            // The answer is still to come, and meets the next run.
+            stage = 1;
+            button(over.dialog, "ButtonAbort")->click();
+            QCOMPARE(barText(over.dialog), texts::firmwareAborted());
+            button(over.dialog, "ButtonRepeat")->click();
+        }
+    });
+    over.show(image);
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.dialog.isNull());
+    QCOMPARE(stage, 1);
+    QVERIFY(over.isComplete(image));
+    QCOMPARE(over.results, (QStringList{texts::resultFirmwareStarted(),
+                                        texts::resultFirmwareAborted() + QStringLiteral("\nimage.crypt"),
+                                        texts::resultFirmwareStarted(),
+                                        texts::resultFirmwareCompleted() + QStringLiteral("\nimage.crypt")}));
+    // One sequence, not two of them interleaved.
+    QCOMPARE(over.unit.bootRequestCount(6), bootType == 6 || bootType == 1 ? 2 : 1);
+}
+
+void tst_firmware::the_link_is_cut_and_a_repeat_succeeds_data()
+{
+    QTest::addColumn<int>("block");
+    QTest::addColumn<int>("bytesOfTheAnswer");
+    for (const int block : {1, 2, 5}) {
+        QTest::addRow("before block %d", block) << block << -1;
+        QTest::addRow("before the answer to block %d", block) << block << 0;
+        QTest::addRow("within the answer to block %d", block) << block << 2;
+        QTest::addRow("after block %d", block) << block << 5;
+    }
+}
+
+void tst_firmware::the_link_is_cut_and_a_repeat_succeeds()
+{
+    QFETCH(const int, block);
+    QFETCH(const int, bytesOfTheAnswer);
+    const QByteArray image = randomImage(100000); // long enough for a cut that comes a moment after a block
+    LoadingOverUnit over(
+        {UnitFault(UnitFault::Unplug).onBoot(5).from(block).times(1).amount(bytesOfTheAnswer).value(0)});
+    over.show(image);
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.hasFailed());
+    QCOMPARE(barText(over.dialog), texts::firmwarePortError());
+    QCOMPARE(over.results.constLast(), texts::resultFirmwareError() + QStringLiteral("\nimage.crypt"));
+
+    // Without the cable a repeat fails as well.
+    button(over.dialog, "ButtonRepeat")->click();
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.hasFailed());
+
+    // The unit lies in its bootloader and doesn't hear the switch; the run goes on all the same.
+    over.unit.plugIn();
+    button(over.dialog, "ButtonRepeat")->click();
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.dialog.isNull());
+    QVERIFY(over.isComplete(image));
+}
+
+void tst_firmware::the_unit_loses_its_power_and_a_repeat_succeeds()
+{
+    const QByteArray image = randomImage(700);
+    LoadingOverUnit over({UnitFault(UnitFault::LosePower).onBoot(5).from(3).times(1).value(900)});
+    over.show(image);
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.hasFailed());
+    QCOMPARE(barText(over.dialog), texts::firmwareNotResponding());
+    QVERIFY(!over.unit.state().firmwareComplete);
+    for (int run = 0; run < 20 && over.hasFailed(); ++run) {
+        button(over.dialog, "ButtonRepeat")->click();
+        QVERIFY(over.waitForEnd());
+    }
+    QVERIFY(over.dialog.isNull());
+    QVERIFY(over.isComplete(image));
+}
+
+void tst_firmware::a_refused_block_is_a_write_error()
+{
+    const QByteArray image = randomImage(700);
+    LoadingOverUnit over({UnitFault(UnitFault::Refuse).onBoot(5).from(2).times(4)});
+    over.show(image);
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.hasFailed());
+    QCOMPARE(barText(over.dialog), texts::firmwareWriteError());
+    QCOMPARE(over.unit.bootRequestCount(5), 5);
+    button(over.dialog, "ButtonRepeat")->click();
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.isComplete(image));
+}
+
+void tst_firmware::a_unit_in_its_bootloader_is_loaded_at_once()
+{
+    const QByteArray image = randomImage(300);
+    LoadingOverUnit over;
+    over.unit.change([](UnitState& state) { state.inBootloader = true; });
+    over.show(image);
+    QVERIFY(over.waitForEnd());
+    QVERIFY(over.dialog.isNull());
+    QVERIFY(over.isComplete(image));
+    const QVector<UnitRequest> requests = over.unit.requests();
+    QCOMPARE(requests.constFirst().requestType, 22);
+    QVERIFY(!requests.constFirst().heard);
+}
+
+void tst_firmware::the_menu_loads_the_current_port()
+{
+    const QByteArray image = randomImage(3000);
+    UnitState state;
+    state.address = 3;
+    WindowOverUnit over(state);
+    QVERIFY(over.waitForChain());
+    over.unit.clearRequests();
+    over.dialogs.openAnswers.append(file(image));
+    QStringList shown;
+    const DialogUser user([&](Loading* dialog) {
+        QVERIFY(dialog->isModal());
+        if (shown.isEmpty() || shown.constLast() != over.result()) {
+            shown.append(over.result());
+        }
+    });
+    over.trigger("actionFirmware");
+    QVERIFY(!user.overdue);
+    QVERIFY(over.unit.state().firmwareComplete);
+    QVERIFY(!over.unit.state().inBootloader);
+    QCOMPARE(over.unit.state().firmware, image);
+    QVERIFY(shown.contains(QStringLiteral("Loading firmware started")));
+    QCOMPARE(over.result(),
+             QStringLiteral("Loading firmware COMPLETED\n") + directory->filePath(QStringLiteral("image.crypt")));
+    QCOMPARE(over.dialogs.questions, QStringList{QStringLiteral("Selection file of firmware|*.crypt")});
+    // To the address of the coordinator.
+    const QVector<UnitRequest> requests = over.unit.requests();
+    const auto enter = std::find_if(requests.cbegin(), requests.cend(),
+                                    [](const UnitRequest& request) { return request.requestType == 22; });
+    QVERIFY(enter != requests.cend());
+    QCOMPARE(int(enter->frame.at(2)), 3);
+    QCOMPARE(over.unit.requestCount(22), 1);
+}
+
+void tst_firmware::the_watch_rests_and_comes_back()
+{
+    constexpr int watch = 9; // on the wire the watch looks like a search
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    over.dialogs.openAnswers.append(file(randomImage(700)));
+    // Held long enough for two beats of the watch.
+    over.unit.setFaults({UnitFault(UnitFault::LoseAnswer).onBoot(4)});
+    QElapsedTimer sinceFailure;
+    int watched = -1;
+    const DialogUser user([&](Loading* dialog) {
+        if (barText(dialog) != texts::firmwareNotResponding()) {
+            return;
+        }
+        if (watched < 0) {
+            watched = over.unit.requestCount(watch);
+            sinceFailure.start();
+        } else if (sinceFailure.hasExpired(2500)) {
+            QCOMPARE(over.unit.requestCount(watch), watched);
+            button(dialog, "ButtonAbort")->click();
+        }
+    });
+    over.trigger("actionFirmware");
+    QVERIFY(!user.overdue);
+    QVERIFY(watched >= 0);
+    QVERIFY(WindowOverUnit::waitUntil([&] { return over.unit.requestCount(watch) >= watched + 2; }, patience));
+}
+
+void tst_firmware::a_slow_unit_enters_its_bootloader_at_its_own_rate()
+{
+    const QByteArray image = randomImage(700);
+    UnitState state;
+    state.baudRates = {9600};
+    WindowOverUnit over(state);
+    QVERIFY(over.waitForChain());
+    over.unit.clearRequests();
+    over.dialogs.openAnswers.append(file(image));
+    const DialogUser user([](Loading*) {});
+    over.trigger("actionFirmware");
+    QVERIFY(!user.overdue);
+    QCOMPARE(over.unit.state().firmware, image);
+    const QVector<UnitRequest> requests = over.unit.requests();
+    for (const UnitRequest& request : requests) {
+        QCOMPARE(request.baudRate, request.bootType != 0 ? 57600 : 9600);
+    }
+}
+
+void tst_firmware::a_disconnected_row_loads_its_port()
+{
+    const QByteArray image = randomImage(700);
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    const QList<QPushButton*> buttons =
+        over.form()->findChild<QTableWidget*>()->cellWidget(0, 6)->findChildren<QPushButton*>();
+    const auto byText = [&buttons](const QString& text) {
+        return *std::find_if(buttons.cbegin(), buttons.cend(), [&](QPushButton* b) { return b->text() == text; });
+    };
+    byText(QStringLiteral("Disconnect"))->click();
+    over.unit.clearRequests();
+    over.dialogs.openAnswers.append(file(image));
+    const QString before = over.result();
+    const DialogUser user([](Loading*) {});
+    byText(QStringLiteral("Load Firmware"))->click();
+    QVERIFY(!user.overdue);
+    QVERIFY(user.seen.contains(QStringLiteral("Programming... %p%")));
+    QVERIFY(over.unit.state().firmwareComplete);
+    QCOMPARE(over.unit.state().firmware, image);
+    QCOMPARE(over.unit.requests().constFirst().requestType, 22);
+    QCOMPARE(int(over.unit.requests().constFirst().frame.at(2)), 0);
+    QCOMPARE(over.unit.requests().constFirst().baudRate, 57600);
+    // The window's result line isn't told.
+    QCOMPARE(over.result(), before);
+}
+
+void tst_firmware::cancel_leaves_everything_as_it_was()
+{
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    const QString before = over.result();
+    QSignalSpy running(over.window.get(), &MainWindow::sig_LoadingFirmwareCurrentPort);
+    const DialogUser user([](Loading* dialog) { dialog->close(); });
+    over.trigger("actionFirmware");
+    QCOMPARE(over.dialogs.questions.size(), 1);
+    QVERIFY(over.dialogs.boxes.isEmpty());
+    QVERIFY(running.isEmpty());
+    QVERIFY(user.seen.isEmpty());
+    QCOMPARE(over.result(), before);
+    QCOMPARE(over.unit.requestCount(22), 0);
+}
+
+void tst_firmware::a_small_file_is_refused()
+{
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    over.dialogs.openAnswers.append(file("12"));
+    const DialogUser user([](Loading* dialog) { dialog->close(); });
+    over.trigger("actionFirmware");
+    QCOMPARE(over.dialogs.boxes.size(), 1);
+    QVERIFY(user.seen.isEmpty());
+    QCOMPARE(over.unit.requestCount(22), 0);
+}
+
+void tst_firmware::a_silent_bootloader_ends_the_run()
+{
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    over.unit.clearRequests();
+    over.unit.setFaults({UnitFault(UnitFault::LoseAnswer)});
+    over.dialogs.openAnswers.append(file(randomImage(700)));
+    const DialogUser user([](Loading* dialog) {
+        if (button(dialog, "ButtonAbort")->text() == texts::buttonClose()) {
+            QCOMPARE(barText(dialog), QStringLiteral("Device not responding"));
+            button(dialog, "ButtonAbort")->click();
+        }
+    });
+    over.trigger("actionFirmware");
+    QVERIFY(!user.overdue);
+    QCOMPARE(over.unit.bootRequestCount(2), 4);
+    QCOMPARE(over.unit.bootRequestCount(3), 4);
+    QCOMPARE(over.unit.bootRequestCount(4), 4);
+    QCOMPARE(over.unit.bootRequestCount(5), 0);
+    QCOMPARE(over.result(),
+             QStringLiteral("ERROR PROGRAMMING firmware\n") + directory->filePath(QStringLiteral("image.crypt")));
+}
+
+void tst_firmware::closing_the_dialog_brings_the_watch_back()
+{
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    QSignalSpy running(over.window.get(), &MainWindow::sig_LoadingFirmwareCurrentPort);
+    over.dialogs.openAnswers.append(file(randomImage(200000)));
+    const DialogUser user([&](Loading* dialog) {
+        if (over.unit.bootRequestCount(5) > 3) {
+            dialog->close();
+        }
+    });
+    over.trigger("actionFirmware");
+    QVERIFY(!user.overdue);
+    QCOMPARE(over.result(),
+             QStringLiteral("Loading firmware ABORTED by user\n") + directory->filePath(QStringLiteral("image.crypt")));
+    QCOMPARE(running.size(), 2);
+    QCOMPARE(running.constLast().constFirst().toBool(), false);
+    // A unit that is left in its bootloader doesn't answer the watch, but is asked again.
+    const int watched = over.unit.requestCount(9);
+    QVERIFY(WindowOverUnit::waitUntil([&] { return over.unit.requestCount(9) > watched; }, patience));
+}
+
+void tst_firmware::without_a_port_abort_ends_it()
+{
+    ScriptedDialogs dialogs;
+    dialogs.openAnswers.append(file(randomImage(700)));
+    WindowSeams seams;
+    seams.portNames = [] { return QStringList(); };
+    seams.dialogs = &dialogs;
+    MainWindow window(seams);
+    bool running = false;
+    const DialogUser user([&running](Loading* dialog) {
+        if (!running) {
+            running = true;
+            button(dialog, "ButtonAbort")->click();
+            QCOMPARE(barText(dialog), texts::firmwareAborted());
+            button(dialog, "ButtonAbort")->click();
+        }
+    });
+    window.sl_LoadFirmWare();
+    QVERIFY(!user.overdue);
+    QVERIFY(running);
+}
+
+HUBN_THREADED_TEST_MAIN(tst_firmware)
+#include "tst_firmware.moc"

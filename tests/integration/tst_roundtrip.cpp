@@ -1,0 +1,279 @@
+#include <QFile>
+#include <QLoggingCategory>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "model/RelayInfo.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
+
+namespace
+{
+
+/// Draws what an engineer could have configured: every value one that the program writes as it was read.
+class RandomUnit
+{
+public:
+    explicit RandomUnit(quint32 seed) : random(seed)
+    {
+    }
+
+    UnitState draw()
+    {
+        UnitState state;
+        for (quint8 address = 1; address < UnitState::Addresses; ++address) {
+            if (chance(4)) {
+                // Two outputs, the number that the unit is asked for.
+                state.terminals.append(UnitTerminal::make(address, 2, below(16), below(256), below(256), 8));
+            }
+            const bool isReported = !state.terminals.isEmpty() && state.terminals.constLast().address == address;
+            if (isReported || chance(8)) {
+                drawOutputs(state, address, 2);
+            }
+            // One that isn't reported shows only by its scripts.
+            if (!isReported && state.outputs.at(address).at(0).size() == 1) {
+                state.outputs.at(address).at(0) = UnitState::emptyOutput();
+                state.outputs.at(address).at(1) = UnitState::emptyOutput();
+            }
+        }
+        drawOutputs(state, 0, UnitState::OutputsPerAddress);
+        for (QByteArray& script : state.scripts) {
+            script = drawScript();
+        }
+        // The editor shows the first script of the first output, and showing one without a trigger clears its channels.
+        state.outputs[0][0] = QByteArrayLiteral("\x01\x00");
+        state.scripts[0][2] = 1;
+        state.scripts[0][14] = static_cast<char>(0x20);
+        return state;
+    }
+
+private:
+    bool chance(int oneIn)
+    {
+        return random.bounded(oneIn) == 0;
+    }
+    int below(int limit)
+    {
+        return random.bounded(limit);
+    }
+    int bcd(int from, int to)
+    {
+        const int value = random.bounded(from, to + 1);
+        return value / 10 * 16 + value % 10;
+    }
+
+    void drawOutputs(UnitState& state, int address, int count)
+    {
+        for (int number = 0; number < count; ++number) {
+            QByteArray record(1, static_cast<char>(below(4)));
+            for (char script = 0; script < UnitState::Scripts; ++script) {
+                if (chance(10)) {
+                    record.insert(1 + below(record.size()), script);
+                }
+            }
+            state.outputs.at(static_cast<std::size_t>(address)).at(static_cast<std::size_t>(number)) = record;
+        }
+    }
+
+    QByteArray drawScript()
+    {
+        const int mode = tables.modes().at(below(tables.modes().size()))->code;
+        const int duration = tables.durations().at(below(tables.durations().size()))->code;
+        const int delay = tables.delays().at(below(tables.delays().size()))->code;
+        const int stateCode =
+            chance(3) ? below(256) : tables.stateChannels().at(below(tables.stateChannels().size()))->effectiveCode();
+        int faults = 0;
+        const auto rows = tables.terminalStates();
+        for (const ParamItemPtr& row : rows) {
+            faults |= chance(3) ? row->code : 0;
+        }
+        QByteArray script;
+        for (const int byte :
+             {mode,       duration * 8 + delay, stateCode,  faults,     16 * random.bounded(1, 16) + below(16),
+              below(128), bcd(0, 59),           bcd(0, 23), bcd(1, 31), bcd(1, 12),
+              bcd(0, 59), bcd(0, 23),           bcd(1, 31), bcd(1, 12), (chance(3) ? 15 : below(5)) * 16 + below(16),
+              below(256), below(256),           below(256), below(256), below(256),
+              below(256)}) {
+            script.append(static_cast<char>(byte));
+        }
+        return script;
+    }
+
+    QRandomGenerator random;
+    const RelayInfo tables;
+};
+
+/// The records as the program collects them from a unit.
+void fill(RelayInfo& model, const UnitState& state)
+{
+    QByteArrayList terminals;
+    for (const UnitTerminal& terminal : state.terminals) {
+        terminals.append(terminal.infoRecord);
+    }
+    QByteArrayList outputs;
+    for (int address = 0; address < UnitState::Addresses; ++address) {
+        for (int number = 0; number < (address == 0 ? UnitState::OutputsPerAddress : 2); ++number) {
+            const QByteArray place{QByteArray(1, static_cast<char>(address)) + static_cast<char>(number)};
+            outputs.append(place +
+                           state.outputs.at(static_cast<std::size_t>(address)).at(static_cast<std::size_t>(number)));
+        }
+    }
+    QByteArrayList scripts;
+    for (int number = 0; number < UnitState::Scripts; ++number) {
+        scripts.append(static_cast<char>(number) + state.scripts.at(static_cast<std::size_t>(number)));
+    }
+    model.readTerminalRecords(terminals);
+    model.readOutputRecords(outputs);
+    model.removeIdleGroups();
+    model.readScriptRecords(scripts);
+}
+
+QByteArray asFile(const RelayInfo& model)
+{
+    const QString path = QStringLiteral("model.cfg");
+    model.saveToFile(path);
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The coordinator form over a simulated unit, with a model but without a window: the way of the records alone.
+class FormOverUnit
+{
+public:
+    FormOverUnit() : form({[name = unit.portName()] { return QStringList{name}; }, {}, {}})
+    {
+        QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &form,
+                         [this](const QByteArrayList& records) { model.readTerminalRecords(records); });
+        QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadConfigOnForm, &form,
+                         [this](const QByteArrayList& records) {
+                             model.readOutputRecords(records);
+                             model.removeIdleGroups();
+                         });
+        QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadScriptOnForm, &form,
+                         [this](const QByteArrayList& records) { model.readScriptRecords(records); });
+    }
+
+    Q_DISABLE_COPY_MOVE(FormOverUnit)
+    ~FormOverUnit() = default;
+
+    bool waitForTerminals()
+    {
+        QSignalSpy found(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm);
+        return found.wait(60000);
+    }
+
+    bool searchTerminals()
+    {
+        form.on_buttonChoicePort_clicked();
+        return waitForTerminals();
+    }
+
+    /// Outputs and scripts from the unit into the model.
+    bool read()
+    {
+        form.sl_PreOperationReadConfigAndScript();
+        return waitForResult();
+    }
+
+    bool write(const RelayInfo& configured)
+    {
+        form.sl_PreOperationWriteConfigAndScript(configured.makeOutputRecords(), configured.makeScriptRecords());
+        return waitForResult();
+    }
+
+    UnitSimulator unit;
+    RelayInfo model;
+    FormChoiceCoordinator form;
+
+private:
+    bool waitForResult()
+    {
+        QSignalSpy told(&form, &FormChoiceCoordinator::sig_sendResultOperation);
+        if (!told.wait(60000)) {
+            return false;
+        }
+        const QString result = told.constFirst().constFirst().toString();
+        return result == texts::resultReadOutputsOk() + QLatin1Char('\n') + texts::resultReadScriptsOk() ||
+               result == texts::resultWriteOutputsOk() + QLatin1Char('\n') + texts::resultWriteScriptsOk();
+    }
+};
+
+void forget(UnitSimulator& unit)
+{
+    unit.change([](UnitState& state) {
+        state.outputs = UnitState::emptyOutputs();
+        state.scripts = UnitState::emptyScripts();
+    });
+}
+
+} // namespace
+
+/// What is written to a unit is what is read from it again.
+class tst_roundtrip : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void a_thousand_configurations_survive_writing_and_reading_data();
+    void a_thousand_configurations_survive_writing_and_reading();
+    void configurations_survive_the_way_through_the_window();
+};
+
+void tst_roundtrip::initTestCase()
+{
+    // The workers tell each of half a million packets.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+}
+
+void tst_roundtrip::a_thousand_configurations_survive_writing_and_reading_data()
+{
+    QTest::addColumn<quint32>("first");
+    for (quint32 first = 1; first <= 1000; first += 50) {
+        QTest::addRow("seeds %u to %u", first, first + 49) << first;
+    }
+}
+
+void tst_roundtrip::a_thousand_configurations_survive_writing_and_reading()
+{
+    QFETCH(const quint32, first);
+    FormOverUnit over;
+    QVERIFY(over.waitForTerminals());
+    for (quint32 seed = first; seed < first + 50; ++seed) {
+        const QByteArray which = "seed " + QByteArray::number(seed);
+        const UnitState configuration = RandomUnit(seed).draw();
+        RelayInfo configured;
+        fill(configured, configuration);
+        over.unit.change([&](UnitState& state) { state.terminals = configuration.terminals; });
+        QVERIFY2(over.searchTerminals(), which.constData());
+
+        forget(over.unit);
+        QVERIFY2(over.write(configured), which.constData());
+        QVERIFY2(over.unit.state().outputs == configuration.outputs, which.constData());
+        QVERIFY2(over.unit.state().scripts == configuration.scripts, which.constData());
+        QVERIFY2(over.read(), which.constData());
+        QVERIFY2(asFile(over.model) == asFile(configured), which.constData());
+    }
+}
+
+void tst_roundtrip::configurations_survive_the_way_through_the_window()
+{
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    for (quint32 seed = 2001; seed <= 2030; ++seed) {
+        const QByteArray which = "seed " + QByteArray::number(seed);
+        const UnitState before = RandomUnit(seed).draw();
+        over.unit.setState(before);
+        over.told.clear();
+        over.form()->on_buttonChoicePort_clicked();
+        QVERIFY2(over.waitForChain(), which.constData());
+        forget(over.unit);
+        QVERIFY2(over.write(), which.constData());
+        QVERIFY2(over.unit.state().outputs == before.outputs, which.constData());
+        QVERIFY2(over.unit.state().scripts == before.scripts, which.constData());
+    }
+}
+
+HUBN_THREADED_TEST_MAIN(tst_roundtrip)
+#include "tst_roundtrip.moc"
