@@ -1,0 +1,71 @@
+#include "ChainWatch.h"
+
+#include <QLabel>
+#include <QTableView>
+
+#include <cstdio>
+
+#include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
+#include "texts/texts.h"
+#include "ui/MainWindow.h"
+
+namespace
+{
+constexpr int LookInterval = 50;
+constexpr qint64 LongestChain = 180000;
+} // namespace
+
+ChainWatch::ChainWatch(MainWindow& mainWindow)
+    : window(mainWindow), resultLine(window.findChild<QLabel*>(QStringLiteral("labelResult"))),
+      busyForm(window.findChild<FormWaiting*>()), output(stdout)
+{
+    // The window has heard the result before: it was the first to connect.
+    connect(window.findChild<FormChoiceCoordinator*>(), &FormChoiceCoordinator::sig_sendResultOperation, this,
+            &ChainWatch::hearResult);
+    connect(&timer, &QTimer::timeout, this, &ChainWatch::look);
+    timer.start(LookInterval);
+    running.start();
+}
+
+bool ChainWatch::isBusy() const
+{
+    return busyForm->isVisible();
+}
+
+void ChainWatch::hearResult(const QString& text)
+{
+    look();
+    if (text == texts::resultLogOk() || text.startsWith(texts::resultLogErrors()) || text == texts::resultLogError()) {
+        logOutcome = text;
+    }
+}
+
+/* Not every line comes from the coordinator form; files and database have theirs. */
+void ChainWatch::look()
+{
+    if (resultLine->text() != printed) {
+        printed = resultLine->text();
+        output << printed << Qt::endl;
+    }
+    if (!ended && ((!logOutcome.isEmpty() && !isBusy()) || running.hasExpired(LongestChain))) {
+        ended = true;
+        emit chainEnded(fault());
+    }
+}
+
+QString ChainWatch::fault() const
+{
+    if (logOutcome.isEmpty()) {
+        return QStringLiteral("the automatic chain has not ended");
+    }
+    if (logOutcome != texts::resultLogOk()) {
+        return logOutcome;
+    }
+    if (resultLine->text() != texts::resultReadOutputsOk() + QLatin1Char('\n') + texts::resultReadScriptsOk()) {
+        return resultLine->text();
+    }
+    const auto* const log = window.findChild<QTableView*>(QStringLiteral("tableViewLogEvents"));
+    return log->model() != nullptr && log->model()->rowCount() > 0 ? QString()
+                                                                   : QStringLiteral("the table of events is empty");
+}
