@@ -1,0 +1,30 @@
+#pragma once
+
+#include <algorithm>
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+/// Notes the longest time between two turns of the event loop of the thread that creates it.
+class StandstillWatch : public QObject
+{
+public:
+    StandstillWatch()
+    {
+        timer.setTimerType(Qt::PreciseTimer);
+        timer.setInterval(1);
+        connect(&timer, &QTimer::timeout, this, [this] {
+            longest = std::max(longest, static_cast<double>(clock.nsecsElapsed()) / 1e6 - 1);
+            clock.restart();
+        });
+        clock.start();
+        timer.start();
+    }
+
+    double longest = 0; ///< milliseconds
+
+private:
+    QTimer timer;
+    QElapsedTimer clock;
+};

@@ -1,0 +1,61 @@
+#include "benchmarks/Units.h"
+
+#include <QRandomGenerator>
+
+#include "model/RelayInfo.h"
+#include "simulator/LogGenerator.h"
+
+namespace units
+{
+
+UnitState installation(int logRecords)
+{
+    UnitState unit;
+    for (int i = 0; i < 10; ++i) {
+        const int terminalClass = i % 5;
+        unit.terminals.append(
+            UnitTerminal::make(static_cast<quint8>(i + 1), terminalClass, 1, 0x41, 0x20, terminalClass == 2 ? 8 : 7));
+    }
+    unit.log = LogRing(LogRing::MaximumCapacity);
+    unit.log.append(units::logRecords(logRecords));
+    return unit;
+}
+
+QByteArrayList logRecords(int count)
+{
+    return LogGenerator(1, LogGenerator::Everything).history(count, QDateTime(QDate(2026, 6, 1), QTime(12, 0)));
+}
+
+QSharedPointer<RelayInfo> fullModel()
+{
+    const auto model = QSharedPointer<RelayInfo>::create();
+    QRandomGenerator random(1);
+    for (quint16 address = 1; address < 32; ++address) {
+        const GroupRelayPtr group = model->addGroup(QStringLiteral("Terminal %1").arg(address), address);
+        for (int i = 0; i < 8; ++i) {
+            model->addOutput(group, QStringLiteral("Output of the hall"));
+        }
+    }
+    const auto scripts = model->scripts();
+    const auto groups = model->groups();
+    for (const GroupRelayPtr& group : groups) {
+        for (const RelayInformationPtr& output : std::as_const(group->outputs)) {
+            for (int i = 0; i < 4; ++i) {
+                output->activatedScripts.append(scripts.at(random.bounded(scripts.size())));
+            }
+        }
+    }
+    for (const ScriptInfoPtr& script : scripts) {
+        script->name = QStringLiteral("Script of the hall");
+        script->stateChannel = model->stateChannelAt(random.bounded(model->stateChannels().size()));
+        script->mode = model->modeAt(random.bounded(model->modes().size()));
+        script->stateTerminal = model->terminalStates();
+        for (bool& listens : script->addressFilter) {
+            listens = random.bounded(2) == 1;
+        }
+        script->notActive = false;
+    }
+    return model;
+}
+
+} // namespace units

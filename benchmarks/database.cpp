@@ -1,0 +1,150 @@
+// The event log: decoding, and its way into the table against the import of the same rows by the sqlite3 shell.
+
+#include <memory>
+
+#include <utility>
+
+#include <QFile>
+#include <QProcess>
+#include <QTextStream>
+#include <QThread>
+
+#include "benchmarks/Figures.h"
+#include "benchmarks/Units.h"
+#include "eventlog/DataBase.h"
+#include "eventlog/LogEvents.h"
+#include "model/Device.h"
+
+namespace
+{
+
+constexpr int wholeLog = 32767;
+constexpr int batch = 2000;
+constexpr int runs = 7; ///< of each side: a busy machine makes single ones twice as long
+
+/// The rows of a whole log, numbered.
+QList<EventOfTable> wholeLogRows()
+{
+    const Device device([](const QString&, const QString&) {});
+    LogEvents events;
+    events.setDevices(&device);
+    events.decodeEvents(units::logRecords(wholeLog));
+    events.numberEvents();
+    return events.takeEvents(wholeLog);
+}
+
+Figure decoding()
+{
+    const Device device([](const QString&, const QString&) {});
+    const QByteArrayList records = units::logRecords(wholeLog);
+    std::vector<double> times;
+    times.reserve(5);
+    double copying = 0;
+    for (int i = 0; i < 5; ++i) {
+        times.push_back(milliseconds([&] {
+            LogEvents events;
+            events.setDevices(&device);
+            events.decodeEvents(records);
+        }));
+        copying = milliseconds([&] {
+            QByteArray copy;
+            for (const QByteArray& record : records) {
+                copy.append(record.constData(), record.size());
+            }
+        });
+    }
+    const double time = median(times);
+    return {QStringLiteral("decoding of 32,767 records"),
+            QStringLiteral("%1 rec/s").arg(wholeLog * 1000.0 / time, 0, 'f', 0),
+            QStringLiteral("%1 rec/s, copying them").arg(wholeLog * 1000.0 / copying, 0, 'f', 0),
+            time,
+            QStringLiteral("ms in all"),
+            0,
+            false};
+}
+
+void writeCsv(const QList<EventOfTable>& rows, const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    QTextStream out(&file);
+    out.setCodec("UTF-8");
+    const auto quoted = [](QString text) {
+        return QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
+    };
+    for (const EventOfTable& row : rows) {
+        out << row.numberEvent << ',' << row.sortDateTime << ',' << row.dateInDays << ',' << row.timeInMinute << ','
+            << row.classTerminal << ',' << row.version << ',' << row.type << ',' << row.characteristic << ','
+            << row.addressTerminal << ',' << row.numberChannel << ',' << row.codeEvent << ',' << quoted(row.date) << ','
+            << quoted(row.time) << ',' << row.signalLevel << ',' << row.noiseLevel << ',' << quoted(row.event) << ','
+            << quoted(row.source) << ',' << quoted(row.information) << '\n';
+    }
+}
+
+/// Times of writing the rows in batches; the last table is left empty in "shell.db", for the shell.
+std::vector<double> insertingTimes(const QList<EventOfTable>& rows, bool& good)
+{
+    DataBase dataBase(QStringLiteral("Bench"));
+    dataBase.sl_connectToDataBase();
+    std::vector<double> times;
+    times.reserve(runs);
+    QObject::connect(&dataBase, &DataBase::sig_ResultInsertIntoTable, &dataBase,
+                     [&](ErrorDataBase error) { good = good && error == ErrorDataBaseNone; });
+    QList<QList<EventOfTable>> batches;
+    for (int first = 0; first < rows.size(); first += batch) {
+        batches.append(rows.mid(first, batch));
+    }
+    for (int i = 0; i < runs; ++i) {
+        dataBase.sl_deleteDataFromTable();
+        times.push_back(milliseconds([&] {
+            for (const QList<EventOfTable>& part : std::as_const(batches)) {
+                dataBase.sl_insertIntoTable(part);
+            }
+        }));
+    }
+    dataBase.sl_deleteDataFromTable();
+    dataBase.sl_SaveDataBase(QStringLiteral("shell.db"));
+    dataBase.sl_closeDataBase();
+    return times;
+}
+
+Figure inserting()
+{
+    const QList<EventOfTable> rows = wholeLogRows();
+    std::vector<double> own;
+    bool good = true;
+    // On a thread of its own, as in the program: SQLite allocates for every value of a statement, and a heap of its own
+    // isn't in pieces from the decoding before.
+    const std::unique_ptr<QThread> worker(QThread::create([&] { own = insertingTimes(rows, good); }));
+    worker->start();
+    worker->wait();
+
+    writeCsv(rows, QStringLiteral("rows.csv"));
+    std::vector<double> shell;
+    shell.reserve(runs);
+    for (int i = 0; i < runs; ++i) {
+        const QString fresh = QStringLiteral("shell%1.db").arg(i);
+        good = good && QFile::copy(QStringLiteral("shell.db"), fresh);
+        shell.push_back(milliseconds([&] {
+            const int code =
+                QProcess::execute(QStringLiteral("sqlite3"), {fresh, QStringLiteral(".mode csv"),
+                                                              QStringLiteral(".import rows.csv EventLogTable")});
+            good = good && code == 0;
+        }));
+    }
+    return {QStringLiteral("32,767 rows into the database"),
+            QStringLiteral("%1 ms").arg(median(own), 0, 'f', 0),
+            QStringLiteral("%1 ms, .import of the sqlite3 shell").arg(median(shell), 0, 'f', 0),
+            good ? median(own) / median(shell) : 1e9,
+            QStringLiteral("times"),
+            1.3,
+            false};
+}
+
+const Benchmark databaseBenchmark(QStringLiteral("database"), [] {
+    return std::vector<Figure>{decoding(), inserting()};
+});
+
+} // namespace

@@ -1,0 +1,65 @@
+// A configuration of 32 terminals and 32 scripts, to a file and back, without the disk's own time: the files lie where
+// the system keeps its temporary ones, and the reference is the same bytes written or read in one go there.
+
+#include <QFile>
+#include <QSaveFile>
+
+#include "benchmarks/Figures.h"
+#include "benchmarks/Units.h"
+#include "model/RelayInfo.h"
+
+namespace
+{
+
+constexpr int runs = 21;
+
+double medianOf(const std::function<void()>& call)
+{
+    std::vector<double> times;
+    times.reserve(runs);
+    for (int i = 0; i < runs; ++i) {
+        times.push_back(milliseconds(call));
+    }
+    return median(times);
+}
+
+Figure figure(const QString& what, double measured, double plain)
+{
+    return {what,
+            QStringLiteral("%1 ms").arg(measured, 0, 'f', 2),
+            QStringLiteral("%1 ms, the same bytes in one go").arg(plain, 0, 'f', 2),
+            measured - plain,
+            QStringLiteral("ms more"),
+            20,
+            false};
+}
+
+std::vector<Figure> run()
+{
+    const auto model = units::fullModel();
+    const QString path = QStringLiteral("full.cfg");
+    const double save = medianOf([&] { model->saveToFile(path); });
+
+    RelayInfo loaded;
+    const double load = medianOf([&] { loaded.loadFromFile(path); });
+
+    QByteArray bytes;
+    const double plainRead = medianOf([&] {
+        QFile file(path);
+        bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    });
+    const double plainWrite = medianOf([&] {
+        QSaveFile file(QStringLiteral("plain.cfg"));
+        if (file.open(QIODevice::WriteOnly)) {
+            file.write(bytes);
+            file.commit();
+        }
+    });
+    const QString size = QStringLiteral("32 terminals, 32 scripts, %1 KiB").arg(bytes.size() / 1024);
+    return {figure(QStringLiteral("configuration saved: ") + size, save, plainWrite),
+            figure(QStringLiteral("configuration loaded: ") + size, load, plainRead)};
+}
+
+const Benchmark filesBenchmark(QStringLiteral("files"), run);
+
+} // namespace

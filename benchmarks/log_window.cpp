@@ -1,0 +1,51 @@
+// Reads a whole log into the window and prints a line of three numbers: milliseconds from its last byte to its rows in
+// the view, the longest standstill of the event loop in that time, and the peak memory of the process in KiB.
+
+#include <chrono>
+#include <cstdio>
+
+#include <QApplication>
+#include <QLabel>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTimer>
+
+#include "benchmarks/PeakMemory.h"
+#include "benchmarks/StandstillWatch.h"
+#include "benchmarks/Units.h"
+#include "simulator/UnitSimulator.h"
+#include "ui/MainWindow.h"
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    UnitSimulator unit(units::installation(32767));
+    MainWindow window({[&] { return QStringList{unit.portName()}; }, {}, nullptr});
+    window.showMaximized();
+
+    const auto* view = window.findChild<QTableView*>(QStringLiteral("tableViewLogEvents"));
+    const auto* busy = window.findChild<QWidget*>(QStringLiteral("FormWaiting"));
+    std::chrono::steady_clock::time_point lastByte;
+    QObject::connect(&unit, &UnitSimulator::requestReceived, &window, [&](const UnitRequest& request) {
+        if (request.requestType == 3) {
+            lastByte = request.received;
+        }
+    });
+    StandstillWatch watch;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &window, [&] {
+        if (view->model() == nullptr || view->model()->rowCount() < 32767 || busy->isVisible()) {
+            return;
+        }
+        const auto visible = std::chrono::steady_clock::now() - lastByte;
+        std::printf("%f %f %lld\n", std::chrono::duration<double, std::milli>(visible).count(), watch.longest,
+                    static_cast<long long>(peakMemory()));
+        std::fflush(stdout);
+        QCoreApplication::quit();
+    });
+    poll.start(1);
+    QTimer::singleShot(120000, &window, &QCoreApplication::quit);
+    window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))->setCurrentIndex(1);
+    return QApplication::exec();
+}

@@ -1,0 +1,14 @@
+#include <QApplication>
+
+#include "benchmarks/FirstPaint.h"
+#include "ui/MainWindow.h"
+
+/// The program's window without any serial port, for the time to its first paint.
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    MainWindow window({[] { return QStringList(); }, {}, nullptr});
+    const FirstPaint firstPaint(&window);
+    window.showMaximized();
+    return QApplication::exec();
+}

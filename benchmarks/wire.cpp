@@ -1,0 +1,121 @@
+// How close the program comes to the pace of the wire: the unit's side keeps ten bit times a byte in both directions,
+// so what is missing to 1 is the program's own time between an answer and the next request.
+
+#include <chrono>
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include "benchmarks/Figures.h"
+#include "benchmarks/Units.h"
+#include "firmware/Loading.h"
+#include "firmware/protocol_boot.h"
+#include "link/FormChoiceCoordinator.h"
+#include "simulator/UnitSimulator.h"
+
+namespace
+{
+
+constexpr int baudRate = 57600;
+
+/// Milliseconds that the bytes of some requests and their answers take on the wire.
+double wireTime(const QVector<UnitRequest>& requests)
+{
+    qint64 bytes = 0;
+    for (const UnitRequest& request : requests) {
+        bytes += request.frame.size() + request.answer.size();
+    }
+    return static_cast<double>(bytes) * 10 * 1000 / baudRate;
+}
+
+/// Runs an operation of the form over a paced unit and compares the time between its first request and its end with the
+/// time that its bytes take on the wire. The watch, twice a second, is part of both.
+Figure overTheWire(const QString& what, UnitSimulator& unit, const std::function<void()>& start, QEventLoop& end)
+{
+    std::chrono::steady_clock::time_point stopped;
+    QTimer::singleShot(0, &end, [&] {
+        unit.clearRequests();
+        start();
+    });
+    end.exec();
+    stopped = std::chrono::steady_clock::now();
+    const QVector<UnitRequest> requests = unit.requests();
+    if (requests.isEmpty()) {
+        return {what, QStringLiteral("nothing was sent"), {}, 0, QStringLiteral("wire / measured"), 0.95, true};
+    }
+    // A request is noted once its last byte is there; its own way over the wire lies before the note.
+    const double measured = std::chrono::duration<double, std::milli>(stopped - requests.first().received).count() +
+                            static_cast<double>(requests.first().frame.size()) * 10 * 1000 / baudRate;
+    const double wire = wireTime(requests);
+    return {what,
+            QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
+            QStringLiteral("%1 ms, the wire's own time").arg(wire, 0, 'f', 0),
+            wire / measured,
+            QStringLiteral("wire / measured"),
+            0.95,
+            true};
+}
+
+std::vector<Figure> run()
+{
+    UnitSimulator unit(units::installation(2000));
+    unit.setPace(UnitSimulator::OfTheWire);
+    FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}, {}});
+
+    // The first terminals arrive by themselves once the coordinator is found.
+    QEventLoop end;
+    QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &end, &QEventLoop::quit);
+    end.exec();
+
+    std::vector<Figure> figures;
+    QObject::disconnect(&form, nullptr, &end, nullptr);
+    QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &form,
+                     &FormChoiceCoordinator::sl_PreOperationReadConfigAndScript);
+    QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadScriptOnForm, &end, &QEventLoop::quit);
+    figures.push_back(overTheWire(
+        QStringLiteral("full reading: terminals, 70 outputs, 32 scripts at 57600"), unit,
+        [&] { form.on_buttonChoicePort_clicked(); }, end));
+
+    QObject::disconnect(&form, nullptr, &end, nullptr);
+    QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadLogOnForm, &end,
+                     [&](const QByteArrayList&, bool last) { last ? end.quit() : void(); });
+    form.forceLogReading();
+    figures.push_back(overTheWire(
+        QStringLiteral("log of 2,000 records at 57600"), unit, [&] { form.sl_SendRequestBeginReadLog(); }, end));
+    return figures;
+}
+
+/// An image to the bootloader, from the request to enter it to its last answer.
+Figure firmware()
+{
+    constexpr int imageSize = 200000;
+    UnitSimulator unit(units::installation(0));
+    unit.setPace(UnitSimulator::OfTheWire);
+    FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}, protocol_boot::parseAnswer});
+    QEventLoop end;
+    QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &end, &QEventLoop::quit);
+    end.exec();
+
+    auto* loading = new Loading;
+    QByteArray image(imageSize, '\0');
+    for (int i = 0; i < image.size(); ++i) {
+        image[i] = static_cast<char>(i * 7);
+    }
+    loading->setParameters(form.currentAddress(), form.currentBaudrate(), QStringLiteral("image.crypt"), image);
+    QObject::connect(loading, &Loading::sig_SendMessage, &form, &FormChoiceCoordinator::sl_SendRequestOnCurrentPort);
+    QObject::connect(&form, &FormChoiceCoordinator::sig_sendAnswerFirmWare, loading, &Loading::sl_receiveMessage);
+    QObject::connect(loading, &QDialog::finished, &end, &QEventLoop::quit);
+    form.sl_CurrentLoadingFirmwareIsRunning(true);
+    Figure result = overTheWire(
+        QStringLiteral("firmware of 200,000 bytes at 57600"), unit, [&] { loading->open(); }, end);
+    if (unit.state().firmware != image) {
+        result.ratio = 0;
+        result.reference = QStringLiteral("the image did not arrive");
+    }
+    return result;
+}
+
+const Benchmark firmwareBenchmark(QStringLiteral("firmware"), [] { return std::vector<Figure>{firmware()}; });
+const Benchmark wireBenchmark(QStringLiteral("wire"), run);
+
+} // namespace
