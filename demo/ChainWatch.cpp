@@ -18,6 +18,8 @@ constexpr qint64 LongestChain = 180000;
 
 ChainWatch::ChainWatch(MainWindow& mainWindow)
     : window(mainWindow), resultLine(window.findChild<QLabel*>(QStringLiteral("labelResult"))),
+      countRows(window.findChild<QLabel*>(QStringLiteral("labelCountRows"))),
+      log(window.findChild<QTableView*>(QStringLiteral("tableViewLogEvents"))),
       busyForm(window.findChild<FormWaiting*>()), output(stdout)
 {
     // The window has heard the result before: it was the first to connect.
@@ -48,10 +50,16 @@ void ChainWatch::look()
         printed = resultLine->text();
         output << printed << Qt::endl;
     }
-    if (!ended && ((!logOutcome.isEmpty() && !isBusy()) || running.hasExpired(LongestChain))) {
+    if (!ended && (hasEnded() || running.hasExpired(LongestChain))) {
         ended = true;
         emit chainEnded(fault());
     }
+}
+
+/* The busy form goes a moment before the database's thread has the rows ready for the table; then they are counted. */
+bool ChainWatch::hasEnded() const
+{
+    return !logOutcome.isEmpty() && !isBusy() && !countRows->text().isEmpty();
 }
 
 QString ChainWatch::fault() const
@@ -65,7 +73,6 @@ QString ChainWatch::fault() const
     if (resultLine->text() != texts::resultReadOutputsOk() + QLatin1Char('\n') + texts::resultReadScriptsOk()) {
         return resultLine->text();
     }
-    const auto* const log = window.findChild<QTableView*>(QStringLiteral("tableViewLogEvents"));
     return log->model() != nullptr && log->model()->rowCount() > 0 ? QString()
                                                                    : QStringLiteral("the table of events is empty");
 }

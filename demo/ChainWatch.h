@@ -9,6 +9,7 @@
 class FormWaiting;
 class MainWindow;
 class QLabel;
+class QTableView;
 
 /*
  * Follows what the main window tells its user: prints each result line as it appears, and finds out how the automatic
@@ -25,17 +26,20 @@ public:
     bool isBusy() const;
 
 signals:
-    /* Once, when the busy form has gone after the log, or when nothing has ended for too long. `fault` is empty if
-     * every step was a success. */
+    /* Once, when the busy form has gone after the log and the log stands in its table, or when nothing has ended for too
+     * long. `fault` is empty if every step was a success. */
     void chainEnded(const QString& fault);
 
 private:
     void look();
     void hearResult(const QString& text);
+    bool hasEnded() const;
     QString fault() const;
 
     MainWindow& window;
     const QLabel* resultLine;
+    const QLabel* countRows;
+    const QTableView* log;
     const FormWaiting* busyForm;
     QTextStream output;
     QTimer timer;
