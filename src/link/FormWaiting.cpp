@@ -16,8 +16,9 @@
 namespace
 {
 
-// How far the picture of the bar may stay behind its value.
-constexpr std::chrono::milliseconds PaintTime{20};
+// The bar is painted at most that often; between, right behind the step, while the unit is at the next request.
+constexpr std::chrono::milliseconds PaintInterval{20};
+constexpr std::chrono::milliseconds BehindTheStep{1};
 
 } // namespace
 
@@ -32,8 +33,9 @@ FormWaiting::FormWaiting(QWidget* parent)
     // It is no window whose being open keeps the application alive.
     setAttribute(Qt::WA_QuitOnClose, false);
     timerPaint->setSingleShot(true);
-    timerPaint->setInterval(PaintTime);
-    connect(timerPaint, &QTimer::timeout, ui->progressBar, [this] { ui->progressBar->setUpdatesEnabled(true); });
+    timerPaint->setTimerType(Qt::PreciseTimer);
+    connect(timerPaint, &QTimer::timeout, this, &FormWaiting::paintProgress);
+    sincePaint.start();
 }
 
 FormWaiting::~FormWaiting() = default;
@@ -64,9 +66,13 @@ void FormWaiting::stepProgress()
     // A bar paints each new value before it returns, unless it may not.
     bar->setUpdatesEnabled(false);
     bar->setValue(bar->value() + 1);
-    if (!timerPaint->isActive()) {
-        timerPaint->start();
-    }
+    timerPaint->start(sincePaint.hasExpired(PaintInterval.count()) ? BehindTheStep : PaintInterval);
+}
+
+void FormWaiting::paintProgress()
+{
+    sincePaint.start();
+    ui->progressBar->setUpdatesEnabled(true);
 }
 
 void FormWaiting::showEvent(QShowEvent* event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 #include <memory>
@@ -40,6 +41,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void paintProgress();
+
     std::unique_ptr<Ui::FormWaiting> ui;
     QTimer* timerPaint;
+    QElapsedTimer sincePaint;
 };
