@@ -289,7 +289,8 @@ UnitWorker::Moment UnitWorker::transmit(const QByteArray& bytes, qint64 number, 
 {
     const bool paced = pace == UnitSimulator::OfTheWire;
     const Moment first = paced ? std::max(begin, outputFree) : begin;
-    const int gust = paced ? std::max(1, int(DeliveryTime / timeOnWire(1))) : std::max(1, bytes.size());
+    const int gusts = paced ? 1 + int(timeOnWire(bytes.size()) / DeliveryTime) : 1;
+    const int gust = bytes.size() / gusts + 1; // about the same each, so that no stray byte follows
     Moment due = first;
     for (int sent = 0; sent < bytes.size(); sent += gust) {
         const QByteArray part = bytes.mid(sent, gust);
