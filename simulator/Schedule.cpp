@@ -5,6 +5,14 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
+#include <thread>
+
+namespace
+{
+/* A sleeping processor takes about that long to wake up. A line doesn't oversleep, so the rest is waited for awake. */
+constexpr std::chrono::microseconds WakingTime(150);
+} // namespace
+
 Schedule::Schedule(QObject* parent)
     : QObject(parent), timer(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
       notifier(new QSocketNotifier(timer, QSocketNotifier::Read, this))
@@ -36,7 +44,10 @@ void Schedule::run()
     if (::read(timer, &expirations, sizeof expirations) < 0) {
         return; // set anew in the meantime
     }
-    while (!actions.empty() && actions.begin()->first <= Clock::now()) {
+    while (!actions.empty() && actions.begin()->first <= Clock::now() + WakingTime) {
+        while (Clock::now() < actions.begin()->first) {
+            std::this_thread::yield();
+        }
         const Action action = std::move(actions.begin()->second);
         actions.erase(actions.begin());
         action(); // may add and clear
@@ -50,7 +61,7 @@ void Schedule::arm()
     itimerspec setting{};
     if (!actions.empty()) {
         using namespace std::chrono;
-        const auto sinceBegin = actions.begin()->first.time_since_epoch();
+        const auto sinceBegin = (actions.begin()->first - WakingTime).time_since_epoch();
         const auto whole = duration_cast<seconds>(sinceBegin);
         setting.it_value.tv_sec = whole.count();
         setting.it_value.tv_nsec = std::max<long>(1, duration_cast<nanoseconds>(sinceBegin - whole).count());
