@@ -1,7 +1,9 @@
 // How close the program comes to the pace of the wire: the unit's side keeps ten bit times a byte in both directions,
 // so what is missing to 1 is the program's own time between an answer and the next request.
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 
 #include <QEventLoop>
 #include <QTimer>
@@ -17,6 +19,7 @@ namespace
 {
 
 constexpr int baudRate = 57600;
+constexpr int readings = 7; ///< of the configuration, each of which takes less than a second
 
 /// Milliseconds that the bytes of some requests and their answers take on the wire.
 double wireTime(const QVector<UnitRequest>& requests)
@@ -56,6 +59,17 @@ Figure overTheWire(const QString& what, UnitSimulator& unit, const std::function
             true};
 }
 
+/// The middle one of several runs: a machine that is elsewhere for some milliseconds spoils a single one.
+Figure middleOf(const std::function<Figure()>& measure)
+{
+    std::vector<Figure> runs;
+    std::generate_n(std::back_inserter(runs), readings, measure);
+    const auto middle = runs.begin() + readings / 2;
+    std::nth_element(runs.begin(), middle, runs.end(),
+                     [](const Figure& left, const Figure& right) { return left.ratio < right.ratio; });
+    return *middle;
+}
+
 std::vector<Figure> run()
 {
     UnitSimulator unit(units::installation(2000));
@@ -72,9 +86,11 @@ std::vector<Figure> run()
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &form,
                      &FormChoiceCoordinator::sl_PreOperationReadConfigAndScript);
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadScriptOnForm, &end, &QEventLoop::quit);
-    figures.push_back(overTheWire(
-        QStringLiteral("full reading: terminals, 70 outputs, 32 scripts at 57600"), unit,
-        [&] { form.on_buttonChoicePort_clicked(); }, end));
+    figures.push_back(middleOf([&] {
+        return overTheWire(
+            QStringLiteral("full reading: terminals, 70 outputs, 32 scripts at 57600"), unit,
+            [&] { form.on_buttonChoicePort_clicked(); }, end);
+    }));
 
     QObject::disconnect(&form, nullptr, &end, nullptr);
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadLogOnForm, &end,
