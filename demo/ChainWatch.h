@@ -26,8 +26,8 @@ public:
     bool isBusy() const;
 
 signals:
-    /* Once, when the busy form has gone after the log and the log stands in its table, or when nothing has ended for too
-     * long. `fault` is empty if every step was a success. */
+    /* Once, when the busy form has gone after the log and the log stands in its table, or when nothing has ended for
+     * too long. `fault` is empty if every step was a success. */
     void chainEnded(const QString& fault);
 
 private:
