@@ -318,10 +318,16 @@ void FormChoiceCoordinator::sl_buttonFirmwarePress()
     if (row == nullptr || !firmwareRunner) {
         return;
     }
+    // An automatic search would close the port in the middle of a load; it comes back when the user is done here.
+    const bool searchIsDue = row->timerFirstConnect->isActive();
+    row->timerFirstConnect->stop();
     Transmitter* const transmitter = row->transmitter;
     firmwareRunner({row->coordinatorAddress, row->baudrate,
                     [this, transmitter](const message& request) { emit sig_sendMessageInPort(transmitter, request); },
                     [this, transmitter](bool running) { firmwareTransmitter = running ? transmitter : nullptr; }});
+    if (searchIsDue) {
+        row->timerFirstConnect->start();
+    }
 }
 
 // Search and watch.
@@ -347,8 +353,12 @@ void FormChoiceCoordinator::sl_checkBoxCheckCoordinatorPress()
     }
     if (row->checkBoxCheck->isChecked()) {
         row->timerPeriodic->start();
-    } else {
-        row->timerPeriodic->stop();
+        return;
+    }
+    row->timerPeriodic->stop();
+    // What the watch saw last says nothing from now on.
+    if (row->transmitter == currentTransmitter) {
+        sendStatus(StatusNotWatched, *row);
     }
 }
 
@@ -398,11 +408,16 @@ void FormChoiceCoordinator::answerSearch(Transmitter* sender, const message& ans
     }
 }
 
+bool FormChoiceCoordinator::isDisconnected(const Transmitter* transmitter) const
+{
+    const PortRow* const row = findRow(&PortRow::transmitter, transmitter);
+    return row == nullptr || row->buttonConnect->text() != texts::buttonDisconnect();
+}
+
 void FormChoiceCoordinator::answerCheck(Transmitter* sender, const message& answer)
 {
-    const PortRow* const row = findRow(&PortRow::transmitter, sender);
     // A check that was on its way when the port was disconnected has nothing to say any more.
-    if (row == nullptr || row->buttonConnect->text() != texts::buttonDisconnect()) {
+    if (isDisconnected(sender)) {
         return;
     }
     if (CoordinatorSearch::isPresent(answer)) {
@@ -420,8 +435,9 @@ void FormChoiceCoordinator::updateCoordinatorInfo(Transmitter* transmitter, cons
     row->itemCoordinator->setText(texts::statusCoordinator() + QStringLiteral(" %1").arg(info.address));
     row->itemSerial->setText(QString::number(info.serial));
     row->itemVersion->setText(info.versionText());
-    // The first coordinator found is chosen without the user.
-    if (currentTransmitter == nullptr) {
+    // The first coordinator found is chosen without the user, though not over the dialog of a running load: then the
+    // watch comes back to it.
+    if (currentTransmitter == nullptr && firmwareTransmitter == nullptr) {
         ui->tableWidget->setCurrentItem(row->itemCoordinator);
         on_buttonChoicePort_clicked();
     }

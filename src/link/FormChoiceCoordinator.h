@@ -178,10 +178,12 @@ private:
 
     template <typename Field>
     PortRow* findRow(Field PortRow::*field, const QObject* object) const;
-    PortRow* currentRow() const; ///< row of the current port, null without one
+    PortRow* currentRow() const;                               ///< row of the current port, null without one
+    bool isDisconnected(const Transmitter* transmitter) const; ///< by the user or for want of a coordinator
 
     void answerSearch(Transmitter* sender, const message& answer);
     void answerCheck(Transmitter* sender, const message& answer);
+    void answerDeviceTime(const message& answer);
     void answerTimeWritten(const message& answer);
     void answerOperation(const message& answer);
     void updateCoordinatorInfo(Transmitter* transmitter, const CoordinatorInfo& info);

@@ -69,13 +69,22 @@ void FormChoiceCoordinator::sl_receiveAnswer(Transmitter* sender, const message&
     } else if (!isOfCurrentPort) {
         return;
     } else if (type == protocol_HUBN_NX_Q::Read_Time) {
-        const devicetime::Shown shown = devicetime::fromAnswer(answer);
-        emit sig_sendDeviceTimeOnForm(shown.text, shown.correct);
+        answerDeviceTime(answer);
     } else if (type == protocol_HUBN_NX_Q::Sync_Time) {
         answerTimeWritten(answer);
     } else {
         answerOperation(answer);
     }
+}
+
+void FormChoiceCoordinator::answerDeviceTime(const message& answer)
+{
+    // The last time stays in view, also if the question was still on its way when the port was disconnected.
+    if (isDisconnected(currentTransmitter)) {
+        return;
+    }
+    const devicetime::Shown shown = devicetime::fromAnswer(answer);
+    emit sig_sendDeviceTimeOnForm(shown.text, shown.correct);
 }
 
 void FormChoiceCoordinator::answerTimeWritten(const message& answer)

@@ -78,6 +78,7 @@ private slots:
     void disconnectingKeepsThePortSelected();
 
     void theWatchReportsThreeStatuses();
+    void switchingTheWatchOfAnotherPortOffSaysNothing();
     void aLostCoordinatorKeepsItsRowAndComesBack();
     void theWatchTakesOverWhatHasChanged();
 
@@ -98,6 +99,7 @@ private slots:
 
     void theTimeOfTheUnitIsShown();
     void theTimeOfOtherPortsIsNotShown();
+    void theLastTimeStaysInViewAfterDisconnecting();
     void settingTheTimeSendsSevenBytes();
     void settingTheTimeIsResentOnlyIfNothingCame_data();
     void settingTheTimeIsResentOnlyIfNothingCame();
@@ -117,6 +119,8 @@ private slots:
     void firmwareRequestsGoOutAsTheyAre();
     void theFirmwareButtonRunsALoadOnItsPort();
     void theFirmwareButtonWithoutALoaderDoesNothing();
+    void anAutomaticSearchWaitsForTheLoadOfItsPort();
+    void noPortIsChosenOverARunningLoad();
 
 private:
     /// Answers the search of a row, so that its coordinator is found at this address.
@@ -594,10 +598,26 @@ void tst_FormChoiceCoordinator::theWatchReportsThreeStatuses()
     QCOMPARE(recorder.take(), QStringList(QStringLiteral("status 1") + rest));
     recorder.form.sl_receiveAnswer(port, answers::timedOut(CoordinatorSearch::check(1, 57600)));
     QCOMPARE(recorder.take(), QStringList(QStringLiteral("status 0") + rest));
+    // Switched off, it has nothing more to say, not even of what it saw last.
     recorder.check()->click();
     QVERIFY(!recorder.check()->isChecked());
+    QCOMPARE(recorder.take(), QStringList(QStringLiteral("status 2") + rest));
     recorder.form.sl_receiveAnswer(port, answers::good(CoordinatorSearch::check(1, 57600), identity));
     QCOMPARE(recorder.take(), QStringList(QStringLiteral("status 2") + rest));
+    // Switched on again, it waits for its first answer.
+    recorder.check()->click();
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void tst_FormChoiceCoordinator::switchingTheWatchOfAnotherPortOffSaysNothing()
+{
+    FormRecorder recorder({portA, portB});
+    find(recorder, 0);
+    find(recorder, 1);
+    recorder.take();
+    recorder.check(1)->click();
+    QVERIFY(!recorder.check(1)->isChecked());
+    QCOMPARE(recorder.take(), QStringList());
 }
 
 void tst_FormChoiceCoordinator::aLostCoordinatorKeepsItsRowAndComesBack()
@@ -868,6 +888,20 @@ void tst_FormChoiceCoordinator::theTimeOfTheUnitIsShown()
     QCOMPARE(recorder.take(),
              QStringList({QStringLiteral("time 1 12:34:56 25.09.2020, FRI"),
                           QStringLiteral("time 0 --:--:-- --.--.----"), QStringLiteral("time 0 Not supported")}));
+}
+
+void tst_FormChoiceCoordinator::theLastTimeStaysInViewAfterDisconnecting()
+{
+    FormRecorder recorder({portA});
+    find(recorder);
+    Transmitter* const port = recorder.transmitters.at(0);
+    recorder.connectButton()->click();
+    recorder.take();
+    // The question was in the queue or on the wire when the port was closed.
+    const message request = Protocol::requestDeviceTime(1);
+    recorder.form.sl_receiveAnswer(port, answers::portFailed(request));
+    recorder.form.sl_receiveAnswer(port, answers::timedOut(request));
+    QCOMPARE(recorder.take(), QStringList());
 }
 
 void tst_FormChoiceCoordinator::theTimeOfOtherPortsIsNotShown()
@@ -1154,6 +1188,44 @@ void tst_FormChoiceCoordinator::theFirmwareButtonWithoutALoaderDoesNothing()
     recorder.take();
     recorder.firmwareButton()->click();
     QCOMPARE(recorder.take(), QStringList());
+}
+
+void tst_FormChoiceCoordinator::anAutomaticSearchWaitsForTheLoadOfItsPort()
+{
+    FormRecorder recorder({portA});
+    Transmitter* const port = recorder.transmitters.at(0);
+    recorder.form.sl_setStatePort(port, StateSearching);
+    recorder.form.sl_receiveAnswer(port, answers::timedOut(recorder.sent.last().request));
+    recorder.form.sl_receiveAnswer(port, answers::timedOut(recorder.sent.last().request));
+    QTest::qWait(100); // the worker's own answers to these requests
+    recorder.take();
+    recorder.form.setFirmwareRunner([&](const FirmwarePort&) {
+        QTest::qWait(1500); // the search is due a second after the last one
+        QVERIFY(!recorder.has(QStringLiteral("open")));
+    });
+    recorder.firmwareButton()->click();
+    QTRY_VERIFY(recorder.has(QStringLiteral("open ") + portA));
+}
+
+void tst_FormChoiceCoordinator::noPortIsChosenOverARunningLoad()
+{
+    FormRecorder recorder({portA, portB});
+    recorder.connectButton(0)->click();
+    recorder.form.setFirmwareRunner([&](const FirmwarePort& load) {
+        load.setRunning(true);
+        recorder.take();
+        find(recorder, 1);
+        QVERIFY(!recorder.has(QStringLiteral("enable")));
+        QVERIFY(!recorder.busy()->isVisible());
+        load.setRunning(false);
+    });
+    recorder.firmwareButton(0)->click();
+    QVERIFY(!recorder.has(QStringLiteral("enable")));
+    // The watch has it chosen.
+    recorder.form.sl_receiveAnswer(recorder.transmitters.at(1),
+                                   answers::good(CoordinatorSearch::check(1, 57600), identity));
+    QVERIFY(recorder.has(QStringLiteral("enable 1")));
+    QCOMPARE(int(recorder.form.currentAddress()), 1);
 }
 
 HUBN_THREADED_TEST_MAIN(tst_FormChoiceCoordinator)

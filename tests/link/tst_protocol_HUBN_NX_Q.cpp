@@ -88,6 +88,8 @@ private slots:
     void requests_data();
     void requests();
     void logRequestsDifferInTheFlagAndTheChecksum();
+    void readingAndSettingTheTimeShareTheirCommand();
+    void logInformationAndLogBlocksShareTheirCommand();
     void watchAndSearchDifferInTheTypeAlone();
     void readingOutputZeroOfNobodyIsTheBroadcast();
     void configReadingCarriesTerminalAndOutput();
@@ -233,6 +235,29 @@ void tst_protocol_HUBN_NX_Q::logRequestsDifferInTheFlagAndTheChecksum()
     QCOMPARE(quint8(next.at(3)), quint8(0x80));
     QCOMPARE(first.mid(4, 2), next.mid(4, 2));
     QVERIFY(first.right(2) != next.right(2));
+}
+
+void tst_protocol_HUBN_NX_Q::readingAndSettingTheTimeShareTheirCommand()
+{
+    const QByteArray data = QByteArray::fromHex("01020304050607");
+    const QByteArray read = P::requestDeviceTime(1).request();
+    const QByteArray set = P::requestSyncTime(1, data).request();
+    QCOMPARE(set.left(4), read.left(4)); // start, flags and address
+    QCOMPARE(int(read.at(4)), 1);
+    QCOMPARE(int(set.at(4)), 1 + data.size());
+    QCOMPARE(set.at(5), read.at(5));
+    QCOMPARE(set.mid(6, data.size()), data);
+}
+
+void tst_protocol_HUBN_NX_Q::logInformationAndLogBlocksShareTheirCommand()
+{
+    const QByteArray information = P::requestReadLogInfo(1).request();
+    const QByteArray block = P::requestReadLog(1, true).request();
+    QCOMPARE(block.left(4), information.left(4));
+    QCOMPARE(int(information.at(4)), 2);
+    QCOMPARE(int(block.at(4)), 1);
+    QCOMPARE(block.at(5), information.at(5));
+    QCOMPARE(int(information.at(6)), 0);
 }
 
 void tst_protocol_HUBN_NX_Q::watchAndSearchDifferInTheTypeAlone()
