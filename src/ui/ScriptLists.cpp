@@ -201,13 +201,15 @@ void ScriptLists::removeSelected()
     if (!currentRelay) {
         return;
     }
-    bool removed = false;
+    // By row, since a script may stand in the list twice.
+    QList<ScriptInfoPtr> kept;
     for (const ScriptEntry& entry : std::as_const(activeScriptEntries)) {
-        if (entry.item->isSelected()) {
-            removed = currentRelay->activatedScripts.removeOne(entry.script) || removed;
+        if (!entry.item->isSelected()) {
+            kept.append(entry.script);
         }
     }
-    if (removed) {
+    if (kept.size() != activeScriptEntries.size()) {
+        currentRelay->activatedScripts = kept;
         rebuildActive();
     }
     emit outputChanged();
@@ -263,12 +265,11 @@ void ScriptLists::mirrorSelection(const Entries& entries, QListWidget* list, con
     if (list->currentItem() != nullptr && list->selectedItems().isEmpty()) {
         list->currentItem()->setSelected(true);
     }
-    otherList->clearSelection();
-    for (const ScriptEntry& entry : entries) {
-        const ScriptEntry* partner = entry.item->isSelected() ? entryOf(others, entry.script) : nullptr;
-        if (partner != nullptr) {
-            partner->item->setSelected(true);
-        }
+    for (const ScriptEntry& other : others) {
+        const bool selected = std::any_of(entries.cbegin(), entries.cend(), [&other](const ScriptEntry& entry) {
+            return entry.script == other.script && entry.item->isSelected();
+        });
+        other.item->setSelected(selected);
     }
 }
 

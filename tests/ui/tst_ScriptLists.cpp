@@ -49,6 +49,8 @@ private slots:
     void adding_takes_the_selected_scripts_in_the_order_of_the_list();
     void adding_an_active_script_changes_nothing_but_is_told();
     void removing_takes_the_selected_scripts();
+    void a_script_that_stands_twice_goes_by_its_row();
+    void a_script_that_stands_twice_is_selected_twice();
     void without_an_output_adding_and_removing_do_nothing();
     void double_click_in_the_all_list_adds();
     void double_click_in_the_active_list_removes();
@@ -260,6 +262,24 @@ void tst_ScriptLists::removing_takes_the_selected_scripts()
     activate({});
     lists->removeSelected();
     QCOMPARE(outputChanges, 2);
+}
+
+void tst_ScriptLists::a_script_that_stands_twice_goes_by_its_row()
+{
+    activate({3, 7, 3});
+    active->clearSelection();
+    active->setCurrentRow(2, QItemSelectionModel::ClearAndSelect);
+    lists->removeSelected();
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({3, 7}));
+}
+
+void tst_ScriptLists::a_script_that_stands_twice_is_selected_twice()
+{
+    activate({3, 7, 3});
+    all->setCurrentRow(3, QItemSelectionModel::ClearAndSelect);
+    QCOMPARE(selectedRows(active), QList<int>({0, 2}));
+    all->setCurrentRow(7, QItemSelectionModel::ClearAndSelect);
+    QCOMPARE(selectedRows(active), QList<int>({1}));
 }
 
 void tst_ScriptLists::without_an_output_adding_and_removing_do_nothing()
