@@ -266,6 +266,8 @@ void LogTab::dropModel()
     if (!view) {
         return;
     }
+    // Without a view on it the model has forgotten already, and may be the database's to change right now.
+    const bool viewed = view->model() != nullptr;
     view->setModel(nullptr);
     const QList<QItemSelectionModel*> selections = view->findChildren<QItemSelectionModel*>();
     for (QItemSelectionModel* selection : selections) {
@@ -273,7 +275,7 @@ void LogTab::dropModel()
             delete selection;
         }
     }
-    if (modelLog) {
+    if (viewed && modelLog) {
         modelLog->forgetViews();
     }
 }
