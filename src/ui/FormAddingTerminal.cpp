@@ -152,9 +152,10 @@ void FormAddingTerminal::on_pushButtonClose_clicked()
 void FormAddingTerminal::on_pushButton_clicked()
 {
     const QString address = ui->comboBoxAddress->currentText();
-    // A reading may have brought a terminal to this address since the form was shown.
+    // A reading may have brought a terminal to this address since the form was shown: the user chooses again.
     if (!freeAddresses().contains(address)) {
         fillAddresses();
+        ui->comboBoxAddress->setFocus();
         return;
     }
     QStringList names;
