@@ -72,6 +72,7 @@ private slots:
     void default_settings_are_told_as_one_operation();
     void status_bar_follows_the_watch();
     void the_logger_shows_the_traffic();
+    void packets_of_another_port_go_above_the_old_ones();
 };
 
 void tst_chain::the_chain_reads_everything_and_shows_it()
@@ -142,6 +143,13 @@ void tst_chain::nothing_sets_the_time_without_the_users_wish()
     QCOMPARE(over.unit.requestCount(1), 0);
     QVERIFY(over.readLog());
     QCOMPARE(over.unit.requestCount(1), 0);
+    over.dialogs.saveAnswers = QStringList{QStringLiteral("DefaultSetting_EN.cfg")};
+    over.trigger("actionSave");
+    over.told.clear();
+    over.trigger("actionFactorySetting");
+    QVERIFY(over.waitFor({texts::resultWriteScriptsOk()}));
+    QCOMPARE(over.unit.requestCount(1), 0);
+    QVERIFY(QFile::remove(QStringLiteral("DefaultSetting_EN.cfg")));
 }
 
 void tst_chain::a_change_to_the_log_tab_sends_no_time_and_reads_only_a_changed_log()
@@ -261,6 +269,44 @@ void tst_chain::the_logger_shows_the_traffic()
     QVERIFY(last != requests.crend());
     QCOMPARE(table->item(0, 1)->text(), QString::fromLatin1(last->frame.toHex(' ')) + QLatin1Char(' '));
     QCOMPARE(table->item(0, 3)->text(), QString::fromLatin1(last->answer.toHex(' ')) + QLatin1Char(' '));
+}
+
+void tst_chain::packets_of_another_port_go_above_the_old_ones()
+{
+    UnitState state = installation();
+    UnitSimulator first(state);
+    state.address = 5;
+    UnitSimulator second(state);
+    ScriptedDialogs dialogs;
+    WindowSeams seams;
+    seams.portNames = [&] { return QStringList{first.portName(), second.portName()}; };
+    seams.dialogs = &dialogs;
+    MainWindow window(seams);
+    window.show();
+    auto* const form = window.findChild<FormChoiceCoordinator*>();
+    auto* const ports = form->findChild<QTableWidget*>();
+    const auto* const logger = window.findChild<QTableWidget*>(QStringLiteral("tableLogger"));
+    const auto* const count = window.findChild<QLabel*>(QStringLiteral("labelCountRows"));
+    const auto isDone = [&] {
+        return !count->text().isEmpty() && !window.findChild<FormWaiting*>()->isVisible() &&
+               ports->item(0, 5)->text() == texts::portCoordinatorConnected() &&
+               ports->item(1, 5)->text() == texts::portCoordinatorConnected();
+    };
+    QVERIFY(WindowOverUnit::waitUntil(isDone, 60000));
+    const int former = form->currentAddress();
+
+    ports->setCurrentCell(former == 3 ? 1 : 0, 2);
+    const int rows = logger->rowCount();
+    const QString newest = logger->item(0, 1)->text();
+    form->on_buttonChoicePort_clicked();
+    QCOMPARE(int(form->currentAddress()), former == 3 ? 5 : 3);
+    const QString address = QString::number(form->currentAddress()).rightJustified(2, QLatin1Char('0'));
+    QTRY_VERIFY(logger->rowCount() > rows + 5);
+    QCOMPARE(logger->item(logger->rowCount() - rows, 1)->text(), newest);
+    // The third byte of a request is the address.
+    QCOMPARE(logger->item(0, 1)->text().mid(6, 2), address);
+    QVERIFY(newest.mid(6, 2) != address);
+    QTRY_VERIFY_WITH_TIMEOUT(isDone(), 60000);
 }
 
 HUBN_THREADED_TEST_MAIN(tst_chain)

@@ -163,6 +163,7 @@ private slots:
     void the_watch_rests_and_comes_back();
     void a_slow_unit_enters_its_bootloader_at_its_own_rate();
     void a_disconnected_row_loads_its_port();
+    void a_row_that_never_found_a_coordinator_loads_at_the_usual_rate();
     void cancel_leaves_everything_as_it_was();
     void a_small_file_is_refused();
     void a_silent_bootloader_ends_the_run();
@@ -450,6 +451,37 @@ void tst_firmware::a_disconnected_row_loads_its_port()
     QCOMPARE(over.unit.requests().constFirst().baudRate, 57600);
     // The window's result line isn't told.
     QCOMPARE(over.result(), before);
+}
+
+void tst_firmware::a_row_that_never_found_a_coordinator_loads_at_the_usual_rate()
+{
+    // A load was broken off before: the unit waits in its bootloader and answers no search.
+    UnitState state;
+    state.inBootloader = true;
+    const QByteArray image = randomImage(20000);
+    WindowOverUnit over(state);
+    const QList<QPushButton*> buttons =
+        over.form()->findChild<QTableWidget*>()->cellWidget(0, 6)->findChildren<QPushButton*>();
+    QPushButton* const load = *std::find_if(buttons.cbegin(), buttons.cend(), [](const QPushButton* button) {
+        return button->text() == QLatin1String("Load Firmware");
+    });
+    // Between two searches, the next of which is due while the load runs.
+    QTRY_VERIFY_WITH_TIMEOUT(load->isVisible(), 10000);
+    over.unit.setPace(UnitSimulator::OfTheWire);
+    over.unit.clearRequests();
+    over.dialogs.openAnswers.append(file(image));
+    const DialogUser user([](Loading*) {});
+    load->click();
+    QVERIFY(!user.overdue);
+    QVERIFY(over.unit.state().firmwareComplete);
+    QCOMPARE(over.unit.state().firmware, image);
+    const QVector<UnitRequest> requests = over.unit.requests();
+    QCOMPARE(requests.constFirst().requestType, 22);
+    QCOMPARE(int(requests.constFirst().frame.at(2)), 0);
+    QCOMPARE(requests.constFirst().baudRate, 57600);
+    QCOMPARE(over.unit.requestCount(10), 0);
+    // The unit has started again, and the search goes on and finds it.
+    QVERIFY(over.waitForChain());
 }
 
 void tst_firmware::cancel_leaves_everything_as_it_was()

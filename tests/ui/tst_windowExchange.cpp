@@ -1,4 +1,5 @@
 #include <QAction>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QFile>
 #include <QLabel>
@@ -71,6 +72,10 @@ private slots:
     void choosing_an_output_changes_titles_and_lists();
     void an_output_that_is_null_is_ignored();
     void a_new_name_shows_in_the_titles();
+    void names_of_any_length_leave_the_width_of_the_window();
+    void the_script_dock_shows_an_ampersand();
+    void a_script_without_trigger_turns_grey_in_the_lists();
+    void a_model_added_by_hand_is_offered_after_a_restart();
     void the_script_dock_shows_the_script_in_bold_and_its_colour();
     void the_add_terminal_form_adds_to_the_tree();
     void hiding_the_head_unit_changes_nothing();
@@ -223,6 +228,12 @@ void tst_windowExchange::a_list_with_gaps_is_applied_as_far_as_it_goes()
     QCOMPARE(terminals(), 3);
     QCOMPARE(get<QListWidget>("listWidgetActivateScript")->count(), 0);
     QCOMPARE(get<QListWidget>("listWidgetAllScript")->count(), 32);
+    // What was named is there.
+    const GroupRelayPtr named = groupChosenAt(1);
+    QCOMPARE(int(named->address), 5);
+    QVERIFY(named->outputs.at(0)->activatedScripts.isEmpty());
+    QCOMPARE(named->outputs.at(1)->activatedScripts.size(), 1);
+    QCOMPARE(int(named->outputs.at(1)->activatedScripts.first()->number), 4);
     // A script that wasn't named is back at its defaults: nothing in it, so it is grey.
     auto* const all = get<QListWidget>("listWidgetAllScript");
     QVERIFY(all->itemWidget(all->item(3))->styleSheet().contains(QStringLiteral("rgba(187, 187, 187, 150)")));
@@ -286,6 +297,83 @@ void tst_windowExchange::a_new_name_shows_in_the_titles()
     QCOMPARE(title(), QStringLiteral("Hall #5(<b>Siren</b> 1)"));
     QCOMPARE(get<QLabel>("labelTitleParamRelay")->textFormat(), Qt::PlainText);
     QCOMPARE(get<QLabel>("labelTitleActivateScript")->textFormat(), Qt::PlainText);
+}
+
+void tst_windowExchange::names_of_any_length_leave_the_width_of_the_window()
+{
+    readEverything();
+    const int width = window->minimumSizeHint().width();
+    const GroupRelayPtr group = groupChosenAt(1);
+    group->name = QString(200, QLatin1Char('W'));
+    group->outputs.first()->name = QString(200, QLatin1Char('M'));
+    window->sl_RefreshNameDevOrOutput();
+    QVERIFY(title().startsWith(group->name));
+    QTest::qWait(50); // the layouts follow one after the other
+    QCOMPARE(window->minimumSizeHint().width(), width);
+}
+
+void tst_windowExchange::the_script_dock_shows_an_ampersand()
+{
+    auto* const dock = get<QDockWidget>("dockScript");
+    const auto picture = [&](const QString& name) {
+        window->sl_changeTitleSettingScript(name);
+        QCoreApplication::sendPostedEvents();
+        const QImage whole = dock->grab().toImage();
+        return whole.copy(0, 0, whole.width(), dock->widget()->y());
+    };
+    const QImage blank = picture(QString());
+    const auto widthOf = [&](const QString& name) {
+        const QImage titled = picture(name);
+        int left = titled.width();
+        int right = 0;
+        for (int x = 0; x < titled.width(); ++x) {
+            const QRect column(x, 0, 1, titled.height());
+            if (titled.copy(column) != blank.copy(column)) {
+                left = qMin(left, x);
+                right = x;
+            }
+        }
+        return right - left;
+    };
+    QVERIFY(widthOf(QStringLiteral("R&D")) > widthOf(QStringLiteral("RD")));
+    QCOMPARE(dock->windowTitle(), QStringLiteral("RD"));
+}
+
+void tst_windowExchange::a_script_without_trigger_turns_grey_in_the_lists()
+{
+    readEverything();
+    const QString grey = QStringLiteral("rgba(187, 187, 187, 150)");
+    auto* const all = get<QListWidget>("listWidgetAllScript");
+    auto* const active = get<QListWidget>("listWidgetActivateScript");
+    all->setCurrentRow(3);
+    QVERIFY(!all->itemWidget(all->item(3))->styleSheet().contains(grey));
+    auto* const states = get<QComboBox>("comboStateChannel");
+    QCOMPARE(states->itemText(0), QStringLiteral("Not active"));
+    states->setCurrentIndex(0);
+    QVERIFY(window->findChild<Setting_Script_Widget*>()->currentScript()->notActive);
+    QVERIFY(all->itemWidget(all->item(3))->styleSheet().contains(grey));
+    QVERIFY(active->itemWidget(active->item(0))->styleSheet().contains(grey));
+}
+
+void tst_windowExchange::a_model_added_by_hand_is_offered_after_a_restart()
+{
+    const QString name = QStringLiteral("Devices_EN.csv");
+    QFile catalogue(name);
+    QVERIFY(catalogue.open(QIODevice::Append));
+    const QByteArray rest = QByteArrayLiteral(";0x2; 0x9; 0x77; 0x9; Siren; Lamp\n");
+    catalogue.write("Hand-made sounder" + rest);
+    catalogue.close();
+    cleanup();
+    init();
+    const QString model = QStringLiteral("Hand-made sounder");
+    QVERIFY(get<QComboBox>("comboBoxSelectType")->findText(model, Qt::MatchStartsWith) >= 0);
+    window->sl_runFormForAddGroupRelay();
+    QVERIFY(get<QComboBox>("comboBoxTerminals")->findText(model) >= 0);
+    // Without the file the built-in table is back.
+    QVERIFY(QFile::remove(name));
+    cleanup();
+    init();
+    QCOMPARE(get<QComboBox>("comboBoxSelectType")->findText(model, Qt::MatchStartsWith), -1);
 }
 
 void tst_windowExchange::the_script_dock_shows_the_script_in_bold_and_its_colour()
