@@ -63,16 +63,18 @@ void FormWaiting::stepProgress()
     if (bar->value() == bar->maximum()) {
         return;
     }
-    // A bar paints each new value before it returns, unless it may not.
-    bar->setUpdatesEnabled(false);
+    // A bar paints each new value before it returns, unless it may not. It may again at once, for whatever else has it
+    // painted; setUpdatesEnabled() would ask for that itself.
+    bar->setAttribute(Qt::WA_UpdatesDisabled);
     bar->setValue(bar->value() + 1);
+    bar->setAttribute(Qt::WA_UpdatesDisabled, false);
     timerPaint->start(sincePaint.hasExpired(PaintInterval.count()) ? BehindTheStep : PaintInterval);
 }
 
 void FormWaiting::paintProgress()
 {
     sincePaint.start();
-    ui->progressBar->setUpdatesEnabled(true);
+    ui->progressBar->update();
 }
 
 void FormWaiting::showEvent(QShowEvent* event)

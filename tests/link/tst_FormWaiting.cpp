@@ -41,6 +41,7 @@ private slots:
     void stepsUpToTheMaximum();
     void anEmptyRangeTakesNoSteps();
     void stepsArePaintedTogetherAndLater();
+    void aStepLeavesTheBarInThePicture();
     void canNotBeClosed();
     void goesOnceTheWindowBelowHasGone();
     void comesUpInTheMiddleOfTheScreen();
@@ -140,6 +141,21 @@ void tst_FormWaiting::stepsArePaintedTogetherAndLater()
     const int soFar = paints.count;
     QTRY_VERIFY(paints.count > soFar);
     QCOMPARE(bar->value(), 102);
+}
+
+void tst_FormWaiting::aStepLeavesTheBarInThePicture()
+{
+    FormWaiting form;
+    const auto* const bar = form.findChild<QProgressBar*>();
+    form.setOperation(QString(), 0, 102);
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    // Something else has the form painted, say a new text, while the value waits for its turn.
+    form.stepProgress();
+    const QImage picture = form.grab(bar->geometry()).toImage();
+    QImage withoutBar = picture;
+    withoutBar.fill(form.palette().color(QPalette::Window));
+    QVERIFY(picture != withoutBar);
 }
 
 void tst_FormWaiting::canNotBeClosed()
