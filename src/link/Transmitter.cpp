@@ -67,7 +67,7 @@ void Transmitter::sl_initialization(Transmitter* receiver, const QString& namePo
     connect(port, &QSerialPort::bytesWritten, this, [this](qint64 n) { sl_onPacketWritten(int(n)); });
     connect(port, &QSerialPort::readyRead, this, &Transmitter::sl_onDataReceived);
     // Direct: opening the port counts on it that an error has set the state before open() returns.
-    connect(port, &QSerialPort::errorOccurred, this, &Transmitter::sl_onPortError, Qt::DirectConnection);
+    connect(port, &QSerialPort::errorOccurred, this, &Transmitter::takePortError, Qt::DirectConnection);
     sl_CheckPort(this, namePort);
 }
 
@@ -227,6 +227,36 @@ void Transmitter::sl_onPortError(QSerialPort::SerialPortError error)
     }
 }
 
+/// Acts on what the port reports, unless it is a misunderstanding: clearing the buffers can take bytes whose arrival
+/// was announced already. The read that follows finds none, and Qt tells that as the error of whatever call failed
+/// last.
+void Transmitter::takePortError(QSerialPort::SerialPortError error)
+{
+    const bool isOfReading = error == QSerialPort::ResourceError || error == QSerialPort::ReadError;
+    if (isOfReading && !isWriting && port->isOpen() && !isGone()) {
+        return;
+    }
+    sl_onPortError(error);
+}
+
+/// Whether the device behind the open port has gone.
+bool Transmitter::isGone()
+{
+    const QSignalBlocker blocker(port);
+    // After an error the port doesn't listen any more; this makes it do so again.
+    port->setReadBufferSize(port->readBufferSize());
+    port->clearError();
+    const bool canRead = port->waitForReadyRead(0) || port->error() == QSerialPort::TimeoutError;
+    // A line that hung up lets itself be read without end. Asked for its signals it says that it is gone.
+    port->clearError();
+    port->pinoutSignals();
+    const bool gone = !canRead || port->error() == QSerialPort::ResourceError;
+    if (!gone && port->bytesAvailable() > 0) {
+        QMetaObject::invokeMethod(this, &Transmitter::sl_onDataReceived, Qt::QueuedConnection);
+    }
+    return gone;
+}
+
 void Transmitter::setState(StatePort newState)
 {
     state = newState;
@@ -277,9 +307,11 @@ void Transmitter::sendCurrent()
     }
     // Late bytes of an earlier exchange are none of this request's answer.
     port->clear();
+    isWriting = true;
     port->write(current.request());
     // Straight away: the event loop would write it only after all that follows here.
     port->flush();
+    isWriting = false;
     emit sig_SendRequestInForm(QDateTime::currentDateTime(), current.request(), isPeriodic(current));
     logLine("): request: ") << current.request().toHex();
     timerAnswer->start();

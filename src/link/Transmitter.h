@@ -82,6 +82,8 @@ private:
     };
 
     void setState(StatePort newState);
+    void takePortError(QSerialPort::SerialPortError error);
+    bool isGone();
     void releaseLostPort();
     bool applyOpeningSettings();
     bool passGate();
@@ -103,4 +105,5 @@ private:
     quint16 answerTimeout = 120;       ///< ms
     quint16 nextRequestInterval = 500; ///< ms
     BootParser parseBootAnswer;
+    bool isWriting = false; ///< errors of the port are those of writing
 };

@@ -1,16 +1,12 @@
 #include <QtTest>
 
-#include <QElapsedTimer>
-#include <QSerialPort>
+#include <QSocketNotifier>
 #include <QThread>
 
-#include <functional>
+#include <cerrno>
 #include <memory>
 
-#include "link/Transmitter.h"
-#include "link/protocol_HUBN_NX_Q.h"
-#include "simulator/PseudoTerminal.h"
-#include "support/AnswerFrames.h"
+#include "link/TransmitterBench.h"
 #include "support/DebugLines.h"
 
 using frames::hex;
@@ -18,119 +14,6 @@ using P = protocol_HUBN_NX_Q;
 
 namespace
 {
-
-constexpr int ends = 20000; ///< ms; generous, for busy machines
-
-/// A request that is told from others by its bytes alone.
-message request(const char* bytes, quint8 priority = 100)
-{
-    message mess = P::requestReadLogInfo(1);
-    mess.setRequest(bytes);
-    mess.setPriority(priority);
-    return mess;
-}
-
-message watchRequest()
-{
-    message mess = P::requestCheckCoordinator(1);
-    mess.setRequestType(P::Check_Coordinator);
-    return mess;
-}
-
-message bootRequest()
-{
-    message mess;
-    mess.setRequest(hex("FA0302C2F9"));
-    mess.setBootType(2);
-    return mess;
-}
-
-/// A worker on the thread of the test, with the far end of its line and a record of all it reports.
-class Bench : public QObject
-{
-    Q_OBJECT
-
-public:
-    Bench()
-    {
-        connect(&worker, &Transmitter::sig_SendStatePort, this, [this](Transmitter* sender, StatePort state) {
-            QCOMPARE(sender, &worker);
-            states.append(state);
-        });
-        connect(&worker, &Transmitter::sig_SendBaudrate, this, [this](Transmitter* sender, int baudrate) {
-            QCOMPARE(sender, &worker);
-            baudrates.append(baudrate);
-        });
-        connect(&worker, &Transmitter::sig_SendAnswer, this, [this](Transmitter* sender, const message& answer) {
-            QCOMPARE(sender, &worker);
-            answers.append(answer);
-            answerMoments.append(clock.elapsed());
-        });
-        connect(&worker, &Transmitter::sig_SendRequestInForm, this,
-                [this](const QDateTime& time, const QByteArray& bytes, bool periodic) {
-                    QVERIFY(qAbs(time.secsTo(QDateTime::currentDateTime())) <= 5);
-                    shownRequests.append(bytes);
-                    requestFlags.append(periodic);
-                    requestMoments.append(clock.elapsed());
-                });
-        connect(&worker, &Transmitter::sig_SendAnswerInForm, this,
-                [this](const QDateTime& time, const QByteArray& bytes, bool periodic) {
-                    QVERIFY(qAbs(time.secsTo(QDateTime::currentDateTime())) <= 5);
-                    shownAnswers.append(bytes);
-                    answerFlags.append(periodic);
-                });
-        connect(&line, &PseudoTerminal::readyRead, this, [this] {
-            const QByteArray bytes = line.read();
-            received.append(bytes);
-            if (onReceived) {
-                onReceived(bytes);
-            }
-        });
-        clock.start();
-    }
-
-    /// Opens the port and forgets how that went.
-    void open()
-    {
-        worker.sl_initialization(&worker, line.portName());
-        QCOMPARE(states, (QList<int>{StateConnecting, StateSearching}));
-        states.clear();
-    }
-
-    void send(const message& mess)
-    {
-        worker.sl_AddRequestInQueue(&worker, mess);
-    }
-
-    QSerialPort* port() const
-    {
-        return worker.findChild<QSerialPort*>();
-    }
-
-    QByteArrayList answeredRequests() const
-    {
-        QByteArrayList result;
-        for (const message& answer : answers) {
-            result.append(answer.request());
-        }
-        return result;
-    }
-
-    PseudoTerminal line;
-    Transmitter worker;
-    std::function<void(const QByteArray&)> onReceived;
-    QByteArray received;
-    QList<int> states;
-    QList<int> baudrates;
-    QList<message> answers;
-    QByteArrayList shownRequests;
-    QByteArrayList shownAnswers;
-    QList<bool> requestFlags;
-    QList<bool> answerFlags;
-    QElapsedTimer clock;
-    QList<qint64> requestMoments;
-    QList<qint64> answerMoments;
-};
 
 /// Counts what a worker on another thread gives back, on the thread of the test.
 class Tally : public QObject
@@ -242,6 +125,7 @@ private slots:
     void hangUpInFlightTimesOut();
     void lostPortComesToRest_data();
     void lostPortComesToRest();
+    void announcedBytesThatWereClearedAreNoLossOfThePort();
     void longQueueDrainsOnASmallStack();
 
     // Diagnostics and threads.
@@ -1083,6 +967,33 @@ void tst_Transmitter::lostPortComesToRest()
     QVERIFY(debug.linesWith(QStringLiteral("ERROR WRITE / READ !")).size() < 20);
     QCOMPARE(debug.linesWith(QStringLiteral("PORT NOT FOUND!")).size(), 1);
     QCOMPARE(states.size(), 3);
+}
+
+void tst_Transmitter::announcedBytesThatWereClearedAreNoLossOfThePort()
+{
+    Bench bench;
+    bench.open();
+    const auto notifiers = bench.port()->findChildren<QSocketNotifier*>();
+    const auto reading = std::find_if(notifiers.begin(), notifiers.end(), [](const QSocketNotifier* notifier) {
+        return notifier->type() == QSocketNotifier::Read;
+    });
+    QVERIFY(reading != notifiers.end());
+    // As if the event loop had seen the bytes before the port's buffers were cleared.
+    for (const int lastFailure : {0, EAGAIN, EIO, EINTR}) {
+        QEvent announcement(QEvent::SockAct);
+        errno = lastFailure;
+        QCoreApplication::sendEvent(*reading, &announcement);
+    }
+    QCOMPARE(bench.states, QList<int>{});
+    QVERIFY(bench.port()->isOpen());
+    // Nor is the port deaf afterwards.
+    bench.onReceived = [&](const QByteArray&) { bench.line.write(frames::answer(0)); };
+    bench.send(request("a"));
+    QTRY_COMPARE_WITH_TIMEOUT(bench.answers.size(), 1, ends);
+    QVERIFY(bench.answers.constFirst().isValid());
+    // One that hangs up still is lost at once.
+    bench.line.unplug();
+    QTRY_COMPARE_WITH_TIMEOUT(bench.states, QList<int>{StateNotFound}, ends);
 }
 
 void tst_Transmitter::longQueueDrainsOnASmallStack()
