@@ -67,5 +67,6 @@ PortRow::PortRow(const QString& portName, std::function<message(const message&)>
     buttonFirmware->hide();
     thread->setObjectName(portName);
     transmitter->setBootParser(std::move(parseBootAnswer));
+    transmitter->keepLateAnswersApart();
     transmitter->moveToThread(thread);
 }

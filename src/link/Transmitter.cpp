@@ -37,7 +37,7 @@ Transmitter::~Transmitter()
     if (port != nullptr && port->isOpen()) {
         port->close();
     }
-    for (QTimer* timer : {timerAnswer, timerNextRequest}) {
+    for (QTimer* timer : {timerAnswer, timerNextRequest, timerQuiet}) {
         if (timer != nullptr) {
             timer->stop();
             timer->deleteLater();
@@ -48,6 +48,14 @@ Transmitter::~Transmitter()
 void Transmitter::setBootParser(BootParser parser)
 {
     parseBootAnswer = std::move(parser);
+}
+
+void Transmitter::keepLateAnswersApart()
+{
+    lateAnswers.emplace([parseBoot = parseBootAnswer](const message& answer) {
+        const message ofDevice = protocol_HUBN_NX_Q::parseAnswer(answer);
+        return ofDevice.isValid() || !parseBoot ? ofDevice : parseBoot(answer);
+    });
 }
 
 void Transmitter::sl_initialization(Transmitter* receiver, const QString& namePort)
@@ -62,6 +70,10 @@ void Transmitter::sl_initialization(Transmitter* receiver, const QString& namePo
     timerAnswer->setTimerType(Qt::PreciseTimer);
     timerNextRequest = new QTimer;
     timerNextRequest->setInterval(nextRequestInterval);
+    timerQuiet = new QTimer;
+    timerQuiet->setSingleShot(true);
+    timerQuiet->setTimerType(Qt::PreciseTimer);
+    connect(timerQuiet, &QTimer::timeout, this, &Transmitter::sl_SendNextRequest);
     connect(timerAnswer, &QTimer::timeout, this, &Transmitter::sl_onTimeout);
     connect(timerNextRequest, &QTimer::timeout, this, &Transmitter::sl_SendNextRequest);
     connect(port, &QSerialPort::bytesWritten, this, [this](qint64 n) { sl_onPacketWritten(int(n)); });
@@ -136,12 +148,9 @@ void Transmitter::sl_SendNextRequest()
         } else {
             timerNextRequest->start();
         }
-        if (!current.isEmpty() || queue.empty()) {
+        if (!current.isEmpty() || !takeNext()) {
             return;
         }
-        std::pop_heap(queue.begin(), queue.end(), hasSmallerPriority);
-        current = std::move(queue.back());
-        queue.pop_back();
         if (passGate()) {
             sendCurrent();
             return;
@@ -161,8 +170,9 @@ void Transmitter::sl_onDataReceived()
 {
     Q_ASSERT(QThread::currentThread() == thread());
     timerAnswer->stop();
-    if (current.isEmpty()) {
+    if (!awaitsBytes()) {
         dropBytes("): answer(by signal) without request: ");
+        goOnAfterDrop();
         return;
     }
     takeBytes("): answer(by signal): ");
@@ -179,8 +189,9 @@ void Transmitter::sl_onTimeout()
 {
     Q_ASSERT(QThread::currentThread() == thread());
     timerAnswer->stop();
-    if (current.isEmpty()) {
+    if (current.isEmpty() || (port->bytesAvailable() > 0 && !awaitsBytes())) {
         dropBytes("): answer(by timer) without request: ");
+        goOnAfterDrop();
         return;
     }
     if (!takeBytes("): answer(by timer): ")) {
@@ -202,6 +213,9 @@ void Transmitter::sl_onPortError(QSerialPort::SerialPortError error)
             state = StateNotFound;
             logLine("): PORT NOT FOUND!");
             emit sig_SendStatePort(this, state);
+        }
+        if (lateAnswers) {
+            lateAnswers->forget();
         }
         releaseLostPort();
         break;
@@ -283,6 +297,39 @@ bool Transmitter::applyOpeningSettings()
            port->setFlowControl(QSerialPort::NoFlowControl);
 }
 
+/// Makes the first request that may go out the current one; false if there is none.
+bool Transmitter::takeNext()
+{
+    if (queue.empty()) {
+        return false;
+    }
+    if (!isHeldBack(queue.front())) {
+        std::pop_heap(queue.begin(), queue.end(), hasSmallerPriority);
+        current = std::move(queue.back());
+        queue.pop_back();
+        return true;
+    }
+    const auto held =
+        std::partition(queue.begin(), queue.end(), [this](const message& mess) { return !isHeldBack(mess); });
+    const auto next = std::max_element(queue.begin(), held, hasSmallerPriority);
+    const bool isFree = next != held;
+    if (isFree) {
+        current = std::move(*next);
+        queue.erase(next);
+    } else if (const auto end = lateAnswers->waitEnd()) {
+        timerQuiet->start(std::chrono::ceil<std::chrono::milliseconds>(*end - LateAnswers::Clock::now()));
+    }
+    std::make_heap(queue.begin(), queue.end(), hasSmallerPriority);
+    return isFree;
+}
+
+/// Whether a request has to wait for late answers to others. On an unusable port none does: it fails or repairs it.
+bool Transmitter::isHeldBack(const message& mess)
+{
+    const bool isUsable = state > StateNotFound && port->isOpen();
+    return isUsable && lateAnswers && !lateAnswers->letsGo(mess, LateAnswers::Clock::now());
+}
+
 /// Whether the port can be used for the current request. The watch brings back a port that was lost, and the switch to
 /// the bootloader opens one that the user has closed.
 bool Transmitter::passGate()
@@ -307,6 +354,7 @@ void Transmitter::sendCurrent()
     }
     // Late bytes of an earlier exchange are none of this request's answer.
     port->clear();
+    currentSent = LateAnswers::Clock::now();
     isWriting = true;
     port->write(current.request());
     // Straight away: the event loop would write it only after all that follows here.
@@ -334,6 +382,27 @@ void Transmitter::dropBytes(const char* text)
     }
     if (port->isOpen()) {
         port->clear();
+    }
+    if (lateAnswers && current.isEmpty()) {
+        lateAnswers->heardStray(bytes, LateAnswers::Clock::now());
+    } else if (lateAnswers && !bytes.isEmpty()) {
+        lateAnswers->heardForeign(LateAnswers::Clock::now());
+    }
+}
+
+/// Whether bytes that come now belong to the request in flight.
+bool Transmitter::awaitsBytes()
+{
+    return !current.isEmpty() && (!lateAnswers || lateAnswers->belongTo(current, LateAnswers::Clock::now()));
+}
+
+/// What was dropped may have been all that the next request waited for; the request in flight goes on waiting.
+void Transmitter::goOnAfterDrop()
+{
+    if (!current.isEmpty()) {
+        timerAnswer->start();
+    } else if (lateAnswers) {
+        sl_SendNextRequest();
     }
 }
 
@@ -364,6 +433,9 @@ void Transmitter::endCurrent(FinishMode mode)
         current.markPortFailed();
     } else if (mode == FinishTimeout) {
         current.markTimedOut();
+    }
+    if (lateAnswers && mode != FinishPortError) {
+        lateAnswers->ended(current, currentSent);
     }
     emit sig_SendAnswer(this, current);
     emit sig_SendAnswerInForm(QDateTime::currentDateTime(), current.rawAnswer(), isPeriodic(current));

@@ -7,7 +7,9 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 
+#include "link/LateAnswers.h"
 #include "link/StatePort.h"
 #include "link/message.h"
 
@@ -34,6 +36,11 @@ public:
 
     /// To be called before the worker moves to its thread. Without a parser no answer to a boot request is valid.
     void setBootParser(BootParser parser);
+
+    /// To be called after setBootParser() and before the worker moves to its thread. From then on no request goes out
+    /// while a late answer to another one may still come (see LateAnswers); without this, requests follow each other
+    /// whatever is on its way.
+    void keepLateAnswersApart();
 
 public slots:
     /// Once, as the first slot of all: creates the port and the timers and opens the port.
@@ -86,6 +93,10 @@ private:
     bool isGone();
     void releaseLostPort();
     bool applyOpeningSettings();
+    bool takeNext();
+    bool isHeldBack(const message& mess);
+    bool awaitsBytes();
+    void goOnAfterDrop();
     bool passGate();
     void sendCurrent();
     bool takeBytes(const char* text);
@@ -105,5 +116,8 @@ private:
     quint16 answerTimeout = 120;       ///< ms
     quint16 nextRequestInterval = 500; ///< ms
     BootParser parseBootAnswer;
-    bool isWriting = false; ///< errors of the port are those of writing
+    std::optional<LateAnswers> lateAnswers;
+    LateAnswers::Moment currentSent; ///< when the request in flight was written
+    QTimer* timerQuiet = nullptr;    ///< ends a wait for late answers
+    bool isWriting = false;          ///< errors of the port are those of writing
 };
