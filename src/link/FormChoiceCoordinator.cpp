@@ -20,6 +20,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QSemaphore>
 #include <QSerialPortInfo>
 #include <QStyle>
 #include <QThread>
@@ -49,6 +50,9 @@ constexpr std::array<int, ColumnCount> columnWidths{67, 69, 104, 82, 82, 223, 16
 constexpr int HeaderHeight = 50;
 // Two lines of a state, and the buttons with some air around them.
 constexpr int RowHeight = 44;
+
+// A worker that the system keeps busy for longer is left alone; ms.
+constexpr int ClosingTime = 300;
 
 enum PortStatus : uchar
 {
@@ -97,9 +101,18 @@ FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams coordinatorSeams, 
     sl_updatePortList();
 }
 
-// The ports' threads go on: a worker may be in the middle of an exchange, and nobody waits for it.
+// The ports' threads go on, but a port left open would keep its lock on the device beyond the process.
 FormChoiceCoordinator::~FormChoiceCoordinator()
 {
+    const auto closed = std::make_shared<QSemaphore>();
+    for (const PortRow* const row : std::as_const(portRows)) {
+        Transmitter* const transmitter = row->transmitter;
+        QMetaObject::invokeMethod(transmitter, [transmitter, closed] {
+            transmitter->sl_ClosePort(transmitter);
+            closed->release();
+        });
+    }
+    closed->tryAcquire(portRows.size(), ClosingTime);
     qDeleteAll(portRows);
 }
 

@@ -62,7 +62,7 @@ using FirmwareRunner = std::function<void(const FirmwarePort&)>;
 ///
 /// Lives on the GUI thread, from the window's start to its end; all signals are emitted there. Give the main window
 /// as parent, so that this form and the busy form stay above it. The ports' threads are never stopped: they end with
-/// the process.
+/// the process. Their ports are closed with the form, which waits for that no longer than 300 ms in all.
 class FormChoiceCoordinator : public QWidget
 {
     Q_OBJECT

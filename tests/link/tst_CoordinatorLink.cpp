@@ -1,7 +1,9 @@
+#include <QSemaphore>
 #include <QSerialPort>
 #include <QtTest>
 
 #include <array>
+#include <memory>
 
 #include "FormRecorder.h"
 #include "link/protocol_HUBN_NX_Q.h"
@@ -74,6 +76,8 @@ private slots:
     void aPortThatIsNotThereIsNotFound();
     void aReadingOnAPortWithoutACoordinatorRunsToItsEnd();
     void aPortInUseCanNotBeOpened();
+    void endingTheFormClosesItsPorts();
+    void theEndDoesNotWaitForAStuckPort();
     void aPortThatIsPluggedInLaterIsFoundOnConnect();
     void aPortThatVanishesDuringTheSearch_data();
     void aPortThatVanishesDuringTheSearch();
@@ -246,6 +250,42 @@ void tst_CoordinatorLink::aPortInUseCanNotBeOpened()
     recorder.connectButton()->click();
     EVENTUALLY(recorder.state() == QStringLiteral("Search of coordinator..."));
     QVERIFY(!recorder.showsControls());
+}
+
+void tst_CoordinatorLink::endingTheFormClosesItsPorts()
+{
+    const UnitSimulator idle;
+    const DeafLine searching;
+    {
+        const FormRecorder recorder({idle.portName(), searching.line.portName()});
+        EVENTUALLY(recorder.state(0) == connectedText());
+    }
+    for (const QString& name : {idle.portName(), searching.line.portName()}) {
+        QSerialPort other(name);
+        QVERIFY2(other.open(QIODevice::ReadWrite), qPrintable(other.errorString()));
+    }
+}
+
+void tst_CoordinatorLink::theEndDoesNotWaitForAStuckPort()
+{
+    const UnitSimulator unit;
+    const UnitSimulator stuckUnit;
+    // Kept by the worker's thread too, which goes on.
+    const auto isStuck = std::make_shared<QSemaphore>();
+    const auto letGo = std::make_shared<QSemaphore>();
+    {
+        FormRecorder recorder({unit.portName(), stuckUnit.portName()});
+        EVENTUALLY(recorder.state(0) == connectedText() && recorder.state(1) == connectedText());
+        QMetaObject::invokeMethod(recorder.transmitters.at(1), [isStuck, letGo] {
+            isStuck->release();
+            letGo->acquire();
+        });
+        isStuck->acquire();
+    }
+    // The other port was closed all the same.
+    QSerialPort other(unit.portName());
+    QVERIFY(other.open(QIODevice::ReadWrite));
+    letGo->release();
 }
 
 void tst_CoordinatorLink::aPortThatIsPluggedInLaterIsFoundOnConnect()
