@@ -285,6 +285,7 @@ void FormChoiceCoordinator::sl_setStatePort(Transmitter* sender, StatePort state
         emit row->buttonConnect->clicked(false);
     }
     if (state == StateSearching) {
+        row->watchedAddress = CoordinatorInfo::NoAddress;
         emit sig_sendMessageInPort(sender, CoordinatorSearch::begin());
     }
 }
@@ -312,6 +313,7 @@ void FormChoiceCoordinator::sl_buttonConnectPress()
             item->setText(noValue());
         }
         row->coordinatorAddress = CoordinatorInfo::NoAddress;
+        row->watchedAddress = CoordinatorInfo::NoAddress;
     }
     row->checkBoxCheck->setVisible(!disconnecting);
     row->checkBoxCheck->setChecked(false);
@@ -381,8 +383,8 @@ void FormChoiceCoordinator::sl_periodicCheckCoordinator()
     if (row == nullptr || row->transmitter == firmwareTransmitter) {
         return;
     }
-    emit sig_sendMessageInPort(row->transmitter, CoordinatorSearch::check(row->coordinatorAddress, row->baudrate));
-    message timeRequest = protocol_HUBN_NX_Q::requestDeviceTime(row->coordinatorAddress);
+    emit sig_sendMessageInPort(row->transmitter, CoordinatorSearch::check(row->watchedAddress, row->baudrate));
+    message timeRequest = protocol_HUBN_NX_Q::requestDeviceTime(row->watchedAddress);
     timeRequest.setBaudrate(row->baudrate);
     emit sig_sendMessageInPort(row->transmitter, timeRequest);
 }
@@ -445,6 +447,9 @@ void FormChoiceCoordinator::updateCoordinatorInfo(Transmitter* transmitter, cons
 {
     PortRow* const row = findRow(&PortRow::transmitter, transmitter);
     row->coordinatorAddress = info.address;
+    if (row->watchedAddress == CoordinatorInfo::NoAddress) {
+        row->watchedAddress = info.address;
+    }
     row->itemCoordinator->setText(texts::statusCoordinator() + QStringLiteral(" %1").arg(info.address));
     row->itemSerial->setText(QString::number(info.serial));
     row->itemVersion->setText(info.versionText());

@@ -30,7 +30,8 @@ struct PortRow
     QTableWidgetItem* itemBaudrate;
     int baudrate = 0; ///< at which a coordinator answered; 0 until one did
     QTableWidgetItem* itemCoordinator;
-    quint8 coordinatorAddress = 255; ///< 255 means none
+    quint8 coordinatorAddress = 255; ///< as the last answer gave it; 255 means none
+    quint8 watchedAddress = 255;     ///< as the search found it, which no misread answer changes; 255 means none
     QTableWidgetItem* itemSerial;
     QTableWidgetItem* itemVersion;
     QTableWidgetItem* itemState;

@@ -9,6 +9,7 @@
 #include "link/CoordinatorSearch.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "support/DebugLines.h"
+#include "support/Eventually.h"
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
 
@@ -81,6 +82,7 @@ private slots:
     void switchingTheWatchOfAnotherPortOffSaysNothing();
     void aLostCoordinatorKeepsItsRowAndComesBack();
     void theWatchTakesOverWhatHasChanged();
+    void theWatchKeepsAskingTheAddressThatWasFound();
 
     void selectingARowWithoutACoordinatorDisablesOperations();
     void selectingWithNothingChosenKeepsTheCurrentPort();
@@ -649,6 +651,28 @@ void tst_FormChoiceCoordinator::theWatchTakesOverWhatHasChanged()
 }
 
 // Choice.
+
+void tst_FormChoiceCoordinator::theWatchKeepsAskingTheAddressThatWasFound()
+{
+    FormRecorder recorder({portA});
+    Transmitter* const port = recorder.transmitters.at(0);
+    find(recorder, 0, 4);
+    // A stray byte in front of the answer moves the address out of its place.
+    recorder.form.sl_receiveAnswer(port, answers::good(CoordinatorSearch::check(4, 57600), identity, 77));
+    QCOMPARE(recorder.text(0, 2), QStringLiteral("Coordinator 77"));
+    const auto asked = [&recorder](int type) {
+        const auto isOfType = [type](const FormRecorder::Sent& sent) { return sent.request.requestType() == type; };
+        recorder.sent.clear();
+        const auto found = [&] { return std::find_if(recorder.sent.cbegin(), recorder.sent.cend(), isOfType); };
+        return eventually([&] { return found() != recorder.sent.cend(); }) ? found()->request.request() : QByteArray();
+    };
+    QCOMPARE(asked(Protocol::Check_Coordinator), CoordinatorSearch::check(4, 57600).request());
+    QCOMPARE(asked(Protocol::Read_Time), Protocol::requestDeviceTime(4).request());
+    // The next search may find another one.
+    recorder.connectButton()->click();
+    find(recorder, 0, 5);
+    QCOMPARE(asked(Protocol::Check_Coordinator), CoordinatorSearch::check(5, 57600).request());
+}
 
 void tst_FormChoiceCoordinator::selectingARowWithoutACoordinatorDisablesOperations()
 {
