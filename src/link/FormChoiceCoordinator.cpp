@@ -337,9 +337,11 @@ void FormChoiceCoordinator::sl_buttonFirmwarePress()
     const bool searchIsDue = row->timerFirstConnect->isActive();
     row->timerFirstConnect->stop();
     Transmitter* const transmitter = row->transmitter;
+    isFirmwareAtHand = true;
     firmwareRunner({row->coordinatorAddress, row->baudrate,
                     [this, transmitter](const message& request) { emit sig_sendMessageInPort(transmitter, request); },
                     [this, transmitter](bool running) { firmwareTransmitter = running ? transmitter : nullptr; }});
+    isFirmwareAtHand = false;
     if (searchIsDue) {
         row->timerFirstConnect->start();
     }
@@ -453,9 +455,9 @@ void FormChoiceCoordinator::updateCoordinatorInfo(Transmitter* transmitter, cons
     row->itemCoordinator->setText(texts::statusCoordinator() + QStringLiteral(" %1").arg(info.address));
     row->itemSerial->setText(QString::number(info.serial));
     row->itemVersion->setText(info.versionText());
-    // The first coordinator found is chosen without the user, though not over the dialog of a running load: then the
-    // watch comes back to it.
-    if (currentTransmitter == nullptr && firmwareTransmitter == nullptr) {
+    // The first coordinator found is chosen without the user, though not over the dialogs of a load: the watch comes
+    // back to it after them.
+    if (currentTransmitter == nullptr && !isFirmwareAtHand) {
         ui->tableWidget->setCurrentItem(row->itemCoordinator);
         on_buttonChoicePort_clicked();
     }

@@ -202,6 +202,7 @@ private:
     int chosenBaudrate = 1200;
     Transmitter* firmwareTransmitter = nullptr; ///< the port on which a firmware load runs
     FirmwareRunner firmwareRunner;
+    bool isFirmwareAtHand = false; ///< the dialogs of a row's firmware load are open, that of its file among them
     FormWaiting* formWaiting;
     QTimer* timerNothingSent; ///< takes the busy form away again where there is nothing to wait for
     TerminalSearch* terminalSearch;

@@ -123,6 +123,7 @@ private slots:
     void theFirmwareButtonWithoutALoaderDoesNothing();
     void anAutomaticSearchWaitsForTheLoadOfItsPort();
     void noPortIsChosenOverARunningLoad();
+    void noPortIsChosenOverTheFileDialogOfALoad();
 
 private:
     /// Answers the search of a row, so that its coordinator is found at this address.
@@ -1250,6 +1251,25 @@ void tst_FormChoiceCoordinator::noPortIsChosenOverARunningLoad()
                                    answers::good(CoordinatorSearch::check(1, 57600), identity));
     QVERIFY(recorder.has(QStringLiteral("enable 1")));
     QCOMPARE(int(recorder.form.currentAddress()), 1);
+}
+
+void tst_FormChoiceCoordinator::noPortIsChosenOverTheFileDialogOfALoad()
+{
+    FormRecorder recorder({portA, portB});
+    recorder.connectButton(0)->click();
+    recorder.form.setFirmwareRunner([&](const FirmwarePort&) {
+        recorder.take();
+        find(recorder, 1);
+        QCOMPARE(recorder.state(1), statePortTraits(StateCoordinatorConnected).text);
+        QVERIFY(!recorder.has(QStringLiteral("enable")));
+        QVERIFY(!recorder.busy()->isVisible());
+        // And then the user cancels.
+    });
+    recorder.firmwareButton(0)->click();
+    QVERIFY(!recorder.has(QStringLiteral("enable")));
+    recorder.form.sl_receiveAnswer(recorder.transmitters.at(1),
+                                   answers::good(CoordinatorSearch::check(1, 57600), identity));
+    QVERIFY(recorder.has(QStringLiteral("enable 1")));
 }
 
 HUBN_THREADED_TEST_MAIN(tst_FormChoiceCoordinator)
