@@ -1,6 +1,7 @@
 #include "model/ConfigurationReader.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "model/ScriptRules.h"
 
@@ -171,6 +172,9 @@ int setStatePosition(Model& model, ScriptInfo& script, const Entry& entry)
 
 int setStateValue(Model&, ScriptInfo& script, const Entry& entry)
 {
+    if (entry.number < 0) {
+        return 1;
+    }
     const ParamItemPtr& state = script.stateChannel;
     const bool agrees = entry.number == state->code || (state->linked && entry.number == state->linked->code);
     if (!agrees) {
@@ -182,7 +186,7 @@ int setStateValue(Model&, ScriptInfo& script, const Entry& entry)
 int setTerminalStates(Model& model, ScriptInfo& script, const Entry& entry)
 {
     script.stateTerminal.clear();
-    if (entry.number < 0 || entry.number > 255) {
+    if (entry.number == -1 || entry.number > 255) {
         return 1;
     }
     script.stateTerminal = rowsOfMask(model.tables.terminalStates, entry.number);
@@ -215,6 +219,9 @@ int setItem(Model&, ScriptInfo& script, const Entry& entry)
 template <quint8 TerminalType::*field>
 int setTypeField(Model&, ScriptInfo& script, const Entry& entry)
 {
+    if (entry.number < 0) {
+        return 1;
+    }
     (*script.terminalFilter).*field = static_cast<quint8>(entry.number);
     return 0;
 }
@@ -225,14 +232,14 @@ enum class Number
     Demanded ///< no number is an error, whatever else the line lacks
 };
 
-constexpr int noLimit = -1;
+constexpr int noLimit = std::numeric_limits<int>::max();
 
 /// What a key does. The first rule whose fragment the key contains decides.
 struct Rule
 {
     const char* fragment;
     Number number;
-    int limit; ///< the script's number must lie between 0 and this
+    int limit; ///< a script's number above this is an error; one below 0 only where the field can't hold it
     int (*onModel)(Model&, const Entry&);
     int (*onGroup)(Model&, GroupRelay&, const Entry&);
     int (*onOutput)(Model&, RelayInformation&, const Entry&);
@@ -351,8 +358,7 @@ int applyToTerminal(const Rule& rule, Model& model, const Entry& entry)
 int applyToScript(const Rule& rule, Model& model, const Entry& entry)
 {
     const ScriptInfoPtr script = model.scripts.value(entry.script);
-    const bool inRange = rule.limit == noLimit || (entry.number >= 0 && entry.number <= rule.limit);
-    return script && inRange ? rule.onScript(model, *script, entry) : 1;
+    return script && entry.number <= rule.limit ? rule.onScript(model, *script, entry) : 1;
 }
 
 int apply(const Rule& rule, Model& model, const Entry& entry)

@@ -499,6 +499,7 @@ void tst_ConfigurationFile::keys_data()
     row("NumberOfDevices=0", 0);
     row("NumberOfDevices=1", 0);
     row("NumberOfDevices=-7", 0);
+    row("NumberOfDevices=-32768", 0);
     row("NumberOfDevices=-2147483648", 0);
     row("NumberOfDevices=0|ExecutiveTerminal[1].Name=A", 1);
     row("NumberOfDevices=1|ExecutiveTerminal[1].Name=A", 1);
@@ -527,6 +528,7 @@ void tst_ConfigurationFile::keys_data()
 
     grown("ExecutiveTerminal[1].Address=5", 0, "Address=-1", "Address=5");
     grown("ExecutiveTerminal[1].Address=-128", 0, "Address=-1", "Address=-128");
+    grown("ExecutiveTerminal[1].Address=-32768", 0, "Address=-1", "Address=-32768");
     grown("ExecutiveTerminal[1].Address=65408", 0, "Address=-1", "Address=-128");
     grown("ExecutiveTerminal[1].Address=-1", 1);
     grown("ExecutiveTerminal[1].Address=x", 1);
@@ -548,12 +550,14 @@ void tst_ConfigurationFile::keys_data()
     row("ExecutiveTerminal[0].Expand=0", 0, "ExecutiveTerminal[0].Expand=0");
     row("ExecutiveTerminal[0].Expand=2", 0, "ExecutiveTerminal[0].Expand=0");
     row("ExecutiveTerminal[0].Expand=x", 0, "ExecutiveTerminal[0].Expand=0");
+    row("ExecutiveTerminal[0].Expand=-7", 0, "ExecutiveTerminal[0].Expand=0");
     row("ExecutiveTerminal[x].Expand=1", 1);
     row(".Expand=1", 1);
 
     row("ExecutiveTerminal[0].NumberOfOutputs=3", 0);
     row("ExecutiveTerminal[0].NumberOfOutputs=x", 1);
     row("ExecutiveTerminal[0].NumberOfOutputs=-2", 0);
+    row("ExecutiveTerminal[0].NumberOfOutputs=-32768", 0);
     row("ExecutiveTerminal[1].NumberOfOutputs=1", 1);
     row("ExecutiveTerminal[x].NumberOfOutputs=1", 1);
     row(".NumberOfOutputs=1", 1);
@@ -572,6 +576,8 @@ void tst_ConfigurationFile::keys_data()
     row("ExecutiveTerminal[0].Number=x", 1);
     row("Script[3].Number=5", 0, "Script[3].Number=5");
     row("Script[3].Number=300", 0, "Script[3].Number=44");
+    row("Script[3].Number=-7", 0, "Script[3].Number=249");
+    row("Script[3].Number=-32768", 0, "Script[3].Number=0");
     row("Script[3].Number=x", 1);
     row("Script[32].Number=5", 1);
     row("Script[3].Numbers=5", 1);
@@ -580,6 +586,7 @@ void tst_ConfigurationFile::keys_data()
     row("ExecutiveTerminal[0].Output[1].ReturnStartState=1", 0, "ExecutiveTerminal[0].Output[1].ReturnStartState=1");
     row("ExecutiveTerminal[0].Output[1].ReturnStartState=2", 0);
     row("ExecutiveTerminal[0].Output[1].ReturnStartState=x", 1);
+    row("ExecutiveTerminal[0].Output[1].ReturnStartState=-2", 0);
     row("ExecutiveTerminal[0].Output[8].ReturnStartState=1", 1);
     row("ExecutiveTerminal[1].Output[0].ReturnStartState=1", 1);
     row("ExecutiveTerminal[0].ReturnStartState=1", 0);
@@ -587,6 +594,8 @@ void tst_ConfigurationFile::keys_data()
 
     row("ExecutiveTerminal[0].Output[1].StartState=1", 0, "ExecutiveTerminal[0].Output[1].StartState=1");
     row("ExecutiveTerminal[0].Output[1].StartState=x", 1);
+    row("ExecutiveTerminal[0].Output[1].StartState=-2", 0);
+    row("ExecutiveTerminal[0].Output[1].StartState=-32768", 0);
     row("ExecutiveTerminal[0].Output[8].StartState=1", 1);
     row("ExecutiveTerminal[0].StartState=1", 0);
     row(".StartState=x", 1);
@@ -598,10 +607,13 @@ void tst_ConfigurationFile::keys_data()
         "ExecutiveTerminal[0].Output[1].ActivatedScripts=3; 4; ");
     row("ExecutiveTerminal[0].Output[1].ActivatedScripts=259", 0,
         "ExecutiveTerminal[0].Output[1].ActivatedScripts=3; ");
+    row("ExecutiveTerminal[0].Output[1].ActivatedScripts=-2; -7; -32768", 2,
+        "ExecutiveTerminal[0].Output[1].ActivatedScripts=0; "); // the low eight bits of the last one are 0
     row("ExecutiveTerminal[0].Output[8].ActivatedScripts=3", 1);
     row("ExecutiveTerminal[0].ActivatedScripts=3", 0);
 
     row("NumberOfScripts=7", 0);
+    row("NumberOfScripts=-2", 0);
     row("NumberOfScripts=x", 1);
 
     row("Script[3].StateChannelNumber=2", 0, "Script[3].StateChannelNumber=2|Script[3].StateChannelValue=1");
@@ -609,6 +621,7 @@ void tst_ConfigurationFile::keys_data()
     row("Script[3].StateChannelNumber=24", 0, "Script[3].StateChannelNumber=24|Script[3].StateChannelValue=136");
     row("Script[3].StateChannelNumber=25", 0, "Script[3].StateChannelNumber=OTHER");
     row("Script[3].StateChannelNumber=OTHER", 0, "Script[3].StateChannelNumber=OTHER");
+    row("Script[3].StateChannelNumber=-7", 0, "Script[3].StateChannelNumber=OTHER");
     row("Script[32].StateChannelNumber=2", 1);
     row("Script[x].StateChannelNumber=2", 0);
 
@@ -620,6 +633,7 @@ void tst_ConfigurationFile::keys_data()
         "Script[3].StateChannelNumber=18|Script[3].StateChannelValue=129"); // its own code agrees as well
     row("Script[3].StateChannelValue=256", 1);
     row("Script[3].StateChannelValue=-2", 1);
+    row("Script[3].StateChannelValue=-32768", 1);
     row("Script[3].StateChannelValue=x", 1);
     row("Script[32].StateChannelValue=1", 1);
     row("Script[x].StateChannelValue=1", 0);
@@ -636,6 +650,10 @@ void tst_ConfigurationFile::keys_data()
     row("Script[3].StateTerminal=129", 0);
     row("Script[3].StateTerminal=66|Script[3].StateTerminal=256", 1);
     row("Script[3].StateTerminal=66|Script[3].StateTerminal=x", 1);
+    row("Script[3].StateTerminal=-1", 1);
+    row("Script[3].StateTerminal=-2", 0, "Script[3].StateTerminal=126"); // the rows with a bit in common, as ever
+    row("Script[3].StateTerminal=-7", 0, "Script[3].StateTerminal=120");
+    row("Script[3].StateTerminal=-32768", 0);
     row("Script[32].StateTerminal=66", 1);
     row("Script[x].StateTerminal=x", 0);
 
@@ -647,6 +665,7 @@ void tst_ConfigurationFile::keys_data()
         rowOf(QByteArray::number(known), 0, prefix + QByteArray::number(known));
         rowOf(QByteArray::number(unknown), 0, {});
         rowOf("-3", 0, {});
+        rowOf("-32768", 0, {});
         rowOf("x", 1, {});
         QTest::addRow("Script[32].%s", key) << "Script[32]." + QByteArray(key) + "=1" << 1 << QByteArray();
         QTest::addRow("Script[x].%s", key) << "Script[x]." + QByteArray(key) + "=1" << 0 << QByteArray();
@@ -689,7 +708,11 @@ void tst_ConfigurationFile::keys_data()
         rowOf(limit, 0, limit == reset ? QByteArray() : prefix + QByteArray::number(limit));
         rowOf(limit + 1, 1, {});
         rowOf(-1, 1, {});
-        rowOf(-2, 1, {});
+        for (const int negative : {-2, -7, -32768}) {
+            // Times and dates have room for it; the numbers of a type are bytes.
+            const bool held = limit != 15 && limit != 255;
+            rowOf(negative, held ? 0 : 1, held ? prefix + QByteArray::number(negative) : QByteArray());
+        }
         QTest::addRow("%sx", prefix.constData()) << prefix + 'x' << 1 << QByteArray();
         QTest::addRow("%s, out of range", key) << QByteArray(prefix).replace("[3]", "[32]") + '1' << 1 << QByteArray();
         QTest::addRow("%s, no script", key) << QByteArray(prefix).replace("[3]", "[x]") + "999" << 0 << QByteArray();
