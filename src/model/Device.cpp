@@ -69,6 +69,10 @@ bool readLine(const QString& line, DeviceRecord& record)
 
 } // namespace
 
+Device::Device(QObject* parent) : Device(Reporter(), parent)
+{
+}
+
 Device::Device(Reporter errorReporter, QObject* parent) : QObject(parent), reportError(std::move(errorReporter))
 {
     readCatalogue();
@@ -119,8 +123,11 @@ void Device::readRecords()
     records.clear();
     QFile file(usedFile());
     if (!file.open(QIODevice::ReadOnly)) {
+        const QString title = texts::wordError() + QLatin1Char(' ') + usedFile();
         if (reportError) {
-            reportError(texts::wordError() + QLatin1Char(' ') + usedFile(), texts::fileOpenError());
+            reportError(title, texts::fileOpenError());
+        } else {
+            qDebug().noquote() << "RELAY : Device : (WARNING)" << title << texts::fileOpenError();
         }
         return;
     }

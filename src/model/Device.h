@@ -31,6 +31,8 @@ public:
     /// Shows an error to the user: title and text of a message box.
     using Reporter = std::function<void(const QString& title, const QString& text)>;
 
+    /// Without a reporter an error goes to the debug stream alone.
+    explicit Device(QObject* parent = nullptr);
     explicit Device(Reporter errorReporter, QObject* parent = nullptr);
 
     int deviceCount() const;

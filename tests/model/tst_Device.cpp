@@ -117,7 +117,8 @@ private slots:
     void textIsUtf8();
     void rowsWithEqualNumbersAreAllKept();
     void anUnreadableFileIsReportedAndLeavesTheTableEmpty();
-    void withoutAReporterAnUnreadableFileIsSilent();
+    void withAParentAloneAnUnreadableFileIsToldToTheDebugStream();
+    void aParentAloneIsEnoughForACatalogue();
     void aDirectoryThatCannotBeWrittenLeavesTheTableEmpty();
     void binaryFilesAreSurvived();
 
@@ -392,11 +393,22 @@ void tst_Device::anUnreadableFileIsReportedAndLeavesTheTableEmpty()
     QCOMPARE(reports, QStringList{QStringLiteral("Error Devices_EN.csv|Error opening file")});
 }
 
-void tst_Device::withoutAReporterAnUnreadableFileIsSilent()
+void tst_Device::withAParentAloneAnUnreadableFileIsToldToTheDebugStream()
 {
     QVERIFY(QDir().mkdir(QString::fromLatin1(englishName)));
-    const Device device({});
-    QCOMPARE(device.deviceCount(), 0);
+    const DebugLines debug;
+    QObject parent;
+    const auto* device = new Device(&parent);
+    QCOMPARE(device->deviceCount(), 0);
+    QCOMPARE(debug.linesWith(QStringLiteral("(WARNING) Error Devices_EN.csv Error opening file")).size(), 1);
+}
+
+void tst_Device::aParentAloneIsEnoughForACatalogue()
+{
+    QObject parent;
+    const auto* device = new Device(&parent);
+    QCOMPARE(device->parent(), &parent);
+    QCOMPARE(device->deviceCount(), 51);
 }
 
 void tst_Device::aDirectoryThatCannotBeWrittenLeavesTheTableEmpty()
