@@ -8,6 +8,7 @@
 #include "model/ScriptRules.h"
 #include "model/format.h"
 #include "model/tables.h"
+#include "support/ModelInvariants.h"
 #include "support/RandomModel.h"
 
 namespace
@@ -153,6 +154,8 @@ private slots:
     void dayOfTheWeekBits();
     void timesAreMaskedDecimals();
     void datesOfZeroAreSentAndTakenAsOne();
+    void numbersBelowZeroAreSentByTheirLowByte();
+    void everyNumberBelowZeroIsTakenBackAsOneOfTwoDigits();
     void lastDayOfTheYearComesBack();
     void typeFilterIsTheCatalogueRow();
     void typeFilterThatNoRowHasIsTheScriptsOwn();
@@ -703,6 +706,37 @@ void tst_records::datesOfZeroAreSentAndTakenAsOne()
     QCOMPARE(record.mid(9, 2), hex("00 00"));
     QCOMPARE(record.mid(13, 2), hex("00 00"));
     QCOMPARE(readScript(*model, record)->dateFilter, (QList<int>{1, 1, 1, 1}));
+}
+
+// A file may bring such numbers. What a unit gets of them is what its own bytes could be.
+void tst_records::numbersBelowZeroAreSentByTheirLowByte()
+{
+    const ScriptInfoPtr script = model->findScript(0);
+    script->timeFilter = {-2, -2, -7, -32768};
+    script->dateFilter = {-2, -2, -7, -32768};
+    const QByteArray record = model->makeScriptRecords().at(0);
+    QCOMPARE(record.mid(7, 8).toHex(' '), QByteArray("54 14 14 14 49 00 09 00"));
+
+    model->readScriptRecords({record});
+    QCOMPARE(script->timeFilter, (QList<int>{54, 14, 49, 0}));
+    QCOMPARE(script->dateFilter, (QList<int>{14, 14, 9, 1}));
+    QCOMPARE(brokenInvariant(*model), QString());
+}
+
+void tst_records::everyNumberBelowZeroIsTakenBackAsOneOfTwoDigits()
+{
+    for (int number = -2; number >= -300; --number) {
+        const ScriptInfoPtr script = model->findScript(0);
+        script->timeFilter = {number, number, number, number};
+        script->dateFilter = {number, number, number, number};
+        model->readScriptRecords(model->makeScriptRecords());
+        for (const int taken : script->timeFilter + script->dateFilter) {
+            QVERIFY2(taken >= 0 && taken <= 99, qPrintable(QString::number(number)));
+        }
+        const QByteArray settled = model->makeScriptRecords().at(0);
+        model->readScriptRecords({settled});
+        QCOMPARE(model->makeScriptRecords().at(0), settled);
+    }
 }
 
 void tst_records::lastDayOfTheYearComesBack()

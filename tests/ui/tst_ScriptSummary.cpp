@@ -66,6 +66,7 @@ private slots:
     void days_of_the_week();
     void time_has_hours_in_front();
     void date_is_day_and_month();
+    void numbers_below_zero_are_shown_as_they_are();
     void type_of_the_catalogue_is_named();
     void other_type_is_shown_by_its_numbers();
     void addresses_are_counted_data();
@@ -218,6 +219,15 @@ void tst_ScriptSummary::date_is_day_and_month()
     script->activateFilter[3] = true;
     script->dateFilter = {1, 9, 31, 12};
     QCOMPARE(filterPart(), QStringLiteral("<u>Filter by date:</u>") + centred(QStringLiteral("01.09 - 31.12")));
+}
+
+void tst_ScriptSummary::numbers_below_zero_are_shown_as_they_are()
+{
+    script->activateFilter = {false, false, true, true};
+    script->timeFilter = {-2, -7, -32768, -2};
+    script->dateFilter = {-2, -7, -32768, -2};
+    QCOMPARE(filterPart(), QStringLiteral("<u>Filter by time:</u>") + centred(QStringLiteral("-7:-2 - -2:-32768")) +
+                               QStringLiteral("<u>Filter by date:</u>") + centred(QStringLiteral("-2.-7 - -32768.-2")));
 }
 
 void tst_ScriptSummary::type_of_the_catalogue_is_named()

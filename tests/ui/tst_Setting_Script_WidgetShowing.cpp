@@ -1,4 +1,6 @@
 #include "ui/ShownEditor.h"
+#include "ui/SpecialDateFrame.h"
+#include "ui/SpecialTimeFrame.h"
 
 /// Looking never edits: scripts as a unit could send them, shown and left again, keep the bytes of their record, but
 /// for the exceptions that have a function here.
@@ -14,6 +16,7 @@ private slots:
     void classTenToFourteenOfAnOwnFilterBecomesFour_data();
     void classTenToFourteenOfAnOwnFilterBecomesFour();
     void classOfACatalogueRowStays();
+    void numbersBelowZeroAreShownAtTheirNearestAndStay();
 
 private:
     static void showAllScripts(ShownEditor& shown, RandomModel& random, int& exceptions);
@@ -154,6 +157,27 @@ void tst_Setting_Script_WidgetShowing::classOfACatalogueRowStays()
 {
     const QByteArray record = "00 01 2a 01 00 18 3e 30 08 01 01 45 17 01 01 71 02 03 11 00 00 00";
     QCOMPARE(afterShowing(record), record);
+}
+
+void tst_Setting_Script_WidgetShowing::numbersBelowZeroAreShownAtTheirNearestAndStay()
+{
+    ShownEditor shown;
+    for (const int number : {-2, -7, -32768}) {
+        const QList<int> numbers = {number, number, number, number};
+        shown.script()->timeFilter = numbers;
+        shown.script()->dateFilter = numbers;
+        shown.edit();
+        for (const auto* frame : shown.all<SpecialTimeFrame>()) {
+            QCOMPARE(frame->hour(), 0);
+            QCOMPARE(frame->minute(), 0);
+        }
+        for (const auto* frame : shown.all<SpecialDateFrame>()) {
+            QCOMPARE(frame->day(), 1);
+            QCOMPARE(frame->month(), 1);
+        }
+        QCOMPARE(shown.script()->timeFilter, numbers);
+        QCOMPARE(shown.script()->dateFilter, numbers);
+    }
 }
 
 QTEST_MAIN(tst_Setting_Script_WidgetShowing)

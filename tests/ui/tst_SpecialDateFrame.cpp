@@ -74,6 +74,8 @@ private slots:
     void monthThatLacksTheDayReportsTheDayFirst();
     void monthThatHasTheDayReportsOnlyTheMonth();
     void noMonthLeavesTheLastDayAlone();
+    void numbersFarBelowTheFirstAreSurvived_data();
+    void numbersFarBelowTheFirstAreSurvived();
     void typedZeroWrapsAtOnceToTheLastDay();
     void typedDayBeyondTheMonthWrapsToTheFirst();
     void arrowBoxLeftAtZeroReportsNothing();
@@ -242,6 +244,30 @@ void tst_SpecialDateFrame::noMonthLeavesTheLastDayAlone()
     QCOMPARE(picker.frame.lastDay(), 29);
     QCOMPARE(picker.frame.day(), 10);
     QCOMPARE(picker.heard, QStringList(QStringLiteral("month 0")));
+}
+
+void tst_SpecialDateFrame::numbersFarBelowTheFirstAreSurvived_data()
+{
+    QTest::addColumn<int>("number");
+    for (const int number : {-2, -7, -32768}) {
+        QTest::addRow("%d", number) << number;
+    }
+}
+
+void tst_SpecialDateFrame::numbersFarBelowTheFirstAreSurvived()
+{
+    QFETCH(const int, number);
+    Picker picker;
+    picker.set(10, 2);
+    picker.frame.setMonth(number);
+    QCOMPARE(picker.frame.month(), 0);
+    QCOMPARE(picker.frame.lastDay(), 29);
+    picker.frame.setDay(number);
+    QCOMPARE(picker.frame.day(), 29); // below the first day comes the last one
+    picker.frame.setMonth(4);
+    picker.frame.setDay(30);
+    QCOMPARE(picker.frame.month(), 4);
+    QCOMPARE(picker.frame.day(), 30);
 }
 
 void tst_SpecialDateFrame::typedZeroWrapsAtOnceToTheLastDay()

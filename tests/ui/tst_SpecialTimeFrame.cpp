@@ -78,6 +78,8 @@ private slots:
     void losingTheFocusMovesNoFocus();
     void arrowBoxLeftAtZeroReportsNothing();
     void sameTimeAgainReportsNothing();
+    void numbersFarBelowZeroAreSurvived_data();
+    void numbersFarBelowZeroAreSurvived();
     void keyRepeatWalksRoundTheClock();
     void arrowsAreNoTabStop();
     void clickedArrowsGiveTheFocusToTheirField();
@@ -236,6 +238,29 @@ void tst_SpecialTimeFrame::sameTimeAgainReportsNothing()
     picker.frame.setHour(8);
     picker.frame.setMinute(30);
     QVERIFY(picker.heard.isEmpty());
+}
+
+void tst_SpecialTimeFrame::numbersFarBelowZeroAreSurvived_data()
+{
+    QTest::addColumn<int>("number");
+    for (const int number : {-2, -7, -32768}) {
+        QTest::addRow("%d", number) << number;
+    }
+}
+
+void tst_SpecialTimeFrame::numbersFarBelowZeroAreSurvived()
+{
+    QFETCH(const int, number);
+    Picker picker;
+    picker.set(8, 30);
+    picker.frame.setHour(number);
+    picker.frame.setMinute(number);
+    QCOMPARE(picker.frame.hour(), 23); // below midnight comes the end of the day
+    QCOMPARE(picker.frame.minute(), 59);
+    QCOMPARE(picker.heard, (QStringList{QStringLiteral("hour 23"), QStringLiteral("minute 59")}));
+    picker.set(8, 30);
+    QCOMPARE(picker.frame.hour(), 8);
+    QCOMPARE(picker.frame.minute(), 30);
 }
 
 void tst_SpecialTimeFrame::keyRepeatWalksRoundTheClock()
