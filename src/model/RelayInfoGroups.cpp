@@ -10,7 +10,6 @@ namespace
 {
 
 constexpr quint8 outputsOfTerminal = 8;
-constexpr quint8 executiveClass = 2;
 
 bool isIdle(const GroupRelay& group)
 {
@@ -144,7 +143,7 @@ void RelayInfo::resetGroups(bool headUnitOnly)
         return;
     }
     for (const ConnectedTerminalPtr& terminal : std::as_const(connectedList)) {
-        if (terminal->terminalClass == executiveClass) {
+        if (terminal->terminalClass == ExecutiveClass) {
             groupList.append(makeTerminalGroup(*terminal));
         }
     }

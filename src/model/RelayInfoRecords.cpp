@@ -1,5 +1,6 @@
 // The model as records of the device and back.
 
+#include "domain/bcd.h"
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "model/format.h"
@@ -15,10 +16,6 @@ constexpr int scriptRecordSize = 22;
 constexpr int terminalRecordSize = 7;
 
 constexpr quint8 noScript = 255; ///< fills a place in the list of an output's scripts
-
-constexpr quint8 lastPlainClass = 2; ///< classes up to here report plain states only
-constexpr quint8 buttonClass = 3;
-constexpr quint8 analogClass = 4;
 
 QString unnamedOutput()
 {
@@ -303,11 +300,11 @@ void RelayInfo::readScriptRecord(ScriptInfo& script, const QByteArray& record) c
 /// its class tells the families apart; without one the first row from the top is as good as any.
 ParamItemPtr RelayInfo::stateOfRecord(quint8 code, bool filterByType, quint8 terminalClass) const
 {
-    const bool linkedOnly = filterByType && (terminalClass == buttonClass || terminalClass == analogClass);
-    const bool plainOnly = filterByType && terminalClass <= lastPlainClass;
+    const bool linkedOnly = filterByType && (terminalClass == InterfaceClass || terminalClass == AnalogClass);
+    const bool plainOnly = filterByType && terminalClass <= ExecutiveClass;
     QString foreign;
     if (linkedOnly) {
-        foreign = terminalClass == buttonClass ? texts::stateAnalog() : texts::statePanicButton();
+        foreign = terminalClass == InterfaceClass ? texts::stateAnalog() : texts::statePanicButton();
     }
     for (const ParamItemPtr& row : tables.stateChannels) {
         if (row->code == code) {

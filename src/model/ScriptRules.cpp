@@ -11,9 +11,6 @@ namespace scriptRules
 namespace
 {
 
-constexpr quint8 buttonClass = 3;
-constexpr quint8 analogClass = 4;
-constexpr quint8 anyClass = 15;
 constexpr int channelCount = 4;
 
 template <typename Fits>
@@ -33,10 +30,10 @@ ParamItemPtr findLinkedCode(const ParamItems& rows, const QString& name, quint8 
 /// The state of the given code that a class reports; null if it has none.
 ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code)
 {
-    if (terminalClass == buttonClass) {
+    if (terminalClass == InterfaceClass) {
         return findLinkedCode(rows, texts::statePanicButton(), code);
     }
-    if (terminalClass == analogClass) {
+    if (terminalClass == AnalogClass) {
         return findLinkedCode(rows, texts::stateAnalog(), code);
     }
     return findByCode(rows, code);
@@ -142,16 +139,16 @@ void setStateChannel(ScriptInfo& script, const ParamItemPtr& state, TypeFilter t
 
 bool classFitsState(quint8 terminalClass, const ParamItemPtr& state)
 {
-    if (terminalClass == anyClass) {
+    if (terminalClass == AnyClass) {
         return true;
     }
     switch (kindOf(state)) {
     case StateKind::Button:
-        return terminalClass == buttonClass;
+        return terminalClass == InterfaceClass;
     case StateKind::Analog:
-        return terminalClass == analogClass;
+        return terminalClass == AnalogClass;
     default:
-        return terminalClass != buttonClass && terminalClass != analogClass;
+        return terminalClass != InterfaceClass && terminalClass != AnalogClass;
     }
 }
 
@@ -163,7 +160,7 @@ bool adaptStateToFilter(ScriptInfo& script, const ParamItems& rows)
     }
     const quint8 terminalClass = script.terminalFilter->terminalClass;
     // "<Other>" is looked up again for every class: the new class may have a row for its code.
-    if (terminalClass == anyClass || (kind != StateKind::Other && classFitsState(terminalClass, script.stateChannel))) {
+    if (terminalClass == AnyClass || (kind != StateKind::Other && classFitsState(terminalClass, script.stateChannel))) {
         return false;
     }
     const quint8 code = stateCode(script.stateChannel);
@@ -207,7 +204,7 @@ bool passesTypeFilter(const ScriptInfo& script, const ConnectedTerminal& termina
     }
     const TerminalType& filter = *script.terminalFilter;
     const auto differ = [](quint8 a, quint8 b, int mask) { return (a & mask) != (b & mask); };
-    const bool rejected = (terminal.terminalClass != filter.terminalClass && filter.terminalClass != anyClass) ||
+    const bool rejected = (terminal.terminalClass != filter.terminalClass && filter.terminalClass != AnyClass) ||
                           (terminal.version != filter.version && filter.version != 0) ||
                           (differ(terminal.type, filter.type, 0xF0) && filter.type > 15) ||
                           (differ(terminal.type, filter.type, 0x0F) && (filter.type & 0x0F) != 0) ||
@@ -230,10 +227,10 @@ void makeTypeFilterPrivate(ScriptInfo& script)
 quint8 allowedClass(int value)
 {
     if (value >= 5 && value <= 9) {
-        return anyClass;
+        return AnyClass;
     }
     if (value >= 10 && value <= 14) {
-        return analogClass;
+        return AnalogClass;
     }
     return static_cast<quint8>(qBound(0, value, 15));
 }

@@ -6,19 +6,19 @@
 #include <QString>
 #include <QStringList>
 
+#include "domain/terminals.h"
 #include "texts/texts.h"
 
 /// One known kind of terminal, and also what the type filter of a script asks for.
 ///
-/// The four numbers are the terminal's identity and are compared together. Classes: 0 system (the head unit), 1 sensor,
-/// 2 executive, 3 interface, 4 analog, 15 any. In a filter a version, a characteristic, or a half of the type of 0
-/// means any.
+/// The four numbers are the terminal's identity and are compared together. In a filter a version, a characteristic, or
+/// a half of the type of 0 means any.
 struct TerminalType
 {
     QString label = texts::placeholderOtherType(); ///< text in the list of types
-    quint8 terminalClass = 15;                     ///< 0 to 15
-    quint8 version = 0;                            ///< 0 to 15
-    quint8 type = 0;                               ///< low half: four feature flags
+    quint8 terminalClass = AnyClass;
+    quint8 version = 0; ///< 0 to 15
+    quint8 type = 0;    ///< low half: four feature flags
     quint8 characteristic = 0;
     QString name = QStringLiteral("F0 00 00"); ///< model name
     QStringList outputs;                       ///< default names of the outputs
@@ -30,7 +30,7 @@ struct TerminalType
 struct ConnectedTerminal
 {
     QString label = QStringLiteral("F0 00 00");
-    quint8 terminalClass = 15;
+    quint8 terminalClass = AnyClass;
     quint8 version = 0;
     quint8 type = 0;
     quint8 characteristic = 0;

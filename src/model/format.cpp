@@ -31,13 +31,3 @@ QString modelCode(quint8 terminalClass, quint8 version, quint8 type, quint8 char
         .arg(type, 2, 16, QLatin1Char('0'))
         .arg(characteristic, 2, 16, QLatin1Char('0'));
 }
-
-quint8 toBcd(quint8 value)
-{
-    return static_cast<quint8>((value / 10 % 10) << 4 | value % 10);
-}
-
-quint8 fromBcd(quint8 byte)
-{
-    return static_cast<quint8>((byte >> 4) * 10 + (byte & 15));
-}

@@ -4,7 +4,7 @@
 
 class QColor;
 
-/// Display texts and number forms that model and views share.
+/// Display texts that model and views share.
 
 /// "3. Name" for index 2.
 QString numberedName(const QString& name, int index);
@@ -20,9 +20,3 @@ QString colorName(const QColor& color);
 
 /// The model numbers as the device sends them: "21 41 20" for class 2, version 1, type 0x41, characteristic 0x20.
 QString modelCode(quint8 terminalClass, quint8 version, quint8 type, quint8 characteristic);
-
-/// The last two decimal digits of a value, packed: 0x45 for 45 and for 145.
-quint8 toBcd(quint8 value);
-
-/// Low half plus ten times high half, whatever the halves hold.
-quint8 fromBcd(quint8 byte);

@@ -3,7 +3,7 @@
 
 #include "model/format.h"
 
-/// Display texts and packed decimal numbers.
+/// Display texts.
 class tst_format : public QObject
 {
     Q_OBJECT
@@ -16,10 +16,6 @@ private slots:
     void colorNamesAreLowerCaseWithoutAlpha();
     void modelCodesAreHexadecimal_data();
     void modelCodesAreHexadecimal();
-    void bcdKeepsTheLastTwoDigits_data();
-    void bcdKeepsTheLastTwoDigits();
-    void bcdIsReadWhateverItsHalvesHold();
-    void everyNumberBelowHundredComesBack();
 };
 
 void tst_format::numberedNamesCountFromOne()
@@ -76,39 +72,6 @@ void tst_format::modelCodesAreHexadecimal()
     QFETCH(int, type);
     QFETCH(int, characteristic);
     QTEST(modelCode(quint8(terminalClass), quint8(version), quint8(type), quint8(characteristic)), "code");
-}
-
-void tst_format::bcdKeepsTheLastTwoDigits_data()
-{
-    QTest::addColumn<int>("value");
-    QTest::addColumn<int>("packed");
-
-    QTest::newRow("zero") << 0 << 0x00;
-    QTest::newRow("one digit") << 9 << 0x09;
-    QTest::newRow("two digits") << 45 << 0x45;
-    QTest::newRow("the greatest") << 99 << 0x99;
-    QTest::newRow("three digits") << 145 << 0x45;
-    QTest::newRow("255") << 255 << 0x55;
-}
-
-void tst_format::bcdKeepsTheLastTwoDigits()
-{
-    QFETCH(int, value);
-    QTEST(int(toBcd(quint8(value))), "packed");
-}
-
-void tst_format::bcdIsReadWhateverItsHalvesHold()
-{
-    QCOMPARE(int(fromBcd(0x45)), 45);
-    QCOMPARE(int(fromBcd(0x7F)), 85);
-    QCOMPARE(int(fromBcd(0xFF)), 165);
-}
-
-void tst_format::everyNumberBelowHundredComesBack()
-{
-    for (int value = 0; value < 100; ++value) {
-        QCOMPARE(int(fromBcd(toBcd(quint8(value)))), value);
-    }
 }
 
 QTEST_GUILESS_MAIN(tst_format)

@@ -4,9 +4,9 @@
 
 #include <QTest>
 
+#include "domain/bcd.h"
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
-#include "model/format.h"
 #include "model/tables.h"
 #include "support/ModelInvariants.h"
 #include "support/RandomModel.h"

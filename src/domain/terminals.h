@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// The class of a terminal, the first of the four numbers that name its model. No terminal has one from 5 to 14.
+enum TerminalClass : quint8
+{
+    SystemClass = 0, ///< the head unit
+    SensorClass = 1,
+    ExecutiveClass = 2, ///< the terminals with outputs
+    InterfaceClass = 3, ///< panic buttons
+    AnalogClass = 4,
+    AnyClass = 15 ///< in a filter
+};
+
+/// Stands where a coordinator's address is wanted and there is none.
+constexpr quint8 noAddress = 255;
