@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "model/ScriptRules.h"
+#include "model/firstOf.h"
 
 namespace
 {
@@ -134,14 +135,12 @@ int setActivatedScripts(Model& model, RelayInformation& output, const Entry& ent
 {
     output.activatedScripts.clear();
     return readList(entry.value, [&](int number) {
-        const auto found =
-            std::find_if(model.scripts.cbegin(), model.scripts.cend(), [number](const ScriptInfoPtr& script) {
-                return script->number == static_cast<quint8>(number);
-            });
-        if (found == model.scripts.cend() || output.activatedScripts.size() == mostScripts) {
+        const ScriptInfoPtr script = firstOf(
+            model.scripts, [number](const ScriptInfoPtr& each) { return each->number == static_cast<quint8>(number); });
+        if (!script || output.activatedScripts.size() == mostScripts) {
             return false;
         }
-        output.activatedScripts.append(*found);
+        output.activatedScripts.append(script);
         return true;
     });
 }

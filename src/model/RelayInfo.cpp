@@ -1,19 +1,11 @@
 #include "model/RelayInfo.h"
 
-#include <algorithm>
+#include "model/firstOf.h"
 
 namespace
 {
 
 constexpr int scriptCount = 32;
-
-/// The first record that a test accepts, else null.
-template <typename Pointer, typename Fits>
-Pointer firstOf(const QList<Pointer>& list, Fits fits)
-{
-    const auto found = std::find_if(list.begin(), list.end(), fits);
-    return found == list.end() ? Pointer() : *found;
-}
 
 } // namespace
 

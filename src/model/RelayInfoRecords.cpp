@@ -3,6 +3,7 @@
 #include "domain/bcd.h"
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
+#include "model/firstOf.h"
 #include "model/format.h"
 #include "texts/texts.h"
 
@@ -167,13 +168,10 @@ ConnectedTerminalPtr readTerminalRecord(const QByteArray& record, const Terminal
     for (int i = 0; i < outputCount(record.size()); ++i) {
         terminal->outputs.append(texts::defaultOutputName());
     }
-    for (const TerminalTypePtr& type : types) {
-        if (sameModel(*type, *terminal)) {
-            terminal->label = type->name;
-            for (int i = 0; i < qMin(terminal->outputs.size(), type->outputs.size()); ++i) {
-                terminal->outputs[i] = type->outputs.at(i);
-            }
-            break;
+    if (const auto type = firstOf(types, [&](const TerminalTypePtr& each) { return sameModel(*each, *terminal); })) {
+        terminal->label = type->name;
+        for (int i = 0; i < qMin(terminal->outputs.size(), type->outputs.size()); ++i) {
+            terminal->outputs[i] = type->outputs.at(i);
         }
     }
     return terminal;
@@ -296,36 +294,19 @@ void RelayInfo::readScriptRecord(ScriptInfo& script, const QByteArray& record) c
     scriptRules::setTerminalStates(script, rowsOfMask(tables.terminalStates, byteAt(record, 4)));
 }
 
-/// The channel state that a code stands for. Buttons and analog states share the plain codes, so with a filter by type
-/// its class tells the families apart; without one the first row from the top is as good as any.
+/// The channel state that a code stands for. The families share their codes, so with a filter by type its class tells
+/// them apart; without one, or with a class that no terminal has, the first row from the top is as good as any.
 ParamItemPtr RelayInfo::stateOfRecord(quint8 code, bool filterByType, quint8 terminalClass) const
 {
-    const bool linkedOnly = filterByType && (terminalClass == InterfaceClass || terminalClass == AnalogClass);
-    const bool plainOnly = filterByType && terminalClass <= ExecutiveClass;
-    QString foreign;
-    if (linkedOnly) {
-        foreign = terminalClass == InterfaceClass ? texts::stateAnalog() : texts::statePanicButton();
-    }
-    for (const ParamItemPtr& row : tables.stateChannels) {
-        if (row->code == code) {
-            if (!linkedOnly) {
-                return row;
-            }
-        } else if (row->linked && row->linked->code == code && !plainOnly && row->name != foreign) {
-            return row;
-        }
-    }
-    return scriptRules::makeOtherState(code);
+    const ParamItemPtr row = filterByType && terminalClass <= AnalogClass
+                                 ? scriptRules::findStateOfClass(tables.stateChannels, terminalClass, code)
+                                 : scriptRules::findStateOfCode(tables.stateChannels, code);
+    return row ? row : scriptRules::makeOtherState(code);
 }
 
 /// Points the script at the row of the catalogue with these numbers; only if there is none, at a record of its own.
 void RelayInfo::setTypeFilter(ScriptInfo& script, const TerminalType& wanted) const
 {
-    for (const TerminalTypePtr& type : types) {
-        if (sameModel(*type, wanted)) {
-            script.terminalFilter = type;
-            return;
-        }
-    }
-    script.terminalFilter = TerminalTypePtr::create(wanted);
+    const TerminalTypePtr row = firstOf(types, [&](const TerminalTypePtr& type) { return sameModel(*type, wanted); });
+    script.terminalFilter = row ? row : TerminalTypePtr::create(wanted);
 }

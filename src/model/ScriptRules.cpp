@@ -1,8 +1,6 @@
 #include "model/ScriptRules.h"
 
-#include <algorithm>
-
-#include "model/tables.h"
+#include "model/firstOf.h"
 #include "texts/texts.h"
 
 namespace scriptRules
@@ -13,52 +11,21 @@ namespace
 
 constexpr int channelCount = 4;
 
-template <typename Fits>
-ParamItemPtr firstRow(const ParamItems& rows, Fits fits)
-{
-    const auto found = std::find_if(rows.begin(), rows.end(), fits);
-    return found == rows.end() ? ParamItemPtr() : *found;
-}
-
-/// First row of a name whose linked row has the code.
-ParamItemPtr findLinkedCode(const ParamItems& rows, const QString& name, quint8 code)
-{
-    return firstRow(
-        rows, [&](const ParamItemPtr& row) { return row->name == name && row->linked && row->linked->code == code; });
-}
-
-/// The state of the given code that a class reports; null if it has none.
-ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code)
-{
-    if (terminalClass == InterfaceClass) {
-        return findLinkedCode(rows, texts::statePanicButton(), code);
-    }
-    if (terminalClass == AnalogClass) {
-        return findLinkedCode(rows, texts::stateAnalog(), code);
-    }
-    return findByCode(rows, code);
-}
-
 bool isLongPressCode(quint8 code)
 {
     return code > 15;
 }
 
-} // namespace
-
-StateKind kindOf(const ParamItemPtr& state)
+/// The row of a family whose linked row has the name and the press; families without keys know the short press only.
+ParamItemPtr findLinkedState(const ParamItems& rows, StateKind kind, const QString& linkedName, bool longPress)
 {
-    if (!state || state->name == texts::placeholderNotActive()) {
-        return StateKind::NotActive;
-    }
-    if (state->name == texts::stateAnalog()) {
-        return StateKind::Analog;
-    }
-    if (state->name == texts::statePanicButton()) {
-        return StateKind::Button;
-    }
-    return state->name == texts::otherState() ? StateKind::Other : StateKind::Plain;
+    return firstOf(rows, [&](const ParamItemPtr& row) {
+        return kindOf(row) == kind && row->linked && row->linked->name == linkedName &&
+               isLongPressCode(row->linked->code) == longPress;
+    });
 }
+
+} // namespace
 
 quint8 stateCode(const ParamItemPtr& state)
 {
@@ -72,22 +39,29 @@ bool isLongPress(const ParamItemPtr& state)
 
 ParamItemPtr findState(const ParamItems& rows, const QString& name)
 {
-    return firstRow(rows, [&](const ParamItemPtr& row) { return row->name == name; });
+    return firstOf(rows, [&](const ParamItemPtr& row) { return row->name == name; });
 }
 
 ParamItemPtr findAnalogState(const ParamItems& rows, const QString& analogName)
 {
-    return firstRow(rows, [&](const ParamItemPtr& row) {
-        return row->name == texts::stateAnalog() && row->linked && row->linked->name == analogName;
-    });
+    return findLinkedState(rows, StateKind::Analog, analogName, false);
 }
 
 ParamItemPtr findButtonState(const ParamItems& rows, const QString& buttonName, bool longPress)
 {
-    return firstRow(rows, [&](const ParamItemPtr& row) {
-        return row->name == texts::statePanicButton() && row->linked && row->linked->name == buttonName &&
-               isLongPressCode(row->linked->code) == longPress;
-    });
+    return findLinkedState(rows, StateKind::Button, buttonName, longPress);
+}
+
+ParamItemPtr findStateOfCode(const ParamItems& rows, quint8 code)
+{
+    return firstOf(rows, [&](const ParamItemPtr& row) { return row->effectiveCode() == code; });
+}
+
+ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code)
+{
+    const StateFamily* const family = familyOfClass(terminalClass);
+    return firstOf(rows,
+                   [&](const ParamItemPtr& row) { return familyOf(row) == family && row->effectiveCode() == code; });
 }
 
 ParamItemPtr makeOtherState(quint8 code)
@@ -104,10 +78,7 @@ ParamItemPtr withPress(const ParamItems& rows, const ParamItemPtr& state, bool l
     if (!state || !state->linked) {
         return state;
     }
-    const ParamItemPtr found = firstRow(rows, [&](const ParamItemPtr& row) {
-        return row->name == state->name && row->linked && row->linked->name == state->linked->name &&
-               isLongPressCode(row->linked->code) == longPress;
-    });
+    const ParamItemPtr found = findLinkedState(rows, kindOf(state), state->linked->name, longPress);
     return found ? found : state;
 }
 
@@ -139,17 +110,7 @@ void setStateChannel(ScriptInfo& script, const ParamItemPtr& state, TypeFilter t
 
 bool classFitsState(quint8 terminalClass, const ParamItemPtr& state)
 {
-    if (terminalClass == AnyClass) {
-        return true;
-    }
-    switch (kindOf(state)) {
-    case StateKind::Button:
-        return terminalClass == InterfaceClass;
-    case StateKind::Analog:
-        return terminalClass == AnalogClass;
-    default:
-        return terminalClass != InterfaceClass && terminalClass != AnalogClass;
-    }
+    return terminalClass == AnyClass || familyOf(state) == familyOfClass(terminalClass);
 }
 
 bool adaptStateToFilter(ScriptInfo& script, const ParamItems& rows)

@@ -5,6 +5,7 @@
 
 #include "model/ParamItem.h"
 #include "model/ScriptInfo.h"
+#include "model/StateFamily.h"
 #include "model/TerminalType.h"
 
 /// What ties the fields of a script together: its trigger, the channels and the flag "not active" that follow from it,
@@ -15,17 +16,6 @@
 /// of that table; only a state that no row has gets a private row, named texts::otherState().
 namespace scriptRules
 {
-
-/// What kind of channel state a script waits for. It goes by the name of the row.
-enum class StateKind
-{
-    NotActive, ///< "Not active", or no row at all
-    Plain,     ///< Norm, alarm, short, tamper of a loop
-    Analog,    ///< "State of analog terminal"; the state itself is the linked row
-    Button,    ///< "State of PNB-NX"; the key and its press are the linked row
-    Other      ///< "<Other>": a code that the user typed or that no row fits
-};
-StateKind kindOf(const ParamItemPtr& state);
 
 /// The code that goes to the device for a channel state; 255 without a row.
 quint8 stateCode(const ParamItemPtr& state);
@@ -38,6 +28,8 @@ bool isLongPress(const ParamItemPtr& state);
 ParamItemPtr findState(const ParamItems& rows, const QString& name); ///< first row with the name
 ParamItemPtr findAnalogState(const ParamItems& rows, const QString& analogName);
 ParamItemPtr findButtonState(const ParamItems& rows, const QString& buttonName, bool longPress);
+ParamItemPtr findStateOfCode(const ParamItems& rows, quint8 code); ///< first row of an effective code, of any family
+ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code); ///< that the class reports
 ParamItemPtr makeOtherState(quint8 code); ///< a new private row "<Other>"
 /// @}
 
@@ -62,8 +54,8 @@ enum class TypeFilter
 /// that a channel is set; the filter by type is switched off as asked for; notActive follows.
 void setStateChannel(ScriptInfo& script, const ParamItemPtr& state, TypeFilter typeFilter);
 
-/// True if terminals of the class can report a state: buttons class 3, analog states class 4, all other states any
-/// class but these two. Class 15 reports all.
+/// True if terminals of the class can report a state: a class with a family reports that family, and no other class
+/// does. Class 15 reports all.
 bool classFitsState(quint8 terminalClass, const ParamItemPtr& state);
 
 /// Gives a script the state of the same code that the class of its type filter can report; "<Other>" if that class has

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <numeric>
 
+#include "model/StateFamily.h"
+#include "model/firstOf.h"
 #include "texts/texts.h"
 
 namespace
@@ -167,8 +169,10 @@ ParamTables makeParamTables()
     ParamTables tables;
     tables.buttonStates = makeItems(buttonRows);
     tables.analogStates = makeItems(analogRows);
-    tables.stateChannels = makeItems(channelRows) + makeLinkedItems(texts::stateAnalog(), tables.analogStates) +
-                           makeLinkedItems(texts::statePanicButton(), tables.buttonStates);
+    tables.stateChannels = makeItems(channelRows);
+    for (const scriptRules::StateFamily& family : scriptRules::stateFamilies) {
+        tables.stateChannels += makeLinkedItems(family.name(), tables.*family.states);
+    }
     tables.terminalStates = makeItems(terminalRows);
     tables.outputStates = makeItems(outputRows);
     tables.modes = makeItems(modeRows);
@@ -189,9 +193,7 @@ QString emptyIcon()
 
 ParamItemPtr findByCode(const ParamItems& rows, int code)
 {
-    const auto found =
-        std::find_if(rows.begin(), rows.end(), [code](const ParamItemPtr& row) { return row->code == code; });
-    return found == rows.end() ? ParamItemPtr() : *found;
+    return firstOf(rows, [code](const ParamItemPtr& row) { return row->code == code; });
 }
 
 ParamItems rowsOfMask(const ParamItems& rows, int mask)

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <algorithm>
+
+#include <QList>
+
+/// The first record of a list that a test accepts, else null.
+template <typename Pointer, typename Fits>
+Pointer firstOf(const QList<Pointer>& list, Fits fits)
+{
+    const auto found = std::find_if(list.begin(), list.end(), fits);
+    return found == list.end() ? Pointer() : *found;
+}
