@@ -165,7 +165,7 @@ int setChannels(Model&, ScriptInfo& script, const Entry& entry)
 int setStatePosition(Model& model, ScriptInfo& script, const Entry& entry)
 {
     const ParamItemPtr row = model.tables.stateChannels.value(entry.number);
-    script.stateChannel = row ? row : scriptRules::makeOtherState(255);
+    script.stateChannel = row ? row : scriptRules::makeOtherState(ParamItem::NotActive);
     return 0;
 }
 
@@ -201,10 +201,10 @@ int setRow(Model& model, ScriptInfo& script, const Entry& entry)
     return 0;
 }
 
-template <int item>
+template <ScriptInfo::Filter filter>
 int setFilterFlag(Model&, ScriptInfo& script, const Entry& entry)
 {
-    script.activateFilter[item] = entry.number == 1;
+    script.activateFilter[filter] = entry.number == 1;
     return 0;
 }
 
@@ -289,10 +289,10 @@ constexpr Rule rules[] = {
     scriptRule(".Mode", Number::Demanded, noLimit, setRow<&ScriptInfo::mode, &ParamTables::modes>),
     scriptRule(".Delay", Number::Demanded, noLimit, setRow<&ScriptInfo::delay, &ParamTables::delays>),
     scriptRule(".Duration", Number::Demanded, noLimit, setRow<&ScriptInfo::duration, &ParamTables::durations>),
-    scriptRule(".ActivateFilterType", Number::Free, noLimit, setFilterFlag<0>),
-    scriptRule(".ActivateFilterAddress", Number::Free, noLimit, setFilterFlag<1>),
-    scriptRule(".ActivateFilterDate", Number::Free, noLimit, setFilterFlag<3>),
-    scriptRule(".ActivateFilterTime", Number::Free, noLimit, setFilterFlag<2>),
+    scriptRule(".ActivateFilterType", Number::Free, noLimit, setFilterFlag<ScriptInfo::ByType>),
+    scriptRule(".ActivateFilterAddress", Number::Free, noLimit, setFilterFlag<ScriptInfo::ByAddress>),
+    scriptRule(".ActivateFilterDate", Number::Free, noLimit, setFilterFlag<ScriptInfo::ByDate>),
+    scriptRule(".ActivateFilterTime", Number::Free, noLimit, setFilterFlag<ScriptInfo::ByTime>),
     scriptRule(".DaysOfWeek", Number::Free, noLimit, setDays),
     scriptRule(".MinuteOfBegin", Number::Demanded, 60, setItem<&ScriptInfo::timeFilter, 0>),
     scriptRule(".HourOfBegin", Number::Demanded, 24, setItem<&ScriptInfo::timeFilter, 1>),

@@ -109,10 +109,10 @@ QString rowCode(const ParamTables&, const ScriptInfo& script)
     return codeText(script.*field);
 }
 
-template <int item>
+template <ScriptInfo::Filter filter>
 QString filterFlag(const ParamTables&, const ScriptInfo& script)
 {
-    return flagText(script.activateFilter.value(item));
+    return flagText(script.activateFilter.value(filter));
 }
 
 template <QList<bool> ScriptInfo::*list>
@@ -144,10 +144,10 @@ constexpr Key<ScriptValue> scriptKeys[] = {
     {"Mode", rowCode<&ScriptInfo::mode>},
     {"Delay", rowCode<&ScriptInfo::delay>},
     {"Duration", rowCode<&ScriptInfo::duration>},
-    {"ActivateFilterType", filterFlag<0>},
-    {"ActivateFilterAddress", filterFlag<1>},
-    {"ActivateFilterDate", filterFlag<3>},
-    {"ActivateFilterTime", filterFlag<2>},
+    {"ActivateFilterType", filterFlag<ScriptInfo::ByType>},
+    {"ActivateFilterAddress", filterFlag<ScriptInfo::ByAddress>},
+    {"ActivateFilterDate", filterFlag<ScriptInfo::ByDate>},
+    {"ActivateFilterTime", filterFlag<ScriptInfo::ByTime>},
     {"Filter.DaysOfWeek", positions<&ScriptInfo::daysOfWeek>},
     {"Filter.MinuteOfBegin", number<&ScriptInfo::timeFilter, 0>},
     {"Filter.HourOfBegin", number<&ScriptInfo::timeFilter, 1>},

@@ -11,9 +11,12 @@
 /// that stands in a table is never changed. A script with a value that no table has owns a private row.
 struct ParamItem
 {
-    quint8 code = 255; ///< the value that goes to the device
-    QString name;      ///< text in lists
-    QString icon;      ///< resource path of the icon; empty for none
+    /// The code of a channel state that triggers nothing.
+    static constexpr quint8 NotActive = 255;
+
+    quint8 code = NotActive; ///< the value that goes to the device
+    QString name;            ///< text in lists
+    QString icon;            ///< resource path of the icon; empty for none
     QColor background = QColor(240, 240, 240);
     QColor foreground = QColor(Qt::black);
     QSharedPointer<ParamItem> linked; ///< the analog or button state that a channel state stands for

@@ -36,7 +36,8 @@ struct Flag
 };
 
 constexpr Flag channelFlags[] = {{0, 4}, {1, 5}, {2, 6}, {3, 7}};
-constexpr Flag filterFlags[] = {{0, 3}, {1, 2}, {2, 0}, {3, 1}};
+constexpr Flag filterFlags[] = {
+    {ScriptInfo::ByType, 3}, {ScriptInfo::ByAddress, 2}, {ScriptInfo::ByTime, 0}, {ScriptInfo::ByDate, 1}};
 constexpr Flag dayFlags[] = {{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 5}, {5, 6}, {6, 0}};
 
 template <std::size_t N>
@@ -290,7 +291,8 @@ void RelayInfo::readScriptRecord(ScriptInfo& script, const QByteArray& record) c
     filter.characteristic = byteAt(record, 17);
     setTypeFilter(script, filter);
 
-    script.stateChannel = stateOfRecord(byteAt(record, 3), script.activateFilter.first(), filter.terminalClass);
+    script.stateChannel =
+        stateOfRecord(byteAt(record, 3), script.activateFilter.at(ScriptInfo::ByType), filter.terminalClass);
     scriptRules::setTerminalStates(script, rowsOfMask(tables.terminalStates, byteAt(record, 4)));
 }
 

@@ -13,6 +13,15 @@
 /// model. The editors write straight into the fields.
 struct ScriptInfo
 {
+    /// The items of activateFilter.
+    enum Filter
+    {
+        ByType,
+        ByAddress,
+        ByTime,
+        ByDate
+    };
+
     quint8 number = 255; ///< 0 to 31; shown to the user plus one
     QString name;
     ParamItemPtr mode;              ///< row of the modes
@@ -20,7 +29,7 @@ struct ScriptInfo
     ParamItemPtr duration;          ///< row of the durations
     ParamItemPtr stateChannel;      ///< row of the channel states, or a private row named "<Other>"
     ParamItems stateTerminal;       ///< rows of the terminal states, in table order
-    QList<bool> activateFilter;     ///< 4 items: by type, by address, by time, by date
+    QList<bool> activateFilter;     ///< 4 items, which filters are switched on
     QList<bool> daysOfWeek;         ///< 7 items: Monday to Sunday
     QList<int> timeFilter;          ///< 4 items: minute and hour of begin, minute and hour of end
     QList<int> dateFilter;          ///< 4 items: day and month of begin, day and month of end

@@ -29,7 +29,7 @@ ParamItemPtr findLinkedState(const ParamItems& rows, StateKind kind, const QStri
 
 quint8 stateCode(const ParamItemPtr& state)
 {
-    return state ? state->effectiveCode() : 255;
+    return state ? state->effectiveCode() : ParamItem::NotActive;
 }
 
 bool isLongPress(const ParamItemPtr& state)
@@ -84,7 +84,7 @@ ParamItemPtr withPress(const ParamItems& rows, const ParamItemPtr& state, bool l
 
 bool hasTrigger(const ScriptInfo& script)
 {
-    return stateCode(script.stateChannel) != 255 || !script.stateTerminal.isEmpty();
+    return stateCode(script.stateChannel) != ParamItem::NotActive || !script.stateTerminal.isEmpty();
 }
 
 void updateTrigger(ScriptInfo& script)
@@ -98,10 +98,10 @@ void setStateChannel(ScriptInfo& script, const ParamItemPtr& state, TypeFilter t
     if (kindOf(state) == StateKind::NotActive) {
         script.numberChannels.clear();
     } else {
-        const bool unfit = script.activateFilter.value(0) && script.terminalFilter &&
+        const bool unfit = script.activateFilter.value(ScriptInfo::ByType) && script.terminalFilter &&
                            !classFitsState(script.terminalFilter->terminalClass, state);
         if (unfit && typeFilter == TypeFilter::SwitchOffIfUnfit) {
-            script.activateFilter[0] = false;
+            script.activateFilter[ScriptInfo::ByType] = false;
         }
         ensureChannel(script.numberChannels);
     }
@@ -116,7 +116,7 @@ bool classFitsState(quint8 terminalClass, const ParamItemPtr& state)
 bool adaptStateToFilter(ScriptInfo& script, const ParamItems& rows)
 {
     const StateKind kind = kindOf(script.stateChannel);
-    if (!script.activateFilter.value(0) || !script.terminalFilter || kind == StateKind::NotActive) {
+    if (!script.activateFilter.value(ScriptInfo::ByType) || !script.terminalFilter || kind == StateKind::NotActive) {
         return false;
     }
     const quint8 terminalClass = script.terminalFilter->terminalClass;
@@ -160,7 +160,7 @@ bool toggleChannel(QList<bool>& numberChannels, int channel)
 
 bool passesTypeFilter(const ScriptInfo& script, const ConnectedTerminal& terminal)
 {
-    if (!script.activateFilter.value(0) || !script.terminalFilter) {
+    if (!script.activateFilter.value(ScriptInfo::ByType) || !script.terminalFilter) {
         return true;
     }
     const TerminalType& filter = *script.terminalFilter;

@@ -60,7 +60,7 @@ constexpr Row analogRows[] = {
 };
 
 constexpr Row channelRows[] = {
-    {255, texts::placeholderNotActive, empty, grey},
+    {ParamItem::NotActive, texts::placeholderNotActive, empty, grey},
     {0, texts::channelNorm, empty, green},
     {1, texts::channelAlarm, "Пожар.png", red},
     {2, texts::channelShort, empty, yellow},
@@ -130,7 +130,7 @@ ParamItems makeLinkedItems(const QString& name, const ParamItems& targets)
     ParamItems items;
     items.reserve(targets.size());
     for (const ParamItemPtr& target : targets) {
-        items.append(makeItem(255, name, emptyIcon(), QColor::fromRgba(plain)));
+        items.append(makeItem(ParamItem::NotActive, name, emptyIcon(), QColor::fromRgba(plain)));
         items.last()->linked = target;
     }
     return items;
