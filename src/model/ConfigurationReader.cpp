@@ -135,8 +135,7 @@ int setActivatedScripts(Model& model, RelayInformation& output, const Entry& ent
 {
     output.activatedScripts.clear();
     return readList(entry.value, [&](int number) {
-        const ScriptInfoPtr script = firstOf(
-            model.scripts, [number](const ScriptInfoPtr& each) { return each->number == static_cast<quint8>(number); });
+        const ScriptInfoPtr script = firstOfNumber(model.scripts, static_cast<quint8>(number));
         if (!script || output.activatedScripts.size() == mostScripts) {
             return false;
         }
@@ -215,7 +214,7 @@ int setItem(Model&, ScriptInfo& script, const Entry& entry)
     return 0;
 }
 
-template <quint8 TerminalType::*field>
+template <quint8 TerminalIdentity::*field>
 int setTypeField(Model&, ScriptInfo& script, const Entry& entry)
 {
     if (entry.number < 0) {
@@ -302,10 +301,10 @@ constexpr Rule rules[] = {
     scriptRule(".MonthOfBegin", Number::Demanded, 11, setItem<&ScriptInfo::dateFilter, 1>),
     scriptRule(".DayOfEnd", Number::Demanded, 30, setItem<&ScriptInfo::dateFilter, 2>),
     scriptRule(".MonthOfEnd", Number::Demanded, 11, setItem<&ScriptInfo::dateFilter, 3>),
-    scriptRule(".Class", Number::Demanded, 15, setTypeField<&TerminalType::terminalClass>),
-    scriptRule(".Version", Number::Demanded, 15, setTypeField<&TerminalType::version>),
-    scriptRule(".Type", Number::Demanded, 255, setTypeField<&TerminalType::type>),
-    scriptRule(".Characteristic", Number::Demanded, 255, setTypeField<&TerminalType::characteristic>),
+    scriptRule(".Class", Number::Demanded, 15, setTypeField<&TerminalIdentity::terminalClass>),
+    scriptRule(".Version", Number::Demanded, 15, setTypeField<&TerminalIdentity::version>),
+    scriptRule(".Type", Number::Demanded, 255, setTypeField<&TerminalIdentity::type>),
+    scriptRule(".Characteristic", Number::Demanded, 255, setTypeField<&TerminalIdentity::characteristic>),
 };
 
 bool matches(const Rule& rule, const QString& key)

@@ -127,10 +127,10 @@ QString number(const ParamTables&, const ScriptInfo& script)
     return QString::number((script.*list).value(item));
 }
 
-template <quint8 TerminalType::*field>
+template <quint8 TerminalIdentity::*field>
 QString typeField(const ParamTables&, const ScriptInfo& script)
 {
-    const TerminalType filter = script.terminalFilter ? *script.terminalFilter : TerminalType();
+    const TerminalIdentity filter = script.terminalFilter ? *script.terminalFilter : TerminalIdentity();
     return QString::number(filter.*field);
 }
 
@@ -157,10 +157,10 @@ constexpr Key<ScriptValue> scriptKeys[] = {
     {"Filter.HourOfEnd", number<&ScriptInfo::timeFilter, 3>},
     {"Filter.DayOfEnd", number<&ScriptInfo::dateFilter, 2>},
     {"Filter.MonthOfEnd", number<&ScriptInfo::dateFilter, 3>},
-    {"Filter.Class", typeField<&TerminalType::terminalClass>},
-    {"Filter.Version", typeField<&TerminalType::version>},
-    {"Filter.Type", typeField<&TerminalType::type>},
-    {"Filter.Characteristic", typeField<&TerminalType::characteristic>},
+    {"Filter.Class", typeField<&TerminalIdentity::terminalClass>},
+    {"Filter.Version", typeField<&TerminalIdentity::version>},
+    {"Filter.Type", typeField<&TerminalIdentity::type>},
+    {"Filter.Characteristic", typeField<&TerminalIdentity::characteristic>},
     {"Filter.Address", positions<&ScriptInfo::addressFilter>},
 };
 

@@ -8,14 +8,12 @@
 #include <QStringList>
 #include <QVariantList>
 
-/// One model of the catalogue. The four numbers are only compared, and only as a whole.
-struct DeviceRecord
+#include "model/TerminalType.h"
+
+/// One model of the catalogue.
+struct DeviceRecord : TerminalIdentity
 {
     QString name = QStringLiteral("???");
-    quint8 terminalClass = 0;
-    quint8 version = 0;
-    quint8 type = 0;
-    quint8 characteristic = 0;
     QStringList outputs; ///< default names of the outputs; may be fewer than the terminal has
 };
 

@@ -135,7 +135,7 @@ int RelayInfo::errorCount() const
 
 ScriptInfoPtr RelayInfo::findScript(quint8 number) const
 {
-    return firstOf(scriptList, [number](const ScriptInfoPtr& script) { return script->number == number; });
+    return firstOfNumber(scriptList, number);
 }
 
 GroupRelayPtr RelayInfo::findGroup(quint16 address) const
@@ -146,10 +146,7 @@ GroupRelayPtr RelayInfo::findGroup(quint16 address) const
 RelayInformationPtr RelayInfo::findOutput(quint16 address, quint8 number) const
 {
     const GroupRelayPtr group = findGroup(address);
-    if (!group) {
-        return {};
-    }
-    return firstOf(group->outputs, [number](const RelayInformationPtr& output) { return output->number == number; });
+    return group ? firstOfNumber(group->outputs, number) : RelayInformationPtr();
 }
 
 ConnectedTerminalPtr RelayInfo::findConnectedTerminal(quint8 address) const

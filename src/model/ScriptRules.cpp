@@ -177,10 +177,7 @@ void makeTypeFilterPrivate(ScriptInfo& script)
 {
     auto own = TerminalTypePtr::create();
     if (script.terminalFilter) {
-        own->terminalClass = script.terminalFilter->terminalClass;
-        own->version = script.terminalFilter->version;
-        own->type = script.terminalFilter->type;
-        own->characteristic = script.terminalFilter->characteristic;
+        static_cast<TerminalIdentity&>(*own) = *script.terminalFilter;
     }
     script.terminalFilter = own;
 }
