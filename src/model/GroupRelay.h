@@ -19,6 +19,8 @@ struct RelayInformation
 
 using RelayInformationPtr = QSharedPointer<RelayInformation>;
 
+RelayInformationPtr makeOutput(quint8 number, const QString& name, const ParamItemPtr& startState);
+
 /// One executive terminal, or the head unit, with its outputs.
 struct GroupRelay
 {

@@ -108,15 +108,9 @@ public:
     int loadFromFile(const QString& path);
 
 private:
-    RelayInformationPtr makeOutput(quint8 number, const QString& name) const;
     GroupRelayPtr makeTerminalGroup(const ConnectedTerminal& terminal) const;
     void appendHeadUnit(bool connected);
     void sortGroups();
-
-    RelayInformationPtr demandOutput(quint16 address, quint8 number);
-    void readScriptRecord(ScriptInfo& script, const QByteArray& record) const;
-    ParamItemPtr stateOfRecord(quint8 code, bool filterByType, quint8 terminalClass) const;
-    void setTypeFilter(ScriptInfo& script, const TerminalType& wanted) const;
 
     const ParamTables tables;
     TerminalTypes types;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "model/RelayInfo.h"
+#include "model/firstOf.h"
 #include "model/format.h"
 #include "texts/texts.h"
 
@@ -28,15 +29,6 @@ void removeTerminals(QList<GroupRelayPtr>& groups, Fits fits)
 
 } // namespace
 
-RelayInformationPtr RelayInfo::makeOutput(quint8 number, const QString& name) const
-{
-    auto output = RelayInformationPtr::create();
-    output->number = number;
-    output->name = name;
-    output->startState = tables.outputStates.first();
-    return output;
-}
-
 GroupRelayPtr RelayInfo::makeTerminalGroup(const ConnectedTerminal& terminal) const
 {
     auto group = GroupRelayPtr::create();
@@ -44,7 +36,8 @@ GroupRelayPtr RelayInfo::makeTerminalGroup(const ConnectedTerminal& terminal) co
     group->name = terminal.label;
     group->connected = true;
     for (const QString& name : terminal.outputs) {
-        group->outputs.append(makeOutput(static_cast<quint8>(group->outputs.size()), name));
+        group->outputs.append(
+            makeOutput(static_cast<quint8>(group->outputs.size()), name, tables.outputStates.first()));
     }
     return group;
 }
@@ -57,7 +50,7 @@ void RelayInfo::appendHeadUnit(bool connected)
     group->expand = true;
     group->connected = connected;
     for (quint8 number = 0; number < outputsOfTerminal; ++number) {
-        group->outputs.append(makeOutput(number, texts::headUnitOutputName()));
+        group->outputs.append(makeOutput(number, texts::headUnitOutputName(), tables.outputStates.first()));
     }
     groupList.append(group);
 }
@@ -84,11 +77,8 @@ GroupRelayPtr RelayInfo::addGroup(const QString& name, quint16 address)
 void RelayInfo::addOutput(const GroupRelayPtr& group, const QString& name)
 {
     for (quint8 number = 0; number < outputsOfTerminal; ++number) {
-        const bool taken =
-            std::any_of(group->outputs.cbegin(), group->outputs.cend(),
-                        [number](const RelayInformationPtr& output) { return output->number == number; });
-        if (!taken) {
-            group->outputs.append(makeOutput(number, name));
+        if (!firstOfNumber(group->outputs, number)) {
+            group->outputs.append(makeOutput(number, name, tables.outputStates.first()));
             return;
         }
     }

@@ -1,4 +1,4 @@
-// The model as a configuration file and back.
+// The model as records of the device, as a configuration file, and back.
 
 #include <QFile>
 #include <QSaveFile>
@@ -6,6 +6,8 @@
 
 #include "model/ConfigurationReader.h"
 #include "model/ConfigurationWriter.h"
+#include "model/RecordReader.h"
+#include "model/RecordWriter.h"
 #include "model/RelayInfo.h"
 
 namespace
@@ -22,6 +24,36 @@ QString readText(QFile& file)
 }
 
 } // namespace
+
+QByteArrayList RelayInfo::makeOutputRecords() const
+{
+    return outputRecords(groupList);
+}
+
+QByteArrayList RelayInfo::makeScriptRecords() const
+{
+    return scriptRecords(scriptList);
+}
+
+void RelayInfo::readTerminalRecords(const QByteArrayList& records)
+{
+    connectedList = RecordReader(tables, types).terminals(records);
+    resetGroups(false);
+    sortGroups();
+}
+
+void RelayInfo::readOutputRecords(const QByteArrayList& records)
+{
+    resetGroups(false);
+    RecordReader(tables, types).readOutputs(records, groupList, scriptList);
+    sortGroups();
+}
+
+void RelayInfo::readScriptRecords(const QByteArrayList& records)
+{
+    resetScripts();
+    RecordReader(tables, types).readScripts(records, scriptList);
+}
 
 int RelayInfo::saveToFile(const QString& path) const
 {

@@ -1,0 +1,223 @@
+#include "model/RecordReader.h"
+
+#include <QtEndian>
+
+#include "domain/bcd.h"
+#include "model/ScriptRules.h"
+#include "model/firstOf.h"
+#include "model/format.h"
+#include "model/recordLayout.h"
+#include "texts/texts.h"
+
+using namespace recordLayout;
+
+namespace
+{
+
+constexpr quint8 noScript = 255; ///< fills a place in the list of an output's scripts
+
+/// The name of an output that no record has told of yet.
+QString placeholderName()
+{
+    return QStringLiteral("???");
+}
+
+quint8 byteAt(const QByteArray& record, int index)
+{
+    return static_cast<quint8>(record.at(index));
+}
+
+template <std::size_t N>
+QList<bool> unpackFlags(quint8 bits, const Flag (&flags)[N])
+{
+    QList<bool> items;
+    items.reserve(N);
+    for (const Flag& flag : flags) {
+        items.append((bits >> flag.bit & 1) != 0);
+    }
+    return items;
+}
+
+template <std::size_t N>
+QList<int> unpackDecimals(const QByteArray& record, const Decimal (&decimals)[N], int leastValue)
+{
+    QList<int> items;
+    items.reserve(N);
+    for (const Decimal& decimal : decimals) {
+        items.append(qMax(leastValue, int(fromBcd(byteAt(record, decimal.byte) & decimal.mask))));
+    }
+    return items;
+}
+
+QList<bool> unpackAddresses(quint32 mask)
+{
+    QList<bool> items;
+    items.reserve(32);
+    for (int i = 0; i < 32; ++i) {
+        items.append((mask >> i & 1) != 0);
+    }
+    return items;
+}
+
+TerminalIdentity unpackModel(const QByteArray& record, int at)
+{
+    TerminalIdentity model;
+    model.terminalClass = byteAt(record, at) >> 4;
+    model.version = byteAt(record, at) & 15;
+    model.type = byteAt(record, at + 1);
+    model.characteristic = byteAt(record, at + 2);
+    return model;
+}
+
+int outputCount(int recordLength)
+{
+    return qMin(recordLength / 4, 4);
+}
+
+QList<ScriptInfoPtr> scriptsOf(const QByteArray& outputRecord, const QList<ScriptInfoPtr>& scripts)
+{
+    QList<ScriptInfoPtr> found;
+    for (int i = outputScripts; i < outputRecord.size(); ++i) {
+        const ScriptInfoPtr script = firstOfNumber(scripts, byteAt(outputRecord, i));
+        if (script && byteAt(outputRecord, i) != noScript) {
+            found.append(script);
+        }
+    }
+    return found;
+}
+
+GroupRelay& demandGroup(QList<GroupRelayPtr>& groups, quint16 address)
+{
+    GroupRelayPtr group = firstOf(groups, [&](const GroupRelayPtr& each) { return each->address == address; });
+    if (!group) {
+        group = GroupRelayPtr::create();
+        group->address = address;
+        group->name = texts::defaultTerminalName();
+        groups.append(group);
+    }
+    return *group;
+}
+
+} // namespace
+
+RecordReader::RecordReader(const ParamTables& paramTables, const TerminalTypes& terminalTypes)
+    : tables(paramTables), types(terminalTypes)
+{
+}
+
+QList<ConnectedTerminalPtr> RecordReader::terminals(const QByteArrayList& records) const
+{
+    QList<ConnectedTerminalPtr> list;
+    for (const QByteArray& record : records) {
+        if (record.size() >= terminalLeastSize) {
+            list.append(makeTerminal(record));
+        }
+    }
+    return list;
+}
+
+ConnectedTerminalPtr RecordReader::makeTerminal(const QByteArray& record) const
+{
+    auto terminal = ConnectedTerminalPtr::create();
+    terminal->address = byteAt(record, terminalAddress);
+    static_cast<TerminalIdentity&>(*terminal) = unpackModel(record, terminalModel);
+    terminal->label = modelCode(terminal->terminalClass, terminal->version, terminal->type, terminal->characteristic);
+    for (int i = 0; i < outputCount(record.size()); ++i) {
+        terminal->outputs.append(texts::defaultOutputName());
+    }
+    if (const TerminalTypePtr type = findType(*terminal)) {
+        terminal->label = type->name;
+        for (int i = 0; i < qMin(terminal->outputs.size(), type->outputs.size()); ++i) {
+            terminal->outputs[i] = type->outputs.at(i);
+        }
+    }
+    return terminal;
+}
+
+void RecordReader::readOutputs(const QByteArrayList& records, QList<GroupRelayPtr>& groups,
+                               const QList<ScriptInfoPtr>& scripts) const
+{
+    for (const QByteArray& record : records) {
+        if (record.size() < outputLeastSize) {
+            continue;
+        }
+        // The address has a sign, as everywhere in the model.
+        GroupRelay& group = demandGroup(groups, static_cast<quint16>(static_cast<qint8>(record.at(outputAddress))));
+        const RelayInformationPtr output = demandOutput(group, byteAt(record, outputNumber) & 7);
+        if (output->name == placeholderName()) {
+            output->name = texts::defaultOutputName();
+        }
+        const quint8 flags = byteAt(record, outputFlags);
+        output->startState = tables.outputStates.value(flags & startStateFlag);
+        output->returnStartState = (flags & returnFlag) != 0;
+        output->activatedScripts = scriptsOf(record, scripts);
+    }
+}
+
+RelayInformationPtr RecordReader::demandOutput(GroupRelay& group, quint8 number) const
+{
+    if (const RelayInformationPtr known = firstOfNumber(group.outputs, number)) {
+        return known;
+    }
+    for (quint8 missing = 0; missing <= number; ++missing) {
+        if (!firstOfNumber(group.outputs, missing)) {
+            group.outputs.append(makeOutput(missing, placeholderName(), tables.outputStates.first()));
+        }
+    }
+    return group.outputs.last();
+}
+
+void RecordReader::readScripts(const QByteArrayList& records, const QList<ScriptInfoPtr>& scripts) const
+{
+    for (const QByteArray& record : records) {
+        if (record.size() >= scriptSize) {
+            readScript(record, *scripts.at(byteAt(record, scriptNumber) & 31));
+        }
+    }
+}
+
+void RecordReader::readScript(const QByteArray& record, ScriptInfo& script) const
+{
+    const auto rowOfCode = [](const ParamItems& rows, int code) {
+        const ParamItemPtr row = findByCode(rows, code);
+        return row ? row : rows.first();
+    };
+    script.mode = rowOfCode(tables.modes, byteAt(record, scriptMode) & 7);
+    script.delay = rowOfCode(tables.delays, byteAt(record, scriptDuration) & 7);
+    script.duration = rowOfCode(tables.durations, byteAt(record, scriptDuration) >> 3);
+
+    script.activateFilter = unpackFlags(byteAt(record, scriptChannels), filterFlags);
+    script.numberChannels = unpackFlags(byteAt(record, scriptChannels), channelFlags);
+    scriptRules::ensureChannel(script.numberChannels);
+    script.daysOfWeek = unpackFlags(byteAt(record, scriptDays), dayFlags);
+    script.timeFilter = unpackDecimals(record, timeDecimals, 0);
+    script.dateFilter = unpackDecimals(record, dateDecimals, 1);
+    script.addressFilter = unpackAddresses(qFromLittleEndian<quint32>(record.constData() + scriptAddresses));
+
+    // A type that the catalogue doesn't have gets a record of the script's own.
+    const TerminalIdentity model = unpackModel(record, scriptTypeFilter);
+    script.terminalFilter = findType(model);
+    if (!script.terminalFilter) {
+        script.terminalFilter = TerminalTypePtr::create();
+        static_cast<TerminalIdentity&>(*script.terminalFilter) = model;
+    }
+
+    script.stateChannel =
+        stateOf(byteAt(record, scriptState), script.activateFilter.at(ScriptInfo::ByType), model.terminalClass);
+    scriptRules::setTerminalStates(script, rowsOfMask(tables.terminalStates, byteAt(record, scriptTerminalStates)));
+}
+
+/// The channel state that a code stands for. The families share their codes, so with a filter by type its class tells
+/// them apart; without one, or with a class that no terminal has, the first row from the top is as good as any.
+ParamItemPtr RecordReader::stateOf(quint8 code, bool filterByType, quint8 terminalClass) const
+{
+    const ParamItemPtr row = filterByType && terminalClass <= AnalogClass
+                                 ? scriptRules::findStateOfClass(tables.stateChannels, terminalClass, code)
+                                 : scriptRules::findStateOfCode(tables.stateChannels, code);
+    return row ? row : scriptRules::makeOtherState(code);
+}
+
+TerminalTypePtr RecordReader::findType(const TerminalIdentity& model) const
+{
+    return firstOf(types, [&](const TerminalTypePtr& type) { return sameModel(*type, model); });
+}
