@@ -13,5 +13,7 @@ enum TerminalClass : quint8
     AnyClass = 15 ///< in a filter
 };
 
+constexpr int terminalClasses = 5; ///< system to analog, the classes that terminals have
+
 /// Stands where a coordinator's address is wanted and there is none.
 constexpr quint8 noAddress = 255;

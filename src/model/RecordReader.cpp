@@ -211,7 +211,7 @@ void RecordReader::readScript(const QByteArray& record, ScriptInfo& script) cons
 /// them apart; without one, or with a class that no terminal has, the first row from the top is as good as any.
 ParamItemPtr RecordReader::stateOf(quint8 code, bool filterByType, quint8 terminalClass) const
 {
-    const ParamItemPtr row = filterByType && terminalClass <= AnalogClass
+    const ParamItemPtr row = filterByType && terminalClass < terminalClasses
                                  ? scriptRules::findStateOfClass(tables.stateChannels, terminalClass, code)
                                  : scriptRules::findStateOfCode(tables.stateChannels, code);
     return row ? row : scriptRules::makeOtherState(code);
