@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVariantList>
 
+#include "domain/bcd.h"
+#include "domain/terminals.h"
 #include "eventlog/EventTexts.h"
 #include "model/Device.h"
 #include "texts/texts.h"
@@ -72,12 +74,6 @@ quint8 byteAt(const QByteArray& bytes, int index)
     return static_cast<quint8>(bytes.at(index));
 }
 
-/// The digits aren't checked: 0x1A is 20.
-int bcdToByte(int bcd)
-{
-    return (bcd >> 4) * 10 + (bcd & 0x0F);
-}
-
 QString hexByte(quint8 value)
 {
     return QStringLiteral("%1").arg(value, 2, 16, QLatin1Char('0'));
@@ -104,9 +100,8 @@ void decodeTime(const QByteArray& record, EventInfo& event)
 {
     const int year = (byteAt(record, 0) & 0x80) | (byteAt(record, 1) & 0xC0) >> 1 | (byteAt(record, 2) & 0xC0) >> 3 |
                      (byteAt(record, 3) & 0xE0) >> 5;
-    event.time.setHMS(bcdToByte(byteAt(record, 1) & 0x3F), bcdToByte(byteAt(record, 0) & 0x7F), 0, 0);
-    event.date.setDate(2000 + bcdToByte(year), bcdToByte(byteAt(record, 3) & 0x1F),
-                       bcdToByte(byteAt(record, 2) & 0x3F));
+    event.time.setHMS(fromBcd(byteAt(record, 1) & 0x3F), fromBcd(byteAt(record, 0) & 0x7F), 0, 0);
+    event.date.setDate(2000 + fromBcd(year), fromBcd(byteAt(record, 3) & 0x1F), fromBcd(byteAt(record, 2) & 0x3F));
 }
 
 QString terminalName(const EventInfo& event, const Device* catalogue)
@@ -228,7 +223,7 @@ void decodeButtons(EventInfo& event, QList<EventInfo>& rows)
 
 int temperature(quint8 high, quint8 low)
 {
-    const int degrees = bcdToByte(high & 0x7F) * 100 + bcdToByte(low);
+    const int degrees = fromBcd(high & 0x7F) * 100 + fromBcd(low);
     return (high & 0x80) != 0 ? -degrees : degrees;
 }
 
@@ -258,21 +253,21 @@ void decodeCounter(EventInfo& event, QList<EventInfo>& rows)
 void decodeChannelState(EventInfo& event, QList<EventInfo>& rows)
 {
     const quint8 state = byteAt(event.data, 0);
-    event.channel = event.classTerminal == 3 ? 0 : (state >> 4) & 0x03;
+    event.channel = event.classTerminal == InterfaceClass ? 0 : (state >> 4) & 0x03;
     const int channelNumber = event.channel + 1;
     event.source += QStringLiteral(", %1 %2)").arg(texts::detailChannel()).arg(channelNumber);
     event.event = textStateChannel(event, channelNumber, state, ChannelForm::Long);
 
     if (isPanicButton(event)) {
         decodePanicButton(event, rows);
-    } else if (event.classTerminal == 3) {
+    } else if (event.classTerminal == InterfaceClass) {
         decodeButtons(event, rows);
     } else if (isTemperatureSensor(event)) {
         decodeTemperature(event, rows);
-    } else if (event.classTerminal == 4) {
+    } else if (event.classTerminal == AnalogClass) {
         decodeCounter(event, rows);
     } else {
-        if (event.classTerminal != 1 && event.classTerminal != 2) {
+        if (event.classTerminal != SensorClass && event.classTerminal != ExecutiveClass) {
             event.details = hexBytes(event.data);
         }
         rows.append(event);

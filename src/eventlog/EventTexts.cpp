@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "domain/terminals.h"
 #include "eventlog/EventInfo.h"
 #include "texts/texts.h"
 
@@ -158,18 +159,20 @@ bool isSingleOrTwoChannel(const EventInfo& event)
 
 bool isPanicButton(const EventInfo& event)
 {
-    return event.classTerminal == 3 && (event.version == 1 || event.version == 4) && event.type == 0x30 &&
+    return event.classTerminal == InterfaceClass && (event.version == 1 || event.version == 4) && event.type == 0x30 &&
            event.characteristic == 0x10;
 }
 
 bool isCounter(const EventInfo& event)
 {
-    return event.classTerminal == 4 && event.version == 1 && event.type == 0x20 && isSingleOrTwoChannel(event);
+    return event.classTerminal == AnalogClass && event.version == 1 && event.type == 0x20 &&
+           isSingleOrTwoChannel(event);
 }
 
 bool isTemperatureSensor(const EventInfo& event)
 {
-    return event.classTerminal == 4 && event.version == 1 && event.type == 0x15 && isSingleOrTwoChannel(event);
+    return event.classTerminal == AnalogClass && event.version == 1 && event.type == 0x15 &&
+           isSingleOrTwoChannel(event);
 }
 
 QString textStatusUnit(quint8 status)
@@ -190,14 +193,14 @@ QString textModeTerminal(quint8 mode)
 QString textStateChannel(const EventInfo& event, int channelNumber, quint8 state, ChannelForm form)
 {
     switch (event.classTerminal) {
-    case 1:
+    case SensorClass:
         return textOfState(state, form, loopStates);
-    case 2:
+    case ExecutiveClass:
         return isLoopOfOutputTerminal(event, channelNumber) ? textOfState(state, form, loopStates)
                                                             : textOfState(state, form, outputStates);
-    case 3:
+    case InterfaceClass:
         return textOfButtons(event, state, form);
-    case 4:
+    case AnalogClass:
         return isCounter(event) ? textOfCounter(state, form) : textOfState(state, form, analogStates);
     default:
         return QStringLiteral("%1(%2)").arg(texts::eventUnknownClass()).arg(event.classTerminal);
