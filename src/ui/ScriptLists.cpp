@@ -179,13 +179,10 @@ void ScriptLists::refreshStates(const ScriptInfoPtr& edited)
 
 void ScriptLists::addSelected()
 {
-    if (!currentRelay) {
-        return;
-    }
     bool added = false;
     for (const ScriptEntry& entry : std::as_const(allScriptEntries)) {
         const ScriptInfoPtr script = relayInfo->findScript(entry.script->number);
-        if (entry.item->isSelected() && !currentRelay->activatedScripts.contains(script)) {
+        if (currentRelay && entry.item->isSelected() && !currentRelay->activatedScripts.contains(script)) {
             currentRelay->activatedScripts.append(script);
             added = true;
         }
@@ -198,9 +195,6 @@ void ScriptLists::addSelected()
 
 void ScriptLists::removeSelected()
 {
-    if (!currentRelay) {
-        return;
-    }
     // By row, since a script may stand in the list twice.
     QList<ScriptInfoPtr> kept;
     for (const ScriptEntry& entry : std::as_const(activeScriptEntries)) {
@@ -208,7 +202,7 @@ void ScriptLists::removeSelected()
             kept.append(entry.script);
         }
     }
-    if (kept.size() != activeScriptEntries.size()) {
+    if (currentRelay && kept.size() != activeScriptEntries.size()) {
         currentRelay->activatedScripts = kept;
         rebuildActive();
     }

@@ -57,7 +57,7 @@ public slots:
 
 signals:
     void scriptChosen(const QSharedPointer<ScriptInfo>& script); ///< the script to edit
-    void outputChanged();                                        ///< scripts were added to the output or removed
+    void outputChanged();                                        ///< adding or removing was asked for, even in vain
     void editedColorChanged(const QString& rgba);                ///< "rgba(r, g, b, a)" of the script in the editor
 
 private:
