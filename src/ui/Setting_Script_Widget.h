@@ -27,9 +27,10 @@ class Setting_Script_Widget;
 /// shared record. There is no step of applying.
 ///
 /// Showing a script edits nothing but what belongs to the rules of a record: the state "Not active" empties the list of
-/// channels, any other state has at least channel 1, and a class of 5 to 14 in the script's own type filter becomes 15
-/// or 4. A value that its control can't show stays in the record until the user edits that very value; a day also until
-/// the user chooses a month for the day that stands there instead.
+/// channels, any other state has at least channel 1, a class of 5 to 14 in the script's own type filter becomes 15 or
+/// 4, and under a filter by type the state is named by the filter's class, with the same code. A value that its control
+/// can't show stays in the record until the user edits that very value; a day also until the user chooses a month for
+/// the day that stands there instead.
 ///
 /// The main window owns it, in the right dock, and shares the model with it. GUI thread only.
 class Setting_Script_Widget : public QWidget

@@ -50,14 +50,14 @@ void Setting_Script_Widget::on_checkBoxType_clicked()
     if (editing()) {
         storeFilterSwitch(0, on);
         refreshAddressButtons();
-        adaptStateToFilter();
     }
+    adaptStateToFilter();
 }
 
 /// Keeps the trigger one that terminals of the filter's class can report.
 void Setting_Script_Widget::adaptStateToFilter()
 {
-    if (scriptRules::adaptStateToFilter(*script, m_info->stateChannels())) {
+    if (script && scriptRules::adaptStateToFilter(*script, m_info->stateChannels())) {
         showTrigger();
         emit sig_RefreshStateScriptInList();
     }
@@ -70,12 +70,9 @@ void Setting_Script_Widget::showTypeFilter()
     if (!script->terminalFilter || script->terminalFilter->label == texts::placeholderOtherType()) {
         scriptRules::makeTypeFilterPrivate(*script);
     }
-    const quint8 former = script->terminalFilter->terminalClass;
     showRow(ui->comboBoxSelectType, script->terminalFilter->label);
     showTypeNumbers();
-    if (script->terminalFilter->terminalClass != former) {
-        adaptStateToFilter();
-    }
+    adaptStateToFilter();
 }
 
 /// A class or version that doesn't exist can't be shown; in a record of the script's own it becomes the one that is.

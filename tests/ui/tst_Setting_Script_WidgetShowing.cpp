@@ -1,9 +1,11 @@
+#include "model/ScriptRules.h"
 #include "ui/ShownEditor.h"
 #include "ui/SpecialDateFrame.h"
 #include "ui/SpecialTimeFrame.h"
 
 /// Looking never edits: scripts as a unit could send them, shown and left again, keep the bytes of their record, but
-/// for the exceptions that have a function here.
+/// for the exceptions that have a function here. Under a filter by type the state takes the name that the filter's
+/// class has for its code, which is the same byte.
 class tst_Setting_Script_WidgetShowing : public QObject
 {
     Q_OBJECT
@@ -17,6 +19,9 @@ private slots:
     void classTenToFourteenOfAnOwnFilterBecomesFour();
     void classOfACatalogueRowStays();
     void numbersBelowZeroAreShownAtTheirNearestAndStay();
+    void stateIsNamedByTheClassOfTheFilter_data();
+    void stateIsNamedByTheClassOfTheFilter();
+    void otherCodeOfNoStateBecomesNotActive();
 
 private:
     static void showAllScripts(ShownEditor& shown, RandomModel& random, int& exceptions);
@@ -90,11 +95,12 @@ void tst_Setting_Script_WidgetShowing::showAllScripts(ShownEditor& shown, Random
         QCOMPARE(shown.record(i).toHex(' '), expected.toHex(' '));
         QCOMPARE(shown.script(i)->name, scripts.at(i).name);
         QCOMPARE(shown.script(i)->notActive, scripts.at(i).notActive);
-        if (expected == before.at(i)) {
+        QCOMPARE(scriptRules::stateCode(shown.script(i)->stateChannel),
+                 scriptRules::stateCode(scripts.at(i).stateChannel));
+        if (!scripts.at(i).activateFilter.at(0)) {
             QCOMPARE(shown.script(i)->stateChannel, scripts.at(i).stateChannel);
-        } else {
-            ++exceptions;
         }
+        exceptions += expected == before.at(i) ? 0 : 1;
     }
 }
 
@@ -177,6 +183,74 @@ void tst_Setting_Script_WidgetShowing::numbersBelowZeroAreShownAtTheirNearestAnd
         }
         QCOMPARE(shown.script()->timeFilter, numbers);
         QCOMPARE(shown.script()->dateFilter, numbers);
+    }
+}
+
+void tst_Setting_Script_WidgetShowing::stateIsNamedByTheClassOfTheFilter_data()
+{
+    QTest::addColumn<int>("stateRow");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<int>("expectedRow"); // -1 for "<Other>"
+    const QString executive = QStringLiteral("Haldeon-NX (21 41 20)");
+    const QString button = QStringLiteral("PNB-NX (31 30 10)");
+    const QString analog = QStringLiteral("Termia-NX (41 15 11)");
+    QTest::newRow("alarm of a button") << 2 << button << 17;
+    QTest::newRow("analog 9 of a button") << 14 << button << -1;
+    QTest::newRow("alarm of an analog terminal") << 2 << analog << 6;
+    QTest::newRow("long press of an analog terminal") << 18 << analog << -1;
+    QTest::newRow("short press of another") << 17 << executive << 2;
+    QTest::newRow("analog 0 of another") << 5 << executive << 1;
+    QTest::newRow("long press of another") << 18 << executive << -1;
+    QTest::newRow("long press of a button") << 18 << button << 18;
+    QTest::newRow("not active of a button") << 0 << button << 0;
+}
+
+void tst_Setting_Script_WidgetShowing::stateIsNamedByTheClassOfTheFilter()
+{
+    QFETCH(const int, stateRow);
+    QFETCH(const QString, type);
+    QFETCH(const int, expectedRow);
+    ShownEditor shown;
+    const ParamItemPtr state = shown.model->stateChannelAt(stateRow);
+    const int typeRow = shown.combo("comboBoxSelectType")->findText(type);
+    QVERIFY2(typeRow >= 0, qPrintable(type));
+    for (const bool own : {false, true}) {
+        const ScriptInfoPtr script = shown.script();
+        script->stateChannel = state;
+        script->numberChannels = QList<bool>({false, stateRow != 0, false, false});
+        script->activateFilter[0] = true;
+        script->terminalFilter = shown.model->terminalTypeAt(typeRow);
+        if (own) {
+            scriptRules::makeTypeFilterPrivate(*script);
+        }
+        const QByteArray before = shown.record();
+        shown.edit();
+        QCOMPARE(shown.record(), before);
+        QVERIFY(shown.button("checkBoxType")->isChecked());
+        const ParamItemPtr expected = shown.model->stateChannelAt(expectedRow);
+        if (expected) {
+            QCOMPARE(script->stateChannel, expected);
+        } else {
+            QCOMPARE(script->stateChannel->name, texts::otherState());
+        }
+        QCOMPARE(shown.combo("comboStateChannel")->currentText(), script->stateChannel->name);
+        QCOMPARE(shown.spin("spinBoxOtherStateChannel")->value(), int(state->effectiveCode()));
+        QCOMPARE(!shown.widget("F_PNB")->isHidden(), script->stateChannel->name == texts::statePanicButton());
+    }
+}
+
+void tst_Setting_Script_WidgetShowing::otherCodeOfNoStateBecomesNotActive()
+{
+    for (const int terminalClass : {1, 7, 11}) {
+        ShownEditor shown;
+        const ScriptInfoPtr script = shown.script();
+        script->stateChannel = scriptRules::makeOtherState(255);
+        script->activateFilter[0] = true;
+        script->terminalFilter->terminalClass = quint8(terminalClass);
+        shown.edit();
+        QCOMPARE(script->stateChannel, shown.model->stateChannelAt(0));
+        QVERIFY(script->numberChannels.isEmpty());
+        QVERIFY(!shown.widget("F_NumChannel")->isEnabled());
     }
 }
 
