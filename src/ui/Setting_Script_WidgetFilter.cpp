@@ -96,10 +96,15 @@ void Setting_Script_Widget::on_comboBoxSelectType_currentIndexChanged(int index)
 {
     paintCombo(ui->comboBoxSelectType);
     const TerminalTypePtr row = m_info->terminalTypeAt(index);
-    if (!editing() || !row) {
+    if (!row) {
         return;
     }
-    if (row->label == texts::placeholderOtherType()) {
+    const bool own = row->label == texts::placeholderOtherType();
+    ui->F_ManualType->setEnabled(own);
+    if (!editing()) {
+        return;
+    }
+    if (own) {
         scriptRules::makeTypeFilterPrivate(*script);
     } else {
         script->terminalFilter = row;

@@ -68,6 +68,12 @@ void Setting_Script_Widget::on_comboStateChannel_currentIndexChanged(int index)
     if (editing() && index >= 0) {
         setStateChannel(chosenState(ui->comboStateChannel->currentText()), TypeFilter::SwitchOffIfUnfit);
     }
+    if (!script && ui->comboStateChannel->currentText() == texts::statePanicButton()) {
+        ui->comboBoxPNB->setCurrentIndex(0);
+        ui->radioShortPress->setChecked(true);
+    } else if (!script && ui->comboStateChannel->currentText() == texts::stateAnalog()) {
+        ui->comboBoxAnalog->setCurrentIndex(0);
+    }
 }
 
 /// The state for a choice of the user; where it leads to a further list, with that list's first row.

@@ -28,6 +28,7 @@ private slots:
     void listOfTerminalStatesIsCheckableAndWhole();
     void startsWithoutAScript();
     void controlsDoNothingWithoutAScript();
+    void furtherControlsFollowTheListsWithoutAScript();
     void nullScriptIsIgnored();
 
     void showingAnnouncesTitleAndRow();
@@ -228,6 +229,21 @@ void tst_Setting_Script_Widget::controlsDoNothingWithoutAScript()
     shown->editor->sl_UpDateConnectList();
     QCOMPARE(shown->model->makeScriptRecords(), before);
     QVERIFY(shown->titles.isEmpty());
+}
+
+void tst_Setting_Script_Widget::furtherControlsFollowTheListsWithoutAScript()
+{
+    shown->chooseState(texts::statePanicButton());
+    QVERIFY(!shown->widget("F_PNB")->isHidden());
+    QCOMPARE(shown->combo("comboBoxPNB")->currentIndex(), 0);
+    QVERIFY(shown->button("radioShortPress")->isChecked());
+    shown->chooseState(texts::stateAnalog());
+    QVERIFY(shown->widget("F_PNB")->isHidden());
+    QCOMPARE(shown->combo("comboBoxAnalog")->currentIndex(), 0);
+    shown->choose("comboBoxSelectType", texts::placeholderOtherType());
+    QVERIFY(shown->find<QWidget>(QStringLiteral("spinBoxClass"))->isEnabledTo(shown->widget("F_Type")));
+    shown->choose("comboBoxSelectType", QStringLiteral("PNB-NX (31 30 10)"));
+    QVERIFY(!shown->widget("F_ManualType")->isEnabled());
 }
 
 void tst_Setting_Script_Widget::nullScriptIsIgnored()
