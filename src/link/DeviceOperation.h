@@ -21,7 +21,7 @@ public:
     using QObject::QObject;
 
     /// Before the first call there is no current port, and nothing can be sent.
-    void setCoordinator(quint8 address);
+    virtual void setCoordinator(quint8 address);
 
     /// Whether answers to requests of this type belong here.
     virtual bool handles(int requestType) const = 0;

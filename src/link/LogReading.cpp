@@ -17,8 +17,19 @@ constexpr int RecordsOfBlock = 4;
 
 } // namespace
 
+void LogReading::setCoordinator(quint8 address)
+{
+    DeviceOperation::setCoordinator(address);
+    // What was asked on the port before isn't answered here any more.
+    infoIsAsked = false;
+}
+
 void LogReading::start()
 {
+    if (infoIsAsked) {
+        return;
+    }
+    infoIsAsked = hasPort();
     logErrors = 0;
     emit resultReady(texts::resultLogStarted());
     emit requestReady(protocol_HUBN_NX_Q::requestReadLogInfo(coordinator()));
@@ -41,6 +52,9 @@ bool LogReading::handles(int requestType) const
 void LogReading::takeAnswer(const message& answer, bool failed)
 {
     const bool isInfo = answer.requestType() == protocol_HUBN_NX_Q::Read_Info_Log;
+    if (isInfo) {
+        infoIsAsked = false;
+    }
     if (failed) {
         fail(isInfo ? "END Read INFO Log with error" : "END Read Log with error");
     } else if (isInfo) {

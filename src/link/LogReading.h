@@ -16,6 +16,9 @@ class LogReading : public DeviceOperation
 public:
     using DeviceOperation::DeviceOperation;
 
+    void setCoordinator(quint8 address) override;
+
+    /// Does nothing while the counter is being asked for: a second answer would end the reading that the first began.
     void start();
 
     /// Makes the next reading read, whatever the counter says.
@@ -35,6 +38,7 @@ private:
     void answerReadLog(const message& answer);
     void fail(const char* debugLine);
 
+    bool infoIsAsked = false; ///< and the answer will come
     int logErrors = 0;
     int logCapacity = 0;
     int logCount = -1;

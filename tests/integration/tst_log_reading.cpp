@@ -124,6 +124,7 @@ private slots:
     void an_unchanged_log_comes_back_without_a_reading();
     void the_action_reads_an_unchanged_log_too();
     void a_log_that_has_grown_is_read_again_on_the_tab();
+    void the_tab_chosen_twice_at_once_reads_the_log_once();
     void after_a_loaded_file_the_tab_reads_the_unit_again();
     void nothing_happens_on_the_tab_while_reading_is_disabled();
     void the_window_closes_at_any_moment_of_a_reading_data();
@@ -373,6 +374,23 @@ void tst_log_reading::a_log_that_has_grown_is_read_again_on_the_tab()
     over.get<QTabWidget>("tabWidget")->setCurrentIndex(1);
     QVERIFY(over.waitFor({texts::resultLogOk()}));
     QVERIFY(shown(over));
+    QCOMPARE(rowsInView(view(over)), rowsOf(over.unit.state().log.records()));
+}
+
+void tst_log_reading::the_tab_chosen_twice_at_once_reads_the_log_once()
+{
+    WindowOverUnit over(unitWithLog(30));
+    QVERIFY(over.waitForChain());
+    QVERIFY(shown(over));
+    over.unit.change([](UnitState& state) { state.log.append(unitWithLog(17).log.records()); });
+    over.told.clear();
+    auto* const tabs = over.get<QTabWidget>("tabWidget");
+    for (const int tab : {1, 0, 1}) {
+        tabs->setCurrentIndex(tab);
+    }
+    QVERIFY(over.waitFor({texts::resultLogOk(), texts::resultLogUnchanged()}));
+    QVERIFY(shown(over));
+    QCOMPARE(over.told, QStringList({texts::resultLogStarted(), texts::resultLogOk()}));
     QCOMPARE(rowsInView(view(over)), rowsOf(over.unit.state().log.records()));
 }
 

@@ -45,6 +45,9 @@ private slots:
     void givesUpWhenTheInformationFails();
     void givesUpWhenABlockFails();
     void readsAgainAfterAFailedBlockOnlyIfTheLogChanges();
+    void asksForTheCounterOnceAtATime();
+    void asksAgainWhenTheCounterCouldNotBeRead();
+    void asksAgainOnAPortThatWasChosenAnew();
     void handlesItsOwnTypes();
 
 private:
@@ -101,6 +104,9 @@ void tst_LogReading::withoutAPortGivesTheLogBack()
     unconnected.start();
     QCOMPARE(events.take(), QStringList({QStringLiteral("result ") + texts::resultLogStarted(),
                                          QStringLiteral("send 4"), QStringLiteral("not necessary")}));
+    // Every time: nothing is on its way.
+    unconnected.start();
+    QCOMPARE(events.take().constLast(), QStringLiteral("not necessary"));
 }
 
 void tst_LogReading::showsTheBusyFormOnceTheLogHasChanged()
@@ -279,6 +285,38 @@ void tst_LogReading::readsAgainAfterAFailedBlockOnlyIfTheLogChanges()
     takeEvents();
     answerInfo(QByteArray::fromHex("e8030900"));
     QCOMPARE(takeEvents().constFirst(), unchanged());
+}
+
+// The second answer would end the reading that the first began.
+void tst_LogReading::asksForTheCounterOnceAtATime()
+{
+    operation->start();
+    takeEvents();
+    operation->start();
+    QCOMPARE(takeEvents(), QStringList());
+    answerInfo(QByteArray::fromHex("e8030900"));
+    answerBlock({});
+    operation->start();
+    QCOMPARE(takeEvents().constLast(), QStringLiteral("send 4"));
+}
+
+void tst_LogReading::asksAgainWhenTheCounterCouldNotBeRead()
+{
+    operation->start();
+    operation->takeAnswer(answers::timedOut(protocol_HUBN_NX_Q::requestReadLogInfo(4)), true);
+    takeEvents();
+    operation->start();
+    QCOMPARE(takeEvents().constLast(), QStringLiteral("send 4"));
+}
+
+// The answer of the port before comes to nobody.
+void tst_LogReading::asksAgainOnAPortThatWasChosenAnew()
+{
+    operation->start();
+    takeEvents();
+    operation->setCoordinator(5);
+    operation->start();
+    QCOMPARE(takeEvents().constLast(), QStringLiteral("send 4"));
 }
 
 void tst_LogReading::handlesItsOwnTypes()
