@@ -86,8 +86,10 @@ void LogReading::answerLogInfo(const message& answer)
         return;
     }
     logCountPrevious = logCount;
-    const int recordCount = logWrapped ? logCapacity : logCount;
-    emit begun(texts::busyReadingLog(), 0, std::max(0, recordCount) / RecordsOfBlock);
+    announcedRecords = std::max(0, logWrapped ? logCapacity : logCount);
+    receivedRecords = 0;
+    blockWasRepeated = false;
+    emit begun(texts::busyReadingLog(), 0, announcedRecords / RecordsOfBlock);
     emit shown();
     emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), true));
 }
@@ -97,16 +99,22 @@ void LogReading::answerReadLog(const message& answer)
     const QByteArray& payload = answer.payload();
     QByteArrayList records;
     emit stepDone();
+    // The first block can be asked for as often as it takes: it always is the beginning.
+    blockWasRepeated = blockWasRepeated || (receivedRecords > 0 && answer.attempts() < message::fullAttempts);
     for (int offset = 0; offset + RecordSize <= payload.size(); offset += RecordSize) {
         records.append(payload.mid(offset, RecordSize));
     }
     if (payload.size() % RecordSize != 0) {
         ++logErrors;
     }
+    receivedRecords += records.size();
     if (payload.size() == RecordsOfBlock * RecordSize) {
         emit recordsRead(records, false);
         emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), false));
         return;
+    }
+    if (blockWasRepeated) {
+        logErrors += std::max(0, announcedRecords - receivedRecords);
     }
     emit recordsRead(records, true);
     qDebug() << "END Read Log";

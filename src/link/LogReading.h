@@ -9,6 +9,9 @@
 ///
 /// The first block that hasn't exactly four records is the last. The busy form is left showing at the end: it goes when
 /// the database has taken the events.
+///
+/// A unit may go on to the next block although its answer was lost, and what it says next doesn't tell. So where a
+/// block had to be asked for again, the events that the unit announced and that haven't come count as errors.
 class LogReading : public DeviceOperation
 {
     Q_OBJECT
@@ -40,6 +43,9 @@ private:
 
     bool infoIsAsked = false; ///< and the answer will come
     int logErrors = 0;
+    int announcedRecords = 0;
+    int receivedRecords = 0;
+    bool blockWasRepeated = false;
     int logCapacity = 0;
     int logCount = -1;
     int logCountPrevious = -1; ///< -1 is no counter that a unit gives

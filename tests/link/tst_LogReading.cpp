@@ -42,6 +42,9 @@ private slots:
     void endsWithABlockOfAnotherLength_data();
     void endsWithABlockOfAnotherLength();
     void countsBrokenRecordsOfOneReading();
+    void countsTheEventsThatARepeatedBlockLeftOut_data();
+    void countsTheEventsThatARepeatedBlockLeftOut();
+    void forgetsRepeatedBlocksOfTheReadingBefore();
     void givesUpWhenTheInformationFails();
     void givesUpWhenABlockFails();
     void readsAgainAfterAFailedBlockOnlyIfTheLogChanges();
@@ -52,7 +55,7 @@ private slots:
 
 private:
     void answerInfo(const QByteArray& payload);
-    void answerBlock(const QByteArray& payload);
+    void answerBlock(const QByteArray& payload, int repeats = 0);
     QStringList takeEvents()
     {
         return recorder->take();
@@ -82,9 +85,13 @@ void tst_LogReading::answerInfo(const QByteArray& payload)
     operation->takeAnswer(answers::good(protocol_HUBN_NX_Q::requestReadLogInfo(4), payload), false);
 }
 
-void tst_LogReading::answerBlock(const QByteArray& payload)
+void tst_LogReading::answerBlock(const QByteArray& payload, int repeats)
 {
-    operation->takeAnswer(answers::good(protocol_HUBN_NX_Q::requestReadLog(4, true), payload), false);
+    message request = protocol_HUBN_NX_Q::requestReadLog(4, true);
+    for (int i = 0; i < repeats; ++i) {
+        request.prepareRetry();
+    }
+    operation->takeAnswer(answers::good(request, payload), false);
 }
 
 void tst_LogReading::asksForTheCounterFirst()
@@ -250,6 +257,61 @@ void tst_LogReading::countsBrokenRecordsOfOneReading()
     answerBlock(QByteArray(70, 'a'));
     QVERIFY(recorder->events.filter(QStringLiteral("= 2)")).isEmpty());
     QCOMPARE(recorder->events.filter(QStringLiteral("= 1)")).size(), 2);
+}
+
+// A unit may go on to the next block although its answer was lost.
+void tst_LogReading::countsTheEventsThatARepeatedBlockLeftOut_data()
+{
+    QTest::addColumn<QByteArray>("info");
+    QTest::addColumn<QList<int>>("records");
+    QTest::addColumn<QList<int>>("repeats");
+    QTest::addColumn<int>("errors");
+    const QByteArray eleven = QByteArray::fromHex("e8030b00");
+    const QList<int> whole{4, 4, 3};
+    const QList<int> without4{4, 3};
+    QTest::newRow("no block repeated, none missing") << eleven << whole << QList<int>{0, 0, 0} << 0;
+    QTest::newRow("no block repeated, four missing") << eleven << without4 << QList<int>{0, 0} << 0;
+    QTest::newRow("first block repeated, four missing") << eleven << without4 << QList<int>{1, 0} << 0;
+    QTest::newRow("second block repeated, none missing") << eleven << whole << QList<int>{0, 1, 0} << 0;
+    QTest::newRow("second block repeated, four missing") << eleven << without4 << QList<int>{0, 1} << 4;
+    QTest::newRow("second block repeated three times") << eleven << without4 << QList<int>{0, 3} << 4;
+    QTest::newRow("last block repeated, three missing") << eleven << QList<int>{4, 4, 0} << QList<int>{0, 0, 1} << 3;
+    QTest::newRow("repeated, one in the place of three") << eleven << QList<int>{4, 4, 1} << QList<int>{0, 1, 0} << 2;
+    QTest::newRow("repeated, more than announced") << eleven << QList<int>{4, 4, 4, 0} << QList<int>{0, 1, 0, 0} << 0;
+    QTest::newRow("wrapped: the whole ring counts")
+        << QByteArray::fromHex("0c000380") << QList<int>{4, 4, 0} << QList<int>{0, 1, 0} << 4;
+}
+
+void tst_LogReading::countsTheEventsThatARepeatedBlockLeftOut()
+{
+    QFETCH(QByteArray, info);
+    QFETCH(QList<int>, records);
+    QFETCH(QList<int>, repeats);
+    QFETCH(int, errors);
+    operation->start();
+    answerInfo(info);
+    for (int block = 0; block < records.size(); ++block) {
+        answerBlock(QByteArray(16 * records.at(block), 'a'), repeats.at(block));
+    }
+    const QString result =
+        errors == 0
+            ? texts::resultLogOk()
+            : QStringLiteral("Reading log of events WAS COMPLETED WITH ERROR (Number of error = %1)").arg(errors);
+    QCOMPARE(takeEvents().filter(QStringLiteral("result ")).constLast(), QStringLiteral("result ") + result);
+}
+
+void tst_LogReading::forgetsRepeatedBlocksOfTheReadingBefore()
+{
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030b00"));
+    answerBlock(QByteArray(64, 'a'));
+    answerBlock(QByteArray(48, 'a'), 1);
+    operation->start();
+    answerInfo(QByteArray::fromHex("e8030c00"));
+    takeEvents();
+    answerBlock(QByteArray(64, 'a'));
+    answerBlock({});
+    QVERIFY(recorder->events.contains(QStringLiteral("result ") + texts::resultLogOk()));
 }
 
 void tst_LogReading::givesUpWhenTheInformationFails()
