@@ -148,6 +148,9 @@ signals:
     /// Log records of 16 bytes each, one block at a time; end marks the last block, also that of a failed reading.
     void sig_sendReadLogOnForm(const QByteArrayList& data, bool end);
 
+    /// The reading of the log ends with an error. Comes before the last sig_sendReadLogOnForm.
+    void logIncomplete();
+
     /// No log was read: the unit's log is the one that was read before, or there is no port to read it from.
     void sig_ReadLogNotNeccessary();
 

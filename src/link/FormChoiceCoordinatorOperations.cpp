@@ -50,6 +50,7 @@ void FormChoiceCoordinator::setUpOperations()
     connect(configurationReading, &ConfigurationReading::scriptsRead, this,
             &FormChoiceCoordinator::sig_sendReadScriptOnForm);
     connect(logReading, &LogReading::recordsRead, this, &FormChoiceCoordinator::sig_sendReadLogOnForm);
+    connect(logReading, &LogReading::incomplete, this, &FormChoiceCoordinator::logIncomplete);
     connect(logReading, &LogReading::notNecessary, this, &FormChoiceCoordinator::sig_ReadLogNotNeccessary);
 }
 

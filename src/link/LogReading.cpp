@@ -116,6 +116,9 @@ void LogReading::answerReadLog(const message& answer)
     if (blockWasRepeated) {
         logErrors += std::max(0, announcedRecords - receivedRecords);
     }
+    if (logErrors > 0) {
+        emit incomplete();
+    }
     emit recordsRead(records, true);
     qDebug() << "END Read Log";
     emit resultReady(outcome(texts::resultLogOk(), texts::resultLogErrors(), logErrors));
@@ -126,6 +129,7 @@ void LogReading::fail(const char* debugLine)
 {
     qDebug() << debugLine;
     emit resultReady(texts::resultLogError());
+    emit incomplete();
     emit recordsRead({}, true);
     emit textChanged(texts::busyAddingLog());
 }

@@ -33,6 +33,8 @@ public:
 signals:
     /// Records of 16 bytes; end marks the last call, which comes without records if the reading fails.
     void recordsRead(const QByteArrayList& records, bool end);
+    /// The reading ends with an error. Comes before the last recordsRead().
+    void incomplete();
     /// The log has not changed, or there is no port to read it from.
     void notNecessary();
 

@@ -95,17 +95,28 @@ void LogTab::endModelChange()
 
 void LogTab::readLog()
 {
-    logEvents.saveAndClearEvents();
-    detachLogView();
+    beginReading();
     emit forceReading();
     emit sig_ReadLogEvents();
 }
 
 void LogTab::readLogIfChanged()
 {
+    beginReading();
+    emit sig_ReadLogEvents();
+}
+
+void LogTab::beginReading()
+{
     logEvents.saveAndClearEvents();
     detachLogView();
-    emit sig_ReadLogEvents();
+    eventsAreMissing = false;
+    batches = 0;
+}
+
+void LogTab::expectMissingEvents()
+{
+    eventsAreMissing = true;
 }
 
 void LogTab::sl_ReceiveDataEvents(const QByteArrayList& data, bool end)
@@ -147,9 +158,10 @@ void LogTab::sl_InsertNextPartEvents(ErrorDataBase err)
     }
     const QList<EventOfTable> rows = logEvents.takeEvents(batchSize);
     if (rows.isEmpty()) {
-        emit sig_HideFormWaiting();
+        endReading(batches == 0 && eventsAreMissing);
         changeModel([this] { emit sig_refreshTable(); });
     } else {
+        ++batches;
         emit sig_insertDataToTable(rows);
     }
 }
@@ -163,6 +175,15 @@ void LogTab::sl_RestoreLogEvent()
 void LogTab::stopWithFault(const QString& text)
 {
     dialogs.critical(dialogParent, texts::databaseFault(), text);
+    endReading(batches <= 1);
+}
+
+void LogTab::endReading(bool allIsLost)
+{
+    // The log hasn't changed since a reading of which nothing is left, and is worth another one all the same.
+    if (allIsLost) {
+        emit forceReading();
+    }
     emit sig_HideFormWaiting();
 }
 

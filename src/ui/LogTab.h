@@ -43,7 +43,9 @@ struct LogWidgets
 /// - actionReadLog: writes the time if it has to, then readLog().
 /// - A change to the tab tabLogEvents while actionReadLog is enabled: readLogIfChanged().
 /// - actionLoadLog and actionSaveLog: its sl_LoadLogFromFile() and sl_SaveLogInFile().
-/// - forceReading goes to FormChoiceCoordinator::forceLogReading(), newResult to sl_ReceiveNewMessageAboutResult().
+/// - forceReading goes to FormChoiceCoordinator::forceLogReading(), its logIncomplete to expectMissingEvents(),
+/// newResult
+///   to sl_ReceiveNewMessageAboutResult().
 /// - FormChoiceCoordinator::sig_sendReadLogOnForm comes to sl_ReceiveDataEvents(), its sig_ReadLogNotNeccessary to
 ///   sl_RestoreLogEvent(); sig_ReadLogEvents goes to its sl_SendRequestBeginReadLog(), sig_HideFormWaiting to its
 ///   sl_HideFormWaiting().
@@ -85,6 +87,9 @@ public:
 
     void readLog();          ///< reads the unit's log whether it has changed or not
     void readLogIfChanged(); ///< reads it if its counter has moved since the last reading
+
+    /// The reading that is about to end has an error.
+    void expectMissingEvents();
 
 signals:
     void sig_ReadLogEvents();
@@ -134,6 +139,8 @@ private:
     void beginModelChange(const std::function<void()>& request);
     void endModelChange();
 
+    void beginReading();
+    void endReading(bool allIsLost);
     void detachLogView();
     void attachLogView();
     void dropModel();
@@ -147,9 +154,11 @@ private:
     LogEvents logEvents;
     QThread dataBaseThread;
     DataBase* dataBase;
-    QPointer<SqlModel> modelLog; ///< the worker's; it goes when the worker has to begin anew
-    QList<int> columnWidths;     ///< at the last detach
-    QList<bool> columnHidden;    ///< at the last detach
-    int modelChanges = 0;        ///< requested, and not yet done with on the database thread and here
+    QPointer<SqlModel> modelLog;   ///< the worker's; it goes when the worker has to begin anew
+    bool eventsAreMissing = false; ///< in the reading
+    int batches = 0;               ///< of the reading, sent to the worker
+    QList<int> columnWidths;       ///< at the last detach
+    QList<bool> columnHidden;      ///< at the last detach
+    int modelChanges = 0;          ///< requested, and not yet done with on the database thread and here
     QQueue<std::function<void()>> waitingRequests;
 };

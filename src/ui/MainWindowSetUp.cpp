@@ -162,6 +162,7 @@ void MainWindow::setUpLog()
 {
     logTab = std::make_unique<LogTab>(LogWidgets{this, ui->tableViewLogEvents, ui->labelCountRows}, *device, dialogs);
     connect(logTab.get(), &LogTab::forceReading, formChoiceCoordinator, &FormChoiceCoordinator::forceLogReading);
+    connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, logTab.get(), &LogTab::expectMissingEvents);
     logTab->startDataBase(this);
 }
 

@@ -143,6 +143,10 @@ private slots:
     void a_block_of_another_length_ends_the_reading_data();
     void a_block_of_another_length_ends_the_reading();
     void information_that_cannot_be_read_empties_the_table();
+    void a_reading_that_left_nothing_is_made_again_on_the_tab_data();
+    void a_reading_that_left_nothing_is_made_again_on_the_tab();
+    void a_reading_that_left_some_rows_is_not_made_again();
+    void an_empty_log_is_not_read_at_every_change_to_the_tab();
     void an_unchanged_log_comes_back_without_a_reading();
     void the_action_reads_an_unchanged_log_too();
     void a_log_that_has_grown_is_read_again_on_the_tab();
@@ -364,6 +368,69 @@ void tst_log_reading::information_that_cannot_be_read_empties_the_table()
     QCOMPARE(over.told.last(), texts::resultLogError());
     QCOMPARE(over.unit.requestCount(3), 0);
     QCOMPARE(count(over), countOf(0));
+}
+
+void tst_log_reading::a_reading_that_left_nothing_is_made_again_on_the_tab_data()
+{
+    QTest::addColumn<int>("newRecords");
+    QTest::addColumn<UnitFault>("fault");
+    QTest::newRow("its information failed") << 0 << UnitFault(UnitFault::Refuse).onRequest(4);
+    QTest::newRow("its first block failed") << 1 << UnitFault(UnitFault::Refuse).onRequest(3);
+    QTest::newRow("its first block was no record")
+        << 1 << UnitFault(UnitFault::ReplaceAnswer).onRequest(3).bytes(QByteArray(15, 'x'));
+}
+
+void tst_log_reading::a_reading_that_left_nothing_is_made_again_on_the_tab()
+{
+    QFETCH(int, newRecords);
+    QFETCH(UnitFault, fault);
+    WindowOverUnit over(unitWithLog(10));
+    QVERIFY(over.waitForChain());
+    QVERIFY(shown(over));
+    over.unit.change([newRecords](UnitState& state) { state.log.append(unitWithLog(newRecords).log.records()); });
+    over.unit.setFaults({fault});
+    auto* const tabs = over.get<QTabWidget>("tabWidget");
+    over.told.clear();
+    tabs->setCurrentIndex(1);
+    QVERIFY(over.waitFor({texts::resultLogError(), texts::resultLogErrors()}));
+    QVERIFY(shown(over));
+    QCOMPARE(count(over), countOf(0));
+
+    over.unit.setFaults({});
+    tabs->setCurrentIndex(0);
+    over.told.clear();
+    tabs->setCurrentIndex(1);
+    QVERIFY(over.waitFor({texts::resultLogOk(), texts::resultLogUnchanged()}));
+    QVERIFY(shown(over));
+    QCOMPARE(over.told.last(), texts::resultLogOk());
+    QCOMPARE(rowsInView(view(over)), rowsOf(over.unit.state().log.records()));
+}
+
+void tst_log_reading::a_reading_that_left_some_rows_is_not_made_again()
+{
+    WindowOverUnit over(unitWithLog(10), {UnitFault(UnitFault::Refuse).onRequest(3).from(2)});
+    QVERIFY(over.waitForChain());
+    QVERIFY(shown(over));
+    QCOMPARE(over.told.last(), texts::resultLogError());
+    const QString before = count(over);
+    over.unit.setFaults({});
+    over.told.clear();
+    over.get<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    QVERIFY(over.waitFor({texts::resultLogOk(), texts::resultLogUnchanged()}));
+    QVERIFY(shown(over));
+    QCOMPARE(over.told.last(), texts::resultLogUnchanged());
+    QCOMPARE(count(over), before);
+}
+
+void tst_log_reading::an_empty_log_is_not_read_at_every_change_to_the_tab()
+{
+    WindowOverUnit over;
+    QVERIFY(over.waitForChain());
+    QVERIFY(shown(over));
+    over.told.clear();
+    over.get<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    QVERIFY(over.waitFor({texts::resultLogOk(), texts::resultLogUnchanged()}));
+    QCOMPARE(over.told.last(), texts::resultLogUnchanged());
 }
 
 // ---- When it reads -----------------------------------------------------------------------------------------------

@@ -78,6 +78,8 @@ void tst_LogReading::init()
     });
     connect(operation.get(), &LogReading::notNecessary, recorder.get(),
             [this] { recorder->events.append(QStringLiteral("not necessary")); });
+    connect(operation.get(), &LogReading::incomplete, recorder.get(),
+            [this] { recorder->events.append(QStringLiteral("incomplete")); });
 }
 
 void tst_LogReading::answerInfo(const QByteArray& payload)
@@ -243,8 +245,12 @@ void tst_LogReading::endsWithABlockOfAnotherLength()
     const QString result = errors == 0
                                ? texts::resultLogOk()
                                : QStringLiteral("Reading log of events WAS COMPLETED WITH ERROR (Number of error = 1)");
-    QCOMPARE(takeEvents(), QStringList({QStringLiteral("step"), QStringLiteral("records %1 1").arg(records),
-                                        QStringLiteral("result ") + result, adding()}));
+    QStringList events{QStringLiteral("step"), QStringLiteral("records %1 1").arg(records),
+                       QStringLiteral("result ") + result, adding()};
+    if (errors > 0) {
+        events.insert(1, QStringLiteral("incomplete"));
+    }
+    QCOMPARE(takeEvents(), events);
 }
 
 void tst_LogReading::countsBrokenRecordsOfOneReading()
@@ -321,7 +327,7 @@ void tst_LogReading::givesUpWhenTheInformationFails()
     takeEvents();
     operation->takeAnswer(answers::timedOut(protocol_HUBN_NX_Q::requestReadLogInfo(4)), true);
     QCOMPARE(takeEvents(), QStringList({QStringLiteral("result ERROR reading log of events"),
-                                        QStringLiteral("records 0 1"), adding()}));
+                                        QStringLiteral("incomplete"), QStringLiteral("records 0 1"), adding()}));
     QCOMPARE(lines.linesWith(QStringLiteral("END Read INFO Log with error")).size(), 1);
 }
 
@@ -334,7 +340,7 @@ void tst_LogReading::givesUpWhenABlockFails()
     takeEvents();
     operation->takeAnswer(answers::refused(protocol_HUBN_NX_Q::requestReadLog(4, false), 1, QByteArray(64, 'b')), true);
     QCOMPARE(takeEvents(), QStringList({QStringLiteral("result ERROR reading log of events"),
-                                        QStringLiteral("records 0 1"), adding()}));
+                                        QStringLiteral("incomplete"), QStringLiteral("records 0 1"), adding()}));
     QCOMPARE(lines.linesWith(QStringLiteral("END Read Log with error")).size(), 1);
 }
 

@@ -139,6 +139,9 @@ private slots:
 
     void faultOfTheDatabaseShowsABoxAndHidesTheBusyForm_data();
     void faultOfTheDatabaseShowsABoxAndHidesTheBusyForm();
+    void readingOfWhichNothingIsLeftForcesTheNext_data();
+    void readingOfWhichNothingIsLeftForcesTheNext();
+    void faultOfALaterBatchForcesNothing();
     void lineAboutTheEmptyTableIsWrittenWhateverTheOutcome();
     void apostropheInTheCatalogueStopsTheInsertAndTheProgramLives();
 
@@ -576,6 +579,62 @@ void tst_LogTab::faultOfTheDatabaseShowsABoxAndHidesTheBusyForm()
     QCOMPARE(window->dialogs.boxes.first().text, text);
     QCOMPARE(hidden.size(), 1);
     QCOMPARE(inserted.size() + refreshed.size(), 0);
+}
+
+void tst_LogTab::readingOfWhichNothingIsLeftForcesTheNext_data()
+{
+    QTest::addColumn<int>("records");
+    QTest::addColumn<bool>("missing");
+    QTest::addColumn<ErrorDataBase>("deletion");
+    QTest::addColumn<ErrorDataBase>("insertion");
+    QTest::addColumn<bool>("forces");
+    QTest::newRow("whole") << 5 << false << ErrorDataBaseNone << ErrorDataBaseNone << false;
+    QTest::newRow("empty log") << 0 << false << ErrorDataBaseNone << ErrorDataBaseNone << false;
+    QTest::newRow("failed before its first event") << 0 << true << ErrorDataBaseNone << ErrorDataBaseNone << true;
+    QTest::newRow("failed after some events") << 5 << true << ErrorDataBaseNone << ErrorDataBaseNone << false;
+    QTest::newRow("not deleted") << 5 << false << ErrorDataBaseExec << ErrorDataBaseNone << true;
+    QTest::newRow("not inserted") << 5 << false << ErrorDataBaseNone << ErrorDataBaseExec << true;
+    QTest::newRow("not prepared") << 5 << false << ErrorDataBaseNone << ErrorDataBasePrepare << true;
+}
+
+void tst_LogTab::readingOfWhichNothingIsLeftForcesTheNext()
+{
+    QFETCH(int, records);
+    QFETCH(bool, missing);
+    QFETCH(ErrorDataBase, deletion);
+    QFETCH(ErrorDataBase, insertion);
+    QFETCH(bool, forces);
+    // Once the busy form is gone, the user may change to the tab.
+    int forcedInTime = -1;
+    connect(window->tab.get(), &LogTab::sig_HideFormWaiting, this,
+            [this, &forcedInTime] { forcedInTime = window->forcedReadings; });
+    window->tab->readLogIfChanged();
+    if (missing) {
+        window->tab->expectMissingEvents();
+    }
+    handOver(*window->tab, records);
+    window->tab->sl_DataIsDeleted(deletion);
+    if (deletion == ErrorDataBaseNone && records > 0) {
+        window->tab->sl_InsertNextPartEvents(insertion);
+    }
+    QCOMPARE(forcedInTime, forces ? 1 : 0);
+
+    // It says nothing of the reading after it.
+    window->tab->readLogIfChanged();
+    handOver(*window->tab, 0);
+    window->tab->sl_DataIsDeleted(ErrorDataBaseNone);
+    QCOMPARE(window->forcedReadings, forcedInTime);
+}
+
+void tst_LogTab::faultOfALaterBatchForcesNothing()
+{
+    window->tab->readLogIfChanged();
+    handOver(*window->tab, 2001);
+    window->tab->sl_DataIsDeleted(ErrorDataBaseNone);
+    window->tab->sl_InsertNextPartEvents(ErrorDataBaseNone);
+    window->tab->sl_InsertNextPartEvents(ErrorDataBaseExec);
+    QCOMPARE(window->dialogs.boxes.size(), 1);
+    QCOMPARE(window->forcedReadings, 0);
 }
 
 void tst_LogTab::lineAboutTheEmptyTableIsWrittenWhateverTheOutcome()
