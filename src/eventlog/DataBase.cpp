@@ -10,7 +10,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
+#include <QSqlField>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QStringList>
 #include <QTime>
 #include <QUuid>
@@ -36,6 +38,16 @@ const QStringList& headings()
         texts::columnTime(),    texts::columnSignal(),       texts::columnNoise(),      texts::columnEvent(),
         texts::columnSource(),  texts::columnDetails(),
     };
+    return list;
+}
+
+const QStringList& columnNames()
+{
+    static const QStringList list =
+        QStringLiteral("NumberEvent SortDateTime DateInDays TimeInMinute Class Version Type Characteristic "
+                       "AddressTerminal NumberChannel CodeEvent Date Time SignalLevel NoiseLevel Event Source "
+                       "Information")
+            .split(QLatin1Char(' '));
     return list;
 }
 
@@ -122,6 +134,24 @@ QString insertStatement(const QList<EventOfTable>& rows)
     return statement;
 }
 
+/// A further column is fine if a row can be written without it.
+bool isColumnOfLog(int index, const QSqlField& column)
+{
+    if (index < columnNames().size()) {
+        return column.name().compare(columnNames().at(index), Qt::CaseInsensitive) == 0;
+    }
+    return column.requiredStatus() != QSqlField::Required || !column.defaultValue().isNull();
+}
+
+bool hasColumnsOfLog(const QSqlRecord& columns)
+{
+    bool same = columns.count() >= columnNames().size();
+    for (int index = 0; index < columns.count(); ++index) {
+        same = same && isColumnOfLog(index, columns.field(index));
+    }
+    return same;
+}
+
 /// Where the name itself lies, whatever it may link to.
 QString placeOf(const QString& path)
 {
@@ -160,10 +190,22 @@ bool DataBase::openWorkingFile()
     return true;
 }
 
+/// Why the table can't be shown and take the rows of a reading; empty if it can.
+QString DataBase::faultOfWorkingFile() const
+{
+    QSqlQuery check(database);
+    if (!check.exec(QStringLiteral("SELECT * FROM EventLogTable"))) {
+        return check.lastError().text();
+    }
+    const bool takesRows = database.tables().contains(tableName(), Qt::CaseInsensitive); // a view gives rows only
+    return takesRows && hasColumnsOfLog(database.record(tableName())) ? QString() : QStringLiteral("other columns");
+}
+
 void DataBase::makeModel()
 {
     model = new SqlModel;
     model->setTable(tableName());
+    model->removeColumns(headings().size(), model->columnCount() - headings().size());
     for (int column = 0; column < model->columnCount(); ++column) {
         model->setHeaderData(column, Qt::Horizontal, headings().value(column), Qt::EditRole);
     }
@@ -285,9 +327,8 @@ void DataBase::sl_connectOtherDataBase(const QString& otherFileName)
         emit sig_ResultConnectOtherDB(ErrorDataBaseOpen, nullptr, otherFileName);
         return;
     }
-    QSqlQuery check(database);
-    if (check.exec(QStringLiteral("SELECT * FROM EventLogTable"))) {
-        check.finish();
+    const QString fault = faultOfWorkingFile();
+    if (fault.isEmpty()) {
         if (model == nullptr) {
             makeModel();
         }
@@ -295,8 +336,7 @@ void DataBase::sl_connectOtherDataBase(const QString& otherFileName)
         emit sig_ResultConnectOtherDB(ErrorDataBaseNone, model, otherFileName);
         return;
     }
-    qDebug().noquote() << QStringLiteral("ERROR REFRESH TABLE EventLogTable (") + check.lastError().text() +
-                              QLatin1Char(')');
+    qDebug().noquote() << QStringLiteral("ERROR REFRESH TABLE EventLogTable (%1)").arg(fault);
     if (QFile::exists(fileName)) {
         sl_closeDataBase();
     }

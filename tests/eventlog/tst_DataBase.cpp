@@ -69,15 +69,26 @@ bool write(const QString& path, const QByteArray& content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
-/// What the sqlite3 shell prints about a database file.
-QString shell(const QString& path, const QString& statement)
+QString outputOfShell(const QStringList& arguments)
 {
     QProcess process;
-    process.start(QStringLiteral("sqlite3"), {QStringLiteral("-readonly"), path, statement});
+    process.start(QStringLiteral("sqlite3"), arguments);
     if (!process.waitForFinished()) {
         return QStringLiteral("the sqlite3 shell can't be run");
     }
     return QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()).trimmed();
+}
+
+/// What the sqlite3 shell prints about a database file.
+QString shell(const QString& path, const QString& statement)
+{
+    return outputOfShell({QStringLiteral("-readonly"), path, statement});
+}
+
+/// Changes a database file by the sqlite3 shell, which prints nothing if it can.
+QString writingShell(const QString& path, const QString& statement)
+{
+    return outputOfShell({path, statement});
 }
 
 QString textWithoutTime(const QString& line)
@@ -183,6 +194,11 @@ private slots:
     void loadOfAFileThatDoesNotExistEmitsNothing();
     void loadOfAFileThatIsNoLogEndsEmpty_data();
     void loadOfAFileThatIsNoLogEndsEmpty();
+    void loadOfATableWithOtherColumnsEndsEmpty_data();
+    void loadOfATableWithOtherColumnsEndsEmpty();
+    void loadOfATableWithFurtherColumnsShowsThoseOfALog_data();
+    void loadOfATableWithFurtherColumnsShowsThoseOfALog();
+    void loadOfATableWithFurtherColumnsWorksAfterAStartThatFailed();
     void loadOfTheWorkingFileItselfEndsEmpty_data();
     void loadOfTheWorkingFileItselfEndsEmpty();
     void loadOfAHardLinkToTheWorkingFileShowsIt();
@@ -828,6 +844,109 @@ void tst_DataBase::loadOfAFileThatIsNoLogEndsEmpty()
     dataBase->sl_insertIntoTable(eventRows(4));
     dataBase->sl_refreshModel();
     QCOMPARE(model->rowCount(), 4);
+}
+
+void tst_DataBase::loadOfATableWithOtherColumnsEndsEmpty_data()
+{
+    QTest::addColumn<QString>("change");
+    const auto anew = [](const QString& columns, const QString& definitions) {
+        return QStringLiteral("CREATE TABLE Other (%2); INSERT INTO Other SELECT %1 FROM EventLogTable; "
+                              "DROP TABLE EventLogTable; ALTER TABLE Other RENAME TO EventLogTable")
+            .arg(columns, definitions);
+    };
+    const QString head = QStringLiteral("NumberEvent, SortDateTime, DateInDays, TimeInMinute, Class, Version, Type, "
+                                        "Characteristic, AddressTerminal, NumberChannel, CodeEvent, Date, Time, ");
+    const QString all = head + QStringLiteral("SignalLevel, NoiseLevel, Event, Source, Information");
+    QTest::newRow("the last one is missing") << QStringLiteral("ALTER TABLE EventLogTable DROP COLUMN Information");
+    QTest::newRow("one in the middle is missing") << QStringLiteral("ALTER TABLE EventLogTable DROP COLUMN Class");
+    QTest::newRow("one has another name")
+        << QStringLiteral("ALTER TABLE EventLogTable RENAME COLUMN SignalLevel TO Level");
+    QTest::newRow("two have changed places")
+        << anew(all, head + QStringLiteral("NoiseLevel, SignalLevel, Event, Source, Information"));
+    QTest::newRow("one too many in front") << anew(QStringLiteral("1, ") + all, QStringLiteral("Id, ") + all);
+    QTest::newRow("a further one that can't be left out")
+        << anew(all + QStringLiteral(", 1"), all + QStringLiteral(", Further INTEGER NOT NULL"));
+    QTest::newRow("no table but a view") << QStringLiteral(
+        "ALTER TABLE EventLogTable RENAME TO Other; CREATE VIEW EventLogTable AS SELECT * FROM Other");
+}
+
+void tst_DataBase::loadOfATableWithOtherColumnsEndsEmpty()
+{
+    QFETCH(QString, change);
+    const QString saved = savedLog(QStringLiteral("saved.db"), 10);
+    QCOMPARE(writingShell(saved, change), QString());
+    const QByteArray content = contentOf(saved);
+    QVERIFY(connected() != nullptr);
+    dataBase->sl_insertIntoTable(eventRows(5));
+    const QSignalSpy messages(dataBase.get(), &DataBase::sig_MessageForForm);
+    const QSignalSpy connects(dataBase.get(), &DataBase::sig_ResultConnectDB);
+    const QSignalSpy results(dataBase.get(), &DataBase::sig_ResultConnectOtherDB);
+    const QSignalSpy refreshes(dataBase.get(), &DataBase::sig_RefreshComplete);
+    {
+        const DebugLines debug;
+        dataBase->sl_connectOtherDataBase(saved);
+        QCOMPARE(debug.lines(), QStringList(QStringLiteral("ERROR REFRESH TABLE EventLogTable (other columns)")));
+    }
+    QCOMPARE(messages.last().first().toString(), QStringLiteral("ERROR loading log of events from file\n") + saved);
+    QCOMPARE(results.size(), 0);
+    QCOMPARE(connects.size(), 1);
+    QCOMPARE(refreshes.size(), 1);
+    QCOMPARE(refreshes.first(), QVariantList({0, false}));
+    QCOMPARE(contentOf(saved), content);
+
+    const auto* model = connects.first().at(1).value<SqlModel*>();
+    dataBase->sl_deleteDataFromTable();
+    dataBase->sl_insertIntoTable(eventRows(4));
+    dataBase->sl_refreshModel();
+    QCOMPARE(model->rowCount(), 4);
+    QCOMPARE(model->data(model->index(0, 13)).toString(), QStringLiteral("8"));
+}
+
+void tst_DataBase::loadOfATableWithFurtherColumnsShowsThoseOfALog_data()
+{
+    QTest::addColumn<QString>("further");
+    QTest::newRow("one") << QStringLiteral("Further TEXT");
+    QTest::newRow("with a value of its own") << QStringLiteral("Further TEXT NOT NULL DEFAULT 'usual'");
+    QTest::newRow("with the name of a heading") << QStringLiteral("Number INTEGER");
+}
+
+void tst_DataBase::loadOfATableWithFurtherColumnsShowsThoseOfALog()
+{
+    QFETCH(QString, further);
+    const QString saved = savedLog(QStringLiteral("saved.db"), 10);
+    QCOMPARE(writingShell(saved, QStringLiteral("ALTER TABLE EventLogTable ADD COLUMN ") + further), QString());
+    const SqlModel* model = connected();
+    const QSignalSpy results(dataBase.get(), &DataBase::sig_ResultConnectOtherDB);
+    dataBase->sl_connectOtherDataBase(saved);
+    QCOMPARE(results.size(), 1);
+    QCOMPARE(results.first().at(0).value<ErrorDataBase>(), ErrorDataBaseNone);
+    dataBase->sl_refreshModel();
+    QCOMPARE(model->rowCount(), 10);
+    QCOMPARE(model->columnCount(), 18);
+    QCOMPARE(model->headerData(9, Qt::Vertical).toInt(), 1);
+    QCOMPARE(model->data(model->index(9, 17)).toString(), eventRow(1).information);
+
+    dataBase->sl_deleteDataFromTable();
+    dataBase->sl_insertIntoTable(eventRows(4));
+    dataBase->sl_refreshModel();
+    QCOMPARE(model->rowCount(), 4);
+    QCOMPARE(model->data(model->index(0, 17)).toString(), eventRow(4).information);
+}
+
+void tst_DataBase::loadOfATableWithFurtherColumnsWorksAfterAStartThatFailed()
+{
+    const QString saved = savedLog(QStringLiteral("saved.db"), 10);
+    QCOMPARE(writingShell(saved, QStringLiteral("ALTER TABLE EventLogTable ADD COLUMN Further TEXT")), QString());
+    QVERIFY(QDir().mkdir(workingFile));
+    QVERIFY(connected() == nullptr);
+    QVERIFY(QDir().rmdir(workingFile));
+    const QSignalSpy results(dataBase.get(), &DataBase::sig_ResultConnectOtherDB);
+    dataBase->sl_connectOtherDataBase(saved);
+    const auto* model = results.value(0).value(1).value<SqlModel*>();
+    QVERIFY(model != nullptr);
+    QCOMPARE(model->columnCount(), 18);
+    QCOMPARE(model->rowCount(), 10);
+    QCOMPARE(model->headerData(17, Qt::Horizontal).toString(), QStringLiteral("Details"));
 }
 
 void tst_DataBase::loadOfTheWorkingFileItselfEndsEmpty_data()
