@@ -1,155 +1,25 @@
 #include "eventlog/DataBase.h"
 
-#include <algorithm>
-#include <charconv>
-#include <iterator>
-#include <numeric>
-
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
-#include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QStringList>
 #include <QTime>
 #include <QUuid>
 
+#include "eventlog/LogTable.h"
 #include "texts/texts.h"
 
 namespace
 {
 
-const QString& tableName()
-{
-    static const QString name = QStringLiteral("EventLogTable");
-    return name;
-}
-
-/// Headings of the columns, in their order in the table.
-const QStringList& headings()
-{
-    static const QStringList list = {
-        texts::columnNumber(),  texts::columnSortDateTime(), texts::columnDateInDays(), texts::columnTimeInMinutes(),
-        texts::columnClass(),   texts::columnVersion(),      texts::columnType(),       texts::columnCharacteristic(),
-        texts::columnAddress(), texts::columnChannel(),      texts::columnCode(),       texts::columnDate(),
-        texts::columnTime(),    texts::columnSignal(),       texts::columnNoise(),      texts::columnEvent(),
-        texts::columnSource(),  texts::columnDetails(),
-    };
-    return list;
-}
-
-const QStringList& columnNames()
-{
-    static const QStringList list =
-        QStringLiteral("NumberEvent SortDateTime DateInDays TimeInMinute Class Version Type Characteristic "
-                       "AddressTerminal NumberChannel CodeEvent Date Time SignalLevel NoiseLevel Event Source "
-                       "Information")
-            .split(QLatin1Char(' '));
-    return list;
-}
-
 void logProgress(const QString& text)
 {
     qDebug().noquote() << QTime::currentTime().toString(QStringLiteral("hh:mm:ss:zzz")) +
                               QLatin1String(" (Database): ") + text;
-}
-
-/// @name The statement is half a megabyte of small pieces, so they are written straight into its characters. Each
-/// function returns the place behind what it wrote.
-/// @{
-QChar* put(QChar* place, QLatin1String text)
-{
-    return std::transform(text.begin(), text.end(), place, [](char letter) { return QLatin1Char(letter); });
-}
-
-QChar* put(QChar* place, const QString& text)
-{
-    return std::copy(text.begin(), text.end(), place);
-}
-
-QChar* put(QChar* place, quint32 number)
-{
-    char digits[10];
-    const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), number);
-    return put(place, QLatin1String(std::begin(digits), end.ptr));
-}
-
-/// As the text stands: the statement knows no escaping.
-QChar* putQuoted(QChar* place, const QString& text)
-{
-    *place++ = QLatin1Char('\'');
-    place = put(place, text);
-    *place++ = QLatin1Char('\'');
-    return place;
-}
-
-QChar* put(QChar* place, const EventOfTable& row)
-{
-    const QLatin1String comma(", ");
-    const quint32 numbers[] = {row.numberEvent,     row.sortDateTime,  row.dateInDays, row.timeInMinute,
-                               row.classTerminal,   row.version,       row.type,       row.characteristic,
-                               row.addressTerminal, row.numberChannel, row.codeEvent};
-    *place++ = QLatin1Char('(');
-    for (const quint32 number : numbers) {
-        place = put(put(place, number), comma);
-    }
-    place = put(putQuoted(place, row.date), comma);
-    place = put(putQuoted(place, row.time), comma);
-    place = put(put(place, quint32(row.signalLevel)), comma);
-    place = put(put(place, quint32(row.noiseLevel)), comma);
-    place = put(putQuoted(place, row.event), comma);
-    place = put(putQuoted(place, row.source), comma);
-    place = putQuoted(place, row.information);
-    *place++ = QLatin1Char(')');
-    return place;
-}
-/// @}
-
-/// No row is longer, and what is too much costs nothing.
-int longestLength(const EventOfTable& row)
-{
-    constexpr int numbersAndSigns = 256;
-    return numbersAndSigns + row.date.size() + row.time.size() + row.event.size() + row.source.size() +
-           row.information.size();
-}
-
-QString insertStatement(const QList<EventOfTable>& rows)
-{
-    const QLatin1String head(
-        "INSERT INTO EventLogTable ( NumberEvent, SortDateTime, DateInDays, TimeInMinute, Class, Version, Type, "
-        "Characteristic, AddressTerminal, NumberChannel, CodeEvent, Date, Time, SignalLevel, NoiseLevel, Event, "
-        "Source, Information ) VALUES ");
-    const int length = std::accumulate(rows.begin(), rows.end(), head.size(),
-                                       [](int sum, const EventOfTable& row) { return sum + longestLength(row); });
-    QString statement(length, Qt::Uninitialized);
-    QChar* place = put(statement.data(), head);
-    for (int i = 0; i < rows.size(); ++i) {
-        place = i > 0 ? put(place, QLatin1String(", ")) : place;
-        place = put(place, rows.at(i));
-    }
-    statement.truncate(static_cast<int>(place - statement.constData()));
-    return statement;
-}
-
-/// A further column is fine if a row can be written without it.
-bool isColumnOfLog(int index, const QSqlField& column)
-{
-    if (index < columnNames().size()) {
-        return column.name().compare(columnNames().at(index), Qt::CaseInsensitive) == 0;
-    }
-    return column.requiredStatus() != QSqlField::Required || !column.defaultValue().isNull();
-}
-
-bool hasColumnsOfLog(const QSqlRecord& columns)
-{
-    bool same = columns.count() >= columnNames().size();
-    for (int index = 0; index < columns.count(); ++index) {
-        same = same && isColumnOfLog(index, columns.field(index));
-    }
-    return same;
 }
 
 /// Where the name itself lies, whatever it may link to.
@@ -194,20 +64,21 @@ bool DataBase::openWorkingFile()
 QString DataBase::faultOfWorkingFile() const
 {
     QSqlQuery check(database);
-    if (!check.exec(QStringLiteral("SELECT * FROM EventLogTable"))) {
+    if (!check.exec(QLatin1String("SELECT * FROM ") + logtable::name())) {
         return check.lastError().text();
     }
-    const bool takesRows = database.tables().contains(tableName(), Qt::CaseInsensitive); // a view gives rows only
-    return takesRows && hasColumnsOfLog(database.record(tableName())) ? QString() : QStringLiteral("other columns");
+    const bool takesRows = database.tables().contains(logtable::name(), Qt::CaseInsensitive); // a view gives rows only
+    return takesRows && logtable::fits(database.record(logtable::name())) ? QString() : QStringLiteral("other columns");
 }
 
 void DataBase::makeModel()
 {
     model = new SqlModel;
-    model->setTable(tableName());
-    model->removeColumns(headings().size(), model->columnCount() - headings().size());
-    for (int column = 0; column < model->columnCount(); ++column) {
-        model->setHeaderData(column, Qt::Horizontal, headings().value(column), Qt::EditRole);
+    model->setTable(logtable::name());
+    const QVector<logtable::Column>& columns = logtable::columns();
+    model->removeColumns(columns.size(), model->columnCount() - columns.size());
+    for (int column = 0; column < columns.size(); ++column) {
+        model->setHeaderData(column, Qt::Horizontal, columns.at(column).heading(), Qt::EditRole);
     }
 }
 
@@ -238,14 +109,8 @@ void DataBase::sl_connectToDataBase()
         return;
     }
     QSqlQuery query(database);
-    if (!query.exec(QStringLiteral(
-            "CREATE TABLE EventLogTable (NumberEvent INTEGER NULL,SortDateTime INTEGER NULL,DateInDays INTEGER NULL,"
-            "TimeInMinute INTEGER NULL,Class INTEGER NULL,Version INTEGER NULL,Type INTEGER NULL,Characteristic "
-            "INTEGER "
-            "NULL,AddressTerminal INTEGER NULL,NumberChannel INTEGER NULL,CodeEvent INTEGER NULL,Date VARCHAR(20) NULL,"
-            "Time VARCHAR(20) NULL,SignalLevel INTEGER NULL,NoiseLevel INTEGER NULL,Event TEXT NULL,Source TEXT NULL,"
-            "Information TEXT NULL )"))) {
-        qDebug().noquote() << QLatin1String("ERROR CREATE TABLE ") + tableName();
+    if (!query.exec(logtable::createStatement())) {
+        qDebug().noquote() << QLatin1String("ERROR CREATE TABLE ") + logtable::name();
         emit sig_ResultConnectDB(ErrorDataBaseCreateTable, nullptr);
         return;
     }
@@ -265,7 +130,7 @@ void DataBase::sl_insertIntoTable(const QList<EventOfTable>& data)
     // exec() has the driver prepare the statement as it stands; prepare() would first search all of it for
     // placeholders, which costs more than to execute it. The type of the error tells which step has failed.
     QSqlQuery query(database);
-    if (!query.exec(insertStatement(data))) {
+    if (!query.exec(logtable::insertStatement(data))) {
         const QSqlError error = query.lastError();
         const bool prepared = database.isOpen() && error.type() == QSqlError::ConnectionError;
         logProgress(
@@ -282,7 +147,7 @@ void DataBase::sl_deleteDataFromTable()
 {
     logProgress(QStringLiteral("delete all data from table started"));
     QSqlQuery query(database);
-    if (!query.prepare(QStringLiteral("DELETE FROM EventLogTable"))) {
+    if (!query.prepare(QLatin1String("DELETE FROM ") + logtable::name())) {
         logProgress(QLatin1String("ERROR - Unable to prepare query: ") + query.lastError().text());
         emit sig_ResultDeleteFromTable(ErrorDataBasePrepare);
         return;
@@ -336,7 +201,7 @@ void DataBase::sl_connectOtherDataBase(const QString& otherFileName)
         emit sig_ResultConnectOtherDB(ErrorDataBaseNone, model, otherFileName);
         return;
     }
-    qDebug().noquote() << QStringLiteral("ERROR REFRESH TABLE EventLogTable (%1)").arg(fault);
+    qDebug().noquote() << QStringLiteral("ERROR REFRESH TABLE %1 (%2)").arg(logtable::name(), fault);
     if (QFile::exists(fileName)) {
         sl_closeDataBase();
     }

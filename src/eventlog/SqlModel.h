@@ -12,9 +12,6 @@ class SqlModel : public QSqlTableModel
     Q_OBJECT
 
 public:
-    static constexpr int columnOfNumber = 0;
-    static constexpr int columnOfDetails = 17;
-
     SqlModel();
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

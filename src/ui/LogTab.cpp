@@ -9,6 +9,7 @@
 #include <QTableView>
 #include <QTime>
 
+#include "eventlog/LogTable.h"
 #include "texts/texts.h"
 #include "widgets/Dialogs.h"
 
@@ -16,16 +17,7 @@ namespace
 {
 
 constexpr int batchSize = 2000;
-constexpr int firstVisibleColumn = 11;
 constexpr int rowHeight = 40;
-
-struct ColumnWidth
-{
-    int column;
-    int width;
-};
-
-constexpr ColumnWidth defaultWidths[] = {{11, 90}, {12, 90}, {13, 72}, {14, 72}, {15, 130}, {16, 143}};
 
 void logLine(const QString& text)
 {
@@ -216,8 +208,9 @@ void LogTab::sl_SettingTableView(SqlModel* model)
     dropModel();
     modelLog = model;
     view->setModel(model);
-    for (int column = 0; column < firstVisibleColumn; ++column) {
-        view->setColumnHidden(column, true);
+    const QVector<logtable::Column>& columns = logtable::columns();
+    for (int column = 0; column < columns.size(); ++column) {
+        view->setColumnHidden(column, columns.at(column).width == logtable::hidden);
     }
     view->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black; "
                                        "border: 1px solid rgb(187,187,187)"));
@@ -240,8 +233,10 @@ void LogTab::sl_SettingTableView(SqlModel* model)
     view->verticalHeader()->setDefaultAlignment(Qt::AlignCenter);
 
     view->resizeColumnsToContents();
-    for (const ColumnWidth& entry : defaultWidths) {
-        view->setColumnWidth(entry.column, entry.width);
+    for (int column = 0; column < columns.size(); ++column) {
+        if (columns.at(column).width > 0) {
+            view->setColumnWidth(column, columns.at(column).width);
+        }
     }
 }
 

@@ -15,6 +15,7 @@
 #include <QThread>
 
 #include "eventlog/DataBase.h"
+#include "eventlog/LogTable.h"
 #include "support/DebugLines.h"
 #include "support/OrdinaryUser.h"
 
@@ -273,13 +274,7 @@ void tst_DataBase::startMakesAnEmptyTable()
     QVERIFY(model != nullptr);
     QCOMPARE(model->rowCount(), 0);
     QCOMPARE(model->tableName(), QStringLiteral("EventLogTable"));
-    QCOMPARE(shell(workingFile, QStringLiteral("SELECT sql FROM sqlite_master")),
-             QStringLiteral("CREATE TABLE EventLogTable (NumberEvent INTEGER NULL,SortDateTime INTEGER NULL,"
-                            "DateInDays INTEGER NULL,TimeInMinute INTEGER NULL,Class INTEGER NULL,"
-                            "Version INTEGER NULL,Type INTEGER NULL,Characteristic INTEGER NULL,"
-                            "AddressTerminal INTEGER NULL,NumberChannel INTEGER NULL,CodeEvent INTEGER NULL,"
-                            "Date VARCHAR(20) NULL,Time VARCHAR(20) NULL,SignalLevel INTEGER NULL,"
-                            "NoiseLevel INTEGER NULL,Event TEXT NULL,Source TEXT NULL,Information TEXT NULL )"));
+    QCOMPARE(shell(workingFile, QStringLiteral("SELECT sql FROM sqlite_master")), logtable::createStatement());
 }
 
 void tst_DataBase::startSetsTheHeadings()
