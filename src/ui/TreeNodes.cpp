@@ -131,7 +131,7 @@ QComboBox* makeStateCombo(QFrame* parent, const RelayInformationPtr& relay, cons
 void addSettings(OutputNode& node, const ParamItems& outputStates)
 {
     auto* settings = new QFrame(node.frame);
-    settings->setStyleSheet(QStringLiteral("QFrame{background-color: rgba(0,0,0,0); border: 1px solid black;}"));
+    settings->setStyleSheet(QStringLiteral("QFrame{background-color: rgba(0,0,0,0); border: 1px solid black};"));
     node.comboStartState = makeStateCombo(settings, node.relay, outputStates);
     node.checkReturn = new QCheckBox(settings);
     node.checkReturn->setObjectName(QStringLiteral("checkReturn"));

@@ -299,7 +299,7 @@ void tst_Tree_Relay_Widget::node_of_an_output_holds_its_widgets()
     QCOMPARE(label(groupItem(0))->styleSheet(), label(item)->styleSheet());
     auto* settings = qobject_cast<QFrame*>(combo(0, 0)->parentWidget());
     QCOMPARE(settings->styleSheet(),
-             QStringLiteral("QFrame{background-color: rgba(0,0,0,0); border: 1px solid black;}"));
+             QStringLiteral("QFrame{background-color: rgba(0,0,0,0); border: 1px solid black};"));
     QVERIFY(!combo(0, 0)->isEditable());
     QStringList captions;
     const auto labels = settings->findChildren<QLabel*>();
