@@ -16,8 +16,8 @@
 
 #include "model/RelayInfo.h"
 #include "model/tables.h"
-#include "ui/ElidedLabel.h"
 #include "ui/ScriptSummary.h"
+#include "widgets/ElidedLabel.h"
 #include "widgets/Look.h"
 
 namespace

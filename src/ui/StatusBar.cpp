@@ -9,16 +9,20 @@
 #include <QVBoxLayout>
 
 #include "texts/texts.h"
+#include "widgets/ElidedLabel.h"
 
 namespace
 {
 
 constexpr uchar noCoordinator = 255;
+constexpr int lampSize = 24; ///< on the screen; leaves room for names of ports such as "ttyUSB10"
 
-QLabel* newLabel(const QString& objectName, const QString& text = {})
+template <typename Label = QLabel>
+Label* newLabel(const QString& objectName, const QString& text = {})
 {
-    auto* label = new QLabel(text);
+    auto* label = new Label;
     label->setObjectName(objectName);
+    label->setText(text);
     label->setTextFormat(Qt::AutoText);
     return label;
 }
@@ -67,7 +71,7 @@ QString lampIcon(uchar lamp)
 StatusBar::StatusBar()
     : labelIconPort(newLabel(QStringLiteral("labelIconPort"))),
       labelBaudrate(newLabel(QStringLiteral("labelBaudrate"), noValue())),
-      labelPortName(newLabel(QStringLiteral("labelPortName"), noValue())),
+      labelPortName(newLabel<ElidedLabel>(QStringLiteral("labelPortName"), noValue())),
       labelCoordinator(newLabel(QStringLiteral("labelCoordinator"), bold(texts::statusNotConnected()))),
       labelSerial(newLabel(QStringLiteral("labelSerial"), noValue())),
       labelVersion(newLabel(QStringLiteral("labelVersion"), noValue())),
@@ -88,13 +92,21 @@ void StatusBar::install(QStatusBar* bar)
 
 QFrame* StatusBar::portSection() const
 {
+    // The picture is larger than the lamp, and the label higher; what is left in between is a square.
     labelIconPort->setMaximumWidth(30);
-    labelIconPort->setMinimumHeight(30);
-    labelIconPort->setAlignment(Qt::AlignCenter);
+    labelIconPort->setFixedHeight(30);
+    constexpr int aboveLamp = (30 - lampSize) / 2;
+    labelIconPort->setContentsMargins(0, aboveLamp, 0, aboveLamp);
+    labelIconPort->setScaledContents(true);
+    labelIconPort->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    labelPortName->setElideMode(Qt::ElideMiddle);
 
     QFrame* section = newSection(QStringLiteral("sectionPort"));
     section->setFixedWidth(90);
     auto* layout = newLayout<QGridLayout>(section);
+    layout->setContentsMargins(1, 2, 1, 2);
+    layout->setSpacing(2);
+    layout->setColumnMinimumWidth(0, lampSize);
     layout->addWidget(labelIconPort, 0, 0, 2, 1);
     layout->addWidget(labelPortName, 0, 1);
     layout->addWidget(labelBaudrate, 1, 1);
@@ -146,6 +158,9 @@ void StatusBar::showPort(uchar lamp, const QString& portName, const QString& bau
                          const QString& serial, const QString& version)
 {
     labelIconPort->setPixmap(QPixmap(lampIcon(lamp)));
+    QFont font = labelPortName->font();
+    font.setBold(true);
+    labelPortName->setFont(font); // the label measures by its font, not by the text's format
     labelPortName->setText(bold(portName));
     labelBaudrate->setText(bold(baudrate));
     labelSerial->setText(bold(serial));

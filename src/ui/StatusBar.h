@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+class ElidedLabel;
 class QFrame;
 class QLabel;
 class QStatusBar;
@@ -45,7 +46,7 @@ private:
 
     QLabel* labelIconPort;
     QLabel* labelBaudrate;
-    QLabel* labelPortName;
+    ElidedLabel* labelPortName;
     QLabel* labelCoordinator;
     QLabel* labelSerial;
     QLabel* labelVersion;

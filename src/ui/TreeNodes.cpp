@@ -15,8 +15,8 @@
 
 #include "model/format.h"
 #include "texts/texts.h"
-#include "ui/ElidedLabel.h"
 #include "ui/NodeFrame.h"
+#include "widgets/ElidedLabel.h"
 #include "widgets/Look.h"
 
 namespace

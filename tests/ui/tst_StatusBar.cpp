@@ -1,10 +1,14 @@
+#include <QApplication>
 #include <QFrame>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QStatusBar>
+#include <QToolTip>
 #include <QtTest>
 
 #include "ui/StatusBar.h"
+#include "widgets/Look.h"
 
 namespace
 {
@@ -21,6 +25,10 @@ class tst_StatusBar : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        QApplication::setFont(look::applicationFont());
+    }
     void init();
     void cleanup();
 
@@ -30,6 +38,9 @@ private slots:
     void lamp_follows_the_state_of_the_port_data();
     void lamp_follows_the_state_of_the_port();
     void values_of_the_port_are_bold();
+    void name_of_the_port_is_whole_in_its_section_data();
+    void name_of_the_port_is_whole_in_its_section();
+    void long_name_of_a_port_is_elided_in_the_middle();
     void coordinator_is_shown_by_its_address_data();
     void coordinator_is_shown_by_its_address();
     void time_and_result_are_shown_as_they_are();
@@ -39,6 +50,15 @@ private:
     QLabel* label(const char* name) const
     {
         return window->findChild<QLabel*>(QLatin1String(name));
+    }
+    QImage pictureOfName() const
+    {
+        return section("sectionPort")->grab(label("labelPortName")->geometry()).toImage();
+    }
+    void showPort(const QString& name)
+    {
+        status->showPort(1, name, QStringLiteral("57600"), 1, QStringLiteral("2"), QStringLiteral("1.02"));
+        QCoreApplication::processEvents();
     }
     QFrame* section(const char* name) const
     {
@@ -150,6 +170,50 @@ void tst_StatusBar::values_of_the_port_are_bold()
     QCOMPARE(label("labelBaudrate")->text(), QStringLiteral("<b>57600</b>"));
     QCOMPARE(label("labelSerial")->text(), QStringLiteral("<b>4711</b>"));
     QCOMPARE(label("labelVersion")->text(), QStringLiteral("<b>2.05</b>"));
+}
+
+void tst_StatusBar::name_of_the_port_is_whole_in_its_section_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"ttyUSB0", "ttyUSB10", "ttyACM0", "COM256", "pts/12"}) {
+        QTest::newRow(name) << QString::fromLatin1(name);
+    }
+}
+
+void tst_StatusBar::name_of_the_port_is_whole_in_its_section()
+{
+    QFETCH(const QString, name);
+    showPort(name);
+    QLabel* const shown = label("labelPortName");
+    const int widthInSection = shown->width();
+    const QImage inSection = pictureOfName();
+    // With more room nothing comes to light that the section's width has hidden.
+    section("sectionPort")->setFixedWidth(300);
+    QTRY_VERIFY(shown->width() > 2 * widthInSection);
+    const QImage withMoreRoom = pictureOfName();
+    QCOMPARE(withMoreRoom.copy(inSection.rect()), inSection);
+    const QImage rest = withMoreRoom.copy(withMoreRoom.rect().adjusted(widthInSection, 0, 0, 0));
+    QImage nothing = rest;
+    nothing.fill(rest.pixelColor(rest.rect().bottomRight()));
+    QCOMPARE(rest, nothing);
+}
+
+void tst_StatusBar::long_name_of_a_port_is_elided_in_the_middle()
+{
+    const QString name = QStringLiteral("ttyVirtualPort17");
+    QLabel* const shown = label("labelPortName");
+    showPort(name);
+    const QImage elided = pictureOfName();
+    const QString expected = shown->fontMetrics().elidedText(name, Qt::ElideMiddle, shown->width());
+    QVERIFY(expected.endsWith(QLatin1Char('7')));
+    showPort(expected);
+    QCOMPARE(elided, pictureOfName());
+
+    showPort(name);
+    QHelpEvent hover(QEvent::ToolTip, QPoint(2, 2), shown->mapToGlobal(QPoint(2, 2)));
+    QApplication::sendEvent(shown, &hover);
+    QVERIFY(QToolTip::text().contains(name));
+    QToolTip::hideText();
 }
 
 void tst_StatusBar::coordinator_is_shown_by_its_address_data()
