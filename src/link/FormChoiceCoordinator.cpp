@@ -75,7 +75,7 @@ bool isCauseOfClosing(const QString& text)
 } // namespace
 
 FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams coordinatorSeams, QWidget* parent)
-    : QWidget(parent, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint), seams(std::move(coordinatorSeams)),
+    : Form(parent, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint), seams(std::move(coordinatorSeams)),
       ui(std::make_unique<Ui::FormChoiceCoordinator>()), timerPortList(new QTimer(this)),
       // A sibling, not a child, so that the window that stays below the busy form isn't this form, hidden by then.
       formWaiting(new FormWaiting(parent != nullptr ? parent : this)), timerNothingSent(new QTimer(this)),
@@ -521,12 +521,12 @@ void FormChoiceCoordinator::showEvent(QShowEvent* event)
         parentWidget()->window()->winId();
         windowHandle()->setTransientParent(parentWidget()->window()->windowHandle());
     }
-    QWidget::showEvent(event);
+    Form::showEvent(event);
 }
 
 void FormChoiceCoordinator::resizeEvent(QResizeEvent* event)
 {
-    QWidget::resizeEvent(event);
+    Form::resizeEvent(event);
     layout()->activate();
     fitTable();
 }
@@ -536,5 +536,5 @@ void FormChoiceCoordinator::closeEvent(QCloseEvent* event)
     if (currentTransmitter == nullptr) {
         emit sig_sendEnableOperationOnForm(false);
     }
-    QWidget::closeEvent(event);
+    Form::closeEvent(event);
 }

@@ -4,7 +4,6 @@
 #include <QDateTime>
 #include <QStringList>
 #include <QVector>
-#include <QWidget>
 
 #include <array>
 #include <functional>
@@ -12,6 +11,7 @@
 
 #include "link/StatePort.h"
 #include "link/message.h"
+#include "widgets/Form.h"
 
 class ConfigurationReading;
 class ConfigurationWriting;
@@ -63,7 +63,7 @@ using FirmwareRunner = std::function<void(const FirmwarePort&)>;
 /// Lives on the GUI thread, from the window's start to its end; all signals are emitted there. Give the main window
 /// as parent, so that this form and the busy form stay above it. The ports' threads are never stopped: they end with
 /// the process. Their ports are closed with the form, which waits for that no longer than 300 ms in all.
-class FormChoiceCoordinator : public QWidget
+class FormChoiceCoordinator : public Form
 {
     Q_OBJECT
 

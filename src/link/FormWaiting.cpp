@@ -23,7 +23,8 @@ constexpr std::chrono::milliseconds BehindTheStep{1};
 } // namespace
 
 FormWaiting::FormWaiting(QWidget* parent)
-    : QWidget(parent, Qt::Window | Qt::WindowTitleHint | Qt::MSWindowsFixedSizeDialogHint),
+    // Without the first hint X11 would have all buttons on the frame, those to minimise and to close it among them.
+    : Form(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::MSWindowsFixedSizeDialogHint),
       ui(std::make_unique<Ui::FormWaiting>()), timerPaint(new QTimer(this))
 {
     setFont(look::applicationFont());
@@ -85,7 +86,7 @@ void FormWaiting::showEvent(QShowEvent* event)
             parentWidget() != nullptr ? parentWidget()->window()->screen() : QGuiApplication::primaryScreen();
         setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(), place->availableGeometry()));
     }
-    QWidget::showEvent(event);
+    Form::showEvent(event);
 }
 
 void FormWaiting::closeEvent(QCloseEvent* event)

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QWidget>
 
 #include <memory>
+
+#include "widgets/Form.h"
 
 QT_BEGIN_NAMESPACE
 namespace Ui
@@ -19,7 +20,7 @@ class QTimer;
 /// It has no buttons and can't be closed, neither by the user nor by a window manager: whoever shows it hides it. Its
 /// parent is the window that it keeps the user away from; when that has been closed, it goes without resistance.
 /// Created by the coordinator form, owned by its parent; GUI thread.
-class FormWaiting : public QWidget
+class FormWaiting : public Form
 {
     Q_OBJECT
 

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QSpinBox>
 
 #include "model/RelayInfo.h"
@@ -29,7 +30,7 @@ QString noAddress()
 } // namespace
 
 FormAddingTerminal::FormAddingTerminal(QSharedPointer<RelayInfo> info, QWidget* parent)
-    : QWidget(parent, Qt::Window), ui(std::make_unique<Ui::FormAddingTerminal>()), relayInfo(std::move(info)),
+    : Form(parent, Qt::Window), ui(std::make_unique<Ui::FormAddingTerminal>()), relayInfo(std::move(info)),
       terminals({{texts::otherTerminal(), {}}})
 {
     ui->setupUi(this);
@@ -75,15 +76,18 @@ bool FormAddingTerminal::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Hide && !event->spontaneous()) {
         close();
     }
-    return QWidget::eventFilter(watched, event);
+    return Form::eventFilter(watched, event);
 }
 
 void FormAddingTerminal::showEvent(QShowEvent* event)
 {
-    QWidget::showEvent(event);
-    fillTerminals();
-    fillAddresses();
-    ui->spinBoxOutputs->setMaximum(maximumOutputs);
+    Form::showEvent(event);
+    // Coming back from an icon is no new showing.
+    if (!event->spontaneous()) {
+        fillTerminals();
+        fillAddresses();
+        ui->spinBoxOutputs->setMaximum(maximumOutputs);
+    }
 }
 
 void FormAddingTerminal::fillTerminals()

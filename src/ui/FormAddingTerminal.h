@@ -6,7 +6,8 @@
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
-#include <QWidget>
+
+#include "widgets/Form.h"
 
 class QLabel;
 class QLineEdit;
@@ -24,7 +25,7 @@ QT_END_NAMESPACE
 ///
 /// Owned by the main window, and a window of its own that closes with it; not modal; GUI thread only. It is refilled
 /// at every showing, so nothing is kept of what was entered. The result is one signal.
-class FormAddingTerminal : public QWidget
+class FormAddingTerminal : public Form
 {
     Q_OBJECT
 

@@ -40,6 +40,7 @@ private slots:
     void address_taken_meanwhile_is_not_added();
     void keys_alone_add_a_terminal();
     void cancel_keeps_nothing();
+    void coming_back_from_an_icon_keeps_what_was_entered();
     void odd_names_are_passed_on_as_they_are();
     void closes_with_its_window();
 
@@ -411,6 +412,16 @@ void tst_FormAddingTerminal::cancel_keeps_nothing()
     QVERIFY(added.isEmpty());
     showForm();
     QCOMPARE(name->text(), QStringLiteral("New executive terminal"));
+}
+
+void tst_FormAddingTerminal::coming_back_from_an_icon_keeps_what_was_entered()
+{
+    showForm();
+    name->setText(QStringLiteral("Siren"));
+    QShowEvent event;
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(form.get(), &event);
+    QCOMPARE(name->text(), QStringLiteral("Siren"));
 }
 
 void tst_FormAddingTerminal::odd_names_are_passed_on_as_they_are()

@@ -13,6 +13,7 @@
 #include <QtTest>
 
 #include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
 #include "support/ScriptedDialogs.h"
 #include "texts/texts.h"
 #include "ui/MainWindow.h"
@@ -37,6 +38,9 @@ private slots:
     void docks_can_be_moved_only();
     void titles_of_the_first_tab();
     void the_coordinator_form_is_shown_first_and_by_its_action();
+    void forms_that_were_minimised_come_up_when_they_are_shown_data();
+    void forms_that_were_minimised_come_up_when_they_are_shown();
+    void forms_that_block_the_window_offer_no_minimising();
 
     void lamp_and_labels_follow_the_port();
     void device_time_is_shown_and_gates_the_synchronising();
@@ -207,6 +211,39 @@ void tst_MainWindow::the_coordinator_form_is_shown_first_and_by_its_action()
     QVERIFY(!form()->isVisible());
     action("actionSelectCoordinator")->trigger();
     QVERIFY(form()->isVisible());
+}
+
+void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown_data()
+{
+    QTest::addColumn<QString>("form");
+    for (const char* name : {"FormChoiceCoordinator", "FormWaiting", "FormAddingTerminal"}) {
+        QTest::newRow(name) << QString::fromLatin1(name);
+    }
+}
+
+void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown()
+{
+    QFETCH(const QString, form);
+    auto* const widget = window->findChild<QWidget*>(form);
+    QVERIFY(widget != nullptr);
+    widget->show();
+    widget->setWindowState(Qt::WindowMinimized);
+    widget->hide();
+    QVERIFY(widget->isMinimized());
+    widget->show();
+    QVERIFY(!widget->isMinimized());
+    QVERIFY(QTest::qWaitForWindowExposed(widget));
+}
+
+void tst_MainWindow::forms_that_block_the_window_offer_no_minimising()
+{
+    for (const QWidget* blocking :
+         {static_cast<QWidget*>(form()), static_cast<QWidget*>(window->findChild<FormWaiting*>())}) {
+        const Qt::WindowFlags flags = blocking->windowFlags();
+        QVERIFY((flags & Qt::WindowMinMaxButtonsHint) == 0);
+        // On X11 the title alone would mean all buttons.
+        QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint) || flags.testFlag(Qt::CustomizeWindowHint));
+    }
 }
 
 void tst_MainWindow::lamp_and_labels_follow_the_port()
