@@ -1,6 +1,7 @@
 #include "firmware/Loading.h"
 
 #include <QColor>
+#include <QKeyEvent>
 #include <QShowEvent>
 
 #include "firmware/protocol_boot.h"
@@ -57,6 +58,7 @@ Loading::Loading(QWidget* parent)
     ui->setupUi(this);
     setWindowTitle(texts::firmwareTitle());
     setAttribute(Qt::WA_DeleteOnClose);
+    ui->labelFileName->setElideMode(Qt::ElideMiddle);
 }
 
 Loading::~Loading() = default;
@@ -114,6 +116,14 @@ void Loading::reject()
         endWithError(texts::firmwareAborted());
     }
     QDialog::reject();
+}
+
+void Loading::keyPressEvent(QKeyEvent* event)
+{
+    // A key that slips in must not leave the unit with half an image.
+    if (finished || !event->matches(QKeySequence::Cancel)) {
+        QDialog::keyPressEvent(event);
+    }
 }
 
 void Loading::showEvent(QShowEvent* event)

@@ -22,7 +22,7 @@ QT_END_NAMESPACE
 /// A run begins when the dialog appears and asks the unit to enter its bootloader first; then the bootloader's requests
 /// follow, each after the answer to the one before and each at most four times. A run that went well closes the dialog;
 /// one that failed or was aborted leaves it open, and the user may begin again from the start. Closing the dialog in
-/// the middle of a run is an abort.
+/// the middle of a run is an abort; the Escape key does nothing then.
 ///
 /// Created on the GUI thread for one load, run with exec(), and deleted when it closes. It knows neither port nor
 /// worker: requests leave by sig_SendMessage, and sl_receiveMessage takes the answers.
@@ -52,6 +52,7 @@ signals:
     void sig_SendResultOperation(const QString& result);
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:

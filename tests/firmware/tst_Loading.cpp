@@ -1,9 +1,11 @@
 #include <QtTest>
 
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QToolTip>
 
 #include "firmware/Loading.h"
 #include "link/protocol_HUBN_NX_Q.h"
@@ -60,12 +62,13 @@ message answerTo(const message& request, Reply reply = Reply::Good)
 class Bench
 {
 public:
-    explicit Bench(int imageSize = 300, quint8 address = 4, int baudrate = 9600) : dialog(new Loading)
+    explicit Bench(int imageSize = 300, quint8 address = 4, int baudrate = 9600, const QString& file = fileName())
+        : dialog(new Loading)
     {
         QObject::connect(dialog, &Loading::sig_SendMessage, dialog, [this](const message& mess) { sent.append(mess); });
         QObject::connect(dialog, &Loading::sig_SendResultOperation, dialog,
                          [this](const QString& text) { results.append(text); });
-        dialog->setParameters(address, baudrate, fileName(), QByteArray(imageSize, 'i'));
+        dialog->setParameters(address, baudrate, file, QByteArray(imageSize, 'i'));
         dialog->show();
     }
 
@@ -132,6 +135,25 @@ public:
     QStringList results;
 };
 
+/// A path without a place to break, of so many letters.
+QString longName(int letters)
+{
+    return QStringLiteral("/tmp/") + QString(letters - 11, QLatin1Char('x')) + QStringLiteral(".crypt");
+}
+
+/// Whether a letter of a label's text is to be seen: whether the label looks different with another one.
+bool shows(QLabel* label, int at)
+{
+    const QString text = label->text();
+    const QImage before = label->grab().toImage();
+    QString changed = text;
+    changed[at] = QLatin1Char('W');
+    label->setText(changed);
+    const QImage after = label->grab().toImage();
+    label->setText(text);
+    return before != after;
+}
+
 QString withFile(const char* text)
 {
     return QString::fromLatin1(text) + QLatin1Char('\n') + fileName();
@@ -171,7 +193,10 @@ private slots:
     void answersOfOthersAreNotTaken();
     void closesAfterAFailure();
     void closingInTheMiddleIsAnAbort();
-    void escapeIsAnAbort();
+    void escapeLeavesARunAlone();
+    void escapeClosesAfterAnEnd();
+    void longFileNameIsWhole();
+    void fileNameWithoutRoomIsElidedInTheMiddle();
     void comingBackFromAnIconIsNoNewStart();
     void execReturnsWhenItIsOver();
 };
@@ -518,14 +543,54 @@ void tst_Loading::closingInTheMiddleIsAnAbort()
     QTRY_VERIFY(bench.dialog.isNull());
 }
 
-void tst_Loading::escapeIsAnAbort()
+void tst_Loading::escapeLeavesARunAlone()
 {
     Bench bench;
     bench.runTo(5);
+    for (QWidget* receiver : {static_cast<QWidget*>(bench.dialog), static_cast<QWidget*>(bench.abortButton())}) {
+        QTest::keyClick(receiver, Qt::Key_Escape);
+        QVERIFY(bench.dialog->isVisible());
+        QCOMPARE(bench.abortButton()->text(), QStringLiteral("Abort"));
+    }
+    QCOMPARE(bench.results.size(), 1);
+    bench.replyToAll(Reply::Good);
+    QCOMPARE(bench.results.constLast(), withFile("Loading firmware COMPLETED"));
+}
+
+void tst_Loading::escapeClosesAfterAnEnd()
+{
+    Bench bench;
+    bench.runTo(5);
+    bench.abortButton()->click();
     QTest::keyClick(bench.dialog, Qt::Key_Escape);
-    QCOMPARE(bench.results.constLast(), withFile("Loading firmware ABORTED by user"));
     QCOMPARE(bench.results.size(), 2);
     QTRY_VERIFY(bench.dialog.isNull());
+}
+
+void tst_Loading::longFileNameIsWhole()
+{
+    const Bench bench(300, 4, 9600, longName(100));
+    QLabel* label = bench.fileLabel();
+    QVERIFY(label->fontMetrics().horizontalAdvance(label->text()) > label->width());
+    QVERIFY(shows(label, 0));
+    QVERIFY(shows(label, label->text().size() / 2));
+    QVERIFY(shows(label, label->text().size() - 1));
+}
+
+void tst_Loading::fileNameWithoutRoomIsElidedInTheMiddle()
+{
+    const Bench bench(300, 4, 9600, longName(1000));
+    QLabel* label = bench.fileLabel();
+    QVERIFY(shows(label, 0));
+    QVERIFY(!shows(label, label->text().size() / 2));
+    QVERIFY(shows(label, label->text().size() - 1));
+    QCOMPARE(bench.dialog->size(), QSize(402, 244));
+    QVERIFY(label->geometry().bottom() < bench.bar()->y());
+
+    QHelpEvent hover(QEvent::ToolTip, QPoint(2, 2), label->mapToGlobal(QPoint(2, 2)));
+    QApplication::sendEvent(label, &hover);
+    QVERIFY(QToolTip::text().remove(QChar(0x200B)).contains(label->text()));
+    QToolTip::hideText();
 }
 
 void tst_Loading::comingBackFromAnIconIsNoNewStart()
