@@ -26,13 +26,25 @@ QByteArrayList logRecords(int count)
     return LogGenerator(1, LogGenerator::Everything).history(count, QDateTime(QDate(2026, 6, 1), QTime(12, 0)));
 }
 
-QSharedPointer<RelayInfo> fullModel()
+QByteArrayList terminalRecords(int count)
+{
+    constexpr int executive = 2;
+    constexpr int lengthForTwoOutputs = 8;
+    QByteArrayList records;
+    for (int address = 1; address <= count; ++address) {
+        records.append(
+            UnitTerminal::make(static_cast<quint8>(address), executive, 1, 0x41, 0x20, lengthForTwoOutputs).infoRecord);
+    }
+    return records;
+}
+
+QSharedPointer<RelayInfo> fullModel(int outputsOfTerminal)
 {
     const auto model = QSharedPointer<RelayInfo>::create();
     QRandomGenerator random(1);
     for (quint16 address = 1; address < 32; ++address) {
         const GroupRelayPtr group = model->addGroup(QStringLiteral("Terminal %1").arg(address), address);
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < outputsOfTerminal; ++i) {
             model->addOutput(group, QStringLiteral("Output of the hall"));
         }
     }

@@ -17,7 +17,10 @@ UnitState installation(int logRecords);
 /// Records of an event log, of every code and class of event.
 QByteArrayList logRecords(int count);
 
-/// A model of 32 terminals, the head unit among them, with 8 outputs each and 32 scripts, all of them in use.
-QSharedPointer<RelayInfo> fullModel();
+/// What a unit tells of so many executive terminals with two outputs each, the first one at address 1.
+QByteArrayList terminalRecords(int count);
+
+/// A model of the head unit, 31 terminals with so many outputs each, and 32 scripts, all of them in use.
+QSharedPointer<RelayInfo> fullModel(int outputsOfTerminal);
 
 } // namespace units

@@ -36,7 +36,7 @@ Figure figure(const QString& what, double measured, double plain)
 
 std::vector<Figure> run()
 {
-    const auto model = units::fullModel();
+    const auto model = units::fullModel(8);
     const QString path = QStringLiteral("full.cfg");
     const double save = medianOf([&] { model->saveToFile(path); });
 
