@@ -29,19 +29,19 @@ public:
     explicit FormRecorder(QStringList portNames = {}, CoordinatorSeams seams = {})
         : names(std::move(portNames)), form(withPorts(std::move(seams)))
     {
-        using Form = FormChoiceCoordinator;
-        connect(&form, &Form::sig_initTransmitter, this, [this](Transmitter* receiver, const QString& name) {
+        using Choice = FormChoiceCoordinator;
+        connect(&form, &Choice::sig_initTransmitter, this, [this](Transmitter* receiver, const QString& name) {
             transmitters.append(receiver);
             events.append(QStringLiteral("init ") + name);
         });
-        connect(&form, &Form::sig_CheckingPort, this,
+        connect(&form, &Choice::sig_CheckingPort, this,
                 [this](Transmitter*, const QString& name) { events.append(QStringLiteral("open ") + name); });
-        connect(&form, &Form::sig_closePort, this, [this] { events.append(QStringLiteral("close")); });
-        connect(&form, &Form::sig_sendMessageInPort, this, [this](Transmitter* receiver, const message& request) {
+        connect(&form, &Choice::sig_closePort, this, [this] { events.append(QStringLiteral("close")); });
+        connect(&form, &Choice::sig_sendMessageInPort, this, [this](Transmitter* receiver, const message& request) {
             sent.append({receiver, request});
             events.append(QStringLiteral("send %1 at %2").arg(request.requestType()).arg(request.baudrate()));
         });
-        connect(&form, &Form::sig_sendStatusSelectPortOnForm, this,
+        connect(&form, &Choice::sig_sendStatusSelectPortOnForm, this,
                 [this](uchar state, const QString& name, const QString& baudrate, uchar address, const QString& serial,
                        const QString& version) {
                     events.append(QStringLiteral("status %1 %2 %3 %4 %5 %6")
@@ -50,32 +50,32 @@ public:
                                       .arg(address)
                                       .arg(serial, version));
                 });
-        connect(&form, &Form::sig_sendEnableOperationOnForm, this,
+        connect(&form, &Choice::sig_sendEnableOperationOnForm, this,
                 [this](bool enable) { events.append(QStringLiteral("enable %1").arg(enable)); });
-        connect(&form, &Form::sig_sendReadConfigOnForm, this, [this](const QByteArrayList& list) {
+        connect(&form, &Choice::sig_sendReadConfigOnForm, this, [this](const QByteArrayList& list) {
             outputs = list;
             events.append(QStringLiteral("outputs %1").arg(list.size()));
         });
-        connect(&form, &Form::sig_sendReadScriptOnForm, this, [this](const QByteArrayList& list) {
+        connect(&form, &Choice::sig_sendReadScriptOnForm, this, [this](const QByteArrayList& list) {
             scripts = list;
             events.append(QStringLiteral("scripts %1").arg(list.size()));
         });
-        connect(&form, &Form::sig_sendReadLogOnForm, this, [this](const QByteArrayList& list, bool end) {
+        connect(&form, &Choice::sig_sendReadLogOnForm, this, [this](const QByteArrayList& list, bool end) {
             logRecords.append(list);
             events.append(QStringLiteral("log %1 %2").arg(list.size()).arg(end));
         });
-        connect(&form, &Form::sig_ReadLogNotNeccessary, this,
+        connect(&form, &Choice::sig_ReadLogNotNeccessary, this,
                 [this] { events.append(QStringLiteral("log not necessary")); });
-        connect(&form, &Form::sig_sendListTerminalsOnForm, this, [this](const QByteArrayList& list) {
+        connect(&form, &Choice::sig_sendListTerminalsOnForm, this, [this](const QByteArrayList& list) {
             terminals = list;
             events.append(QStringLiteral("terminals %1").arg(list.size()));
         });
-        connect(&form, &Form::sig_sendDeviceTimeOnForm, this, [this](const QString& time, bool correct) {
+        connect(&form, &Choice::sig_sendDeviceTimeOnForm, this, [this](const QString& time, bool correct) {
             events.append(QStringLiteral("time %1 %2").arg(correct).arg(time));
         });
-        connect(&form, &Form::sig_sendResultOperation, this,
+        connect(&form, &Choice::sig_sendResultOperation, this,
                 [this](const QString& result) { events.append(QStringLiteral("result ") + result); });
-        connect(&form, &Form::sig_sendAnswerFirmWare, this, [this](const message& answer) {
+        connect(&form, &Choice::sig_sendAnswerFirmWare, this, [this](const message& answer) {
             events.append(QStringLiteral("firmware %1 %2").arg(answer.requestType()).arg(answer.bootType()));
         });
         listening = true;
