@@ -15,5 +15,5 @@ enum TerminalClass : quint8
 
 constexpr int terminalClasses = 5; ///< system to analog, the classes that terminals have
 
-/// Stands where a coordinator's address is wanted and there is none.
-constexpr quint8 noAddress = 255;
+/// The address of a coordinator where there is none.
+constexpr quint8 noCoordinator = 255;

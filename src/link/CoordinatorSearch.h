@@ -2,14 +2,13 @@
 
 #include <QString>
 
+#include "domain/terminals.h"
 #include "link/message.h"
 
 /// What a coordinator says of itself.
 struct CoordinatorInfo
 {
-    static constexpr quint8 NoAddress = 255;
-
-    quint8 address = NoAddress;
+    quint8 address = noCoordinator;
     quint16 serial = 0;
     quint16 version = 0; ///< major part in the high byte
 

@@ -1,6 +1,6 @@
 #include "link/DeviceOperation.h"
 
-#include "link/CoordinatorSearch.h"
+#include "domain/terminals.h"
 #include "texts/texts.h"
 
 void DeviceOperation::setCoordinator(quint8 address)
@@ -15,7 +15,7 @@ bool DeviceOperation::hasPort() const
 
 quint8 DeviceOperation::coordinator() const
 {
-    return coordinatorAddress.value_or(CoordinatorInfo::NoAddress);
+    return coordinatorAddress.value_or(noCoordinator);
 }
 
 QString DeviceOperation::outcome(const QString& success, const QString& failure, int errors)

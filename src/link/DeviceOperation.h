@@ -46,7 +46,7 @@ signals:
 
 protected:
     bool hasPort() const;
-    quint8 coordinator() const; ///< 255 without a port
+    quint8 coordinator() const; ///< noCoordinator without a port
 
     /// One line of a result: `success`, or `failure` with the number of errors.
     static QString outcome(const QString& success, const QString& failure, int errors);

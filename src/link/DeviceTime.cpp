@@ -1,5 +1,6 @@
 #include "link/DeviceTime.h"
 
+#include "domain/bcd.h"
 #include "link/message.h"
 #include "texts/texts.h"
 
@@ -17,15 +18,9 @@ constexpr int Weekday = 4;
 constexpr int Month = 5;
 constexpr int Year = 6;
 
-char toBcd(int value)
-{
-    return static_cast<char>(value % 10 + 16 * (value / 10 % 10));
-}
-
 QString twoDigits(const QByteArray& payload, int offset)
 {
-    const auto byte = static_cast<quint8>(payload.at(offset));
-    return QStringLiteral("%1").arg(byte % 16 + 10 * (byte / 16), 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1").arg(fromBcd(static_cast<quint8>(payload.at(offset))), 2, 10, QLatin1Char('0'));
 }
 
 QString weekdayName(int day)

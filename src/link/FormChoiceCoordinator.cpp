@@ -285,7 +285,7 @@ void FormChoiceCoordinator::sl_setStatePort(Transmitter* sender, StatePort state
         emit row->buttonConnect->clicked(false);
     }
     if (state == StateSearching) {
-        row->watchedAddress = CoordinatorInfo::NoAddress;
+        row->watchedAddress = noCoordinator;
         emit sig_sendMessageInPort(sender, CoordinatorSearch::begin());
     }
 }
@@ -312,8 +312,8 @@ void FormChoiceCoordinator::sl_buttonConnectPress()
              {row->itemBaudrate, row->itemCoordinator, row->itemSerial, row->itemVersion}) {
             item->setText(noValue());
         }
-        row->coordinatorAddress = CoordinatorInfo::NoAddress;
-        row->watchedAddress = CoordinatorInfo::NoAddress;
+        row->coordinatorAddress = noCoordinator;
+        row->watchedAddress = noCoordinator;
     }
     row->checkBoxCheck->setVisible(!disconnecting);
     row->checkBoxCheck->setChecked(false);
@@ -449,7 +449,7 @@ void FormChoiceCoordinator::updateCoordinatorInfo(Transmitter* transmitter, cons
 {
     PortRow* const row = findRow(&PortRow::transmitter, transmitter);
     row->coordinatorAddress = info.address;
-    if (row->watchedAddress == CoordinatorInfo::NoAddress) {
+    if (row->watchedAddress == noCoordinator) {
         row->watchedAddress = info.address;
     }
     row->itemCoordinator->setText(texts::statusCoordinator() + QStringLiteral(" %1").arg(info.address));
@@ -474,7 +474,7 @@ void FormChoiceCoordinator::on_buttonChoicePort_clicked()
         choosePort(*found);
     }
     hide();
-    if (chosenAddress == CoordinatorInfo::NoAddress) {
+    if (chosenAddress == noCoordinator) {
         return;
     }
     timerNothingSent->stop();
@@ -500,7 +500,7 @@ void FormChoiceCoordinator::choosePort(PortRow* row)
     for (DeviceOperation* const operation : operations) {
         operation->setCoordinator(chosenAddress);
     }
-    const bool hasCoordinator = chosenAddress != CoordinatorInfo::NoAddress;
+    const bool hasCoordinator = chosenAddress != noCoordinator;
     if (hasCoordinator) {
         terminalSearch->start();
     }

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+#include "domain/terminals.h"
 #include "link/StatePort.h"
 #include "link/message.h"
 #include "widgets/Form.h"
@@ -42,8 +43,8 @@ struct CoordinatorSeams
 /// One port as a firmware load sees it.
 struct FirmwarePort
 {
-    quint8 address = 255; ///< coordinator address of the row, 255 if it has none
-    int baudrate = 0;     ///< rate at which a coordinator answered, 0 if none ever did
+    quint8 address = noCoordinator; ///< coordinator address of the row
+    int baudrate = 0;               ///< rate at which a coordinator answered, 0 if none ever did
     std::function<void(const message&)> send;
     std::function<void(bool)> setRunning; ///< while true the port's watch rests and boot answers come back
 };
@@ -72,7 +73,8 @@ public:
     ~FormChoiceCoordinator() override;
     Q_DISABLE_COPY_MOVE(FormChoiceCoordinator)
 
-    /// Coordinator address of the current port, 255 if there is no current port or it was chosen without an address.
+    /// Coordinator address of the current port, noCoordinator if there is no current port or it was chosen without an
+    /// address.
     quint8 currentAddress() const;
 
     /// Baud rate at which the current port was chosen, 1200 if there is no current port.
@@ -201,7 +203,7 @@ private:
     QVector<PortRow*> portRows; ///< in order of discovery
     QTimer* timerPortList;
     Transmitter* currentTransmitter = nullptr; ///< the port for device operations; a disconnect doesn't clear it
-    quint8 chosenAddress = 255;
+    quint8 chosenAddress = noCoordinator;
     int chosenBaudrate = 1200;
     Transmitter* firmwareTransmitter = nullptr; ///< the port on which a firmware load runs
     FirmwareRunner firmwareRunner;

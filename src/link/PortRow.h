@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "domain/terminals.h"
 #include "link/message.h"
 
 class QCheckBox;
@@ -30,8 +31,8 @@ struct PortRow
     QTableWidgetItem* itemBaudrate;
     int baudrate = 0; ///< at which a coordinator answered; 0 until one did
     QTableWidgetItem* itemCoordinator;
-    quint8 coordinatorAddress = 255; ///< as the last answer gave it; 255 means none
-    quint8 watchedAddress = 255;     ///< as the search found it, which no misread answer changes; 255 means none
+    quint8 coordinatorAddress = noCoordinator; ///< as the last answer gave it
+    quint8 watchedAddress = noCoordinator;     ///< as the search found it, which no misread answer changes
     QTableWidgetItem* itemSerial;
     QTableWidgetItem* itemVersion;
     QTableWidgetItem* itemState;

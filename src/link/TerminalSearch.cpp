@@ -100,7 +100,7 @@ bool TerminalSearch::isConfirmed(const message& answer)
 
 void TerminalSearch::askNextTerminal()
 {
-    for (int channelClass = 0; channelClass < ClassCount; ++channelClass) {
+    for (int channelClass = 0; channelClass < terminalClasses; ++channelClass) {
         QByteArray& addresses = channelLists.at(channelClass);
         if (!addresses.isEmpty()) {
             const auto address = static_cast<quint8>(addresses.at(0));

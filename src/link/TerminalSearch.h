@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "domain/terminals.h"
 #include "link/DeviceOperation.h"
 
 /// Asks which terminals the unit knows: the addresses in use of each of the five channel classes, then a record of
@@ -28,13 +29,11 @@ signals:
     void terminalsFound(const QByteArrayList& terminals);
 
 private:
-    static constexpr int ClassCount = 5;
-
     void answerBusyChannel(const message& answer);
     void answerTerminalInfo(const message& answer);
     bool isConfirmed(const message& answer);
     void askNextTerminal();
 
-    std::array<QByteArray, ClassCount> channelLists; ///< addresses that are still to be asked, by class
+    std::array<QByteArray, terminalClasses> channelLists; ///< addresses that are still to be asked, by class
     QByteArrayList terminalInfos;
 };

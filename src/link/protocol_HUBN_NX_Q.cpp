@@ -3,6 +3,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "domain/terminals.h"
+
 namespace
 {
 
@@ -24,8 +26,6 @@ constexpr quint8 logContinues = 0x80;
 
 constexpr quint8 urgent = 100;
 constexpr quint8 background = 50;
-
-constexpr int channelClasses = 5;
 
 /// What is constant in a request: its kind and the bytes from the command on, before the data that vary.
 struct RequestForm
@@ -287,7 +287,7 @@ message protocol_HUBN_NX_Q::requestSearchCoordinator()
 
 message protocol_HUBN_NX_Q::requestBusyChannels(quint8 address, quint8 channelClass)
 {
-    const bool known = channelClass < channelClasses;
+    const bool known = channelClass < terminalClasses;
     message result = build(known ? forms[Busy_Channel_System - 1 + channelClass] : unknownBusyChannels, address);
     result.markRepeatCheck();
     return result;
@@ -295,7 +295,7 @@ message protocol_HUBN_NX_Q::requestBusyChannels(quint8 address, quint8 channelCl
 
 message protocol_HUBN_NX_Q::requestTerminalInfo(quint8 address, quint8 channelClass, quint8 terminal)
 {
-    const bool known = channelClass < channelClasses;
+    const bool known = channelClass < terminalClasses;
     message result = build(known ? forms[Terminal_System_Info - 1 + channelClass] : unknownTerminalInfo, address,
                            byteArray({terminal}));
     result.markRepeatCheck();

@@ -89,8 +89,8 @@ public:
     static message requestCheckCoordinator(quint8 address);
     static message requestSearchCoordinator();
 
-    /// channelClass: 0 system, 1 sensor, 2 execute, 3 interface, 4 analog. Any other one gives a message without a
-    /// type, which no queue accepts.
+    /// channelClass: a TerminalClass that terminals have. Any other one gives a message without a type, which no queue
+    /// accepts.
     static message requestBusyChannels(quint8 address, quint8 channelClass);
     static message requestTerminalInfo(quint8 address, quint8 channelClass, quint8 terminal);
     static message requestSwitchToBoot(quint8 address);
