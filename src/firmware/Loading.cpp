@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QShowEvent>
 
+#include "domain/terminals.h"
 #include "firmware/protocol_boot.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
@@ -12,8 +13,6 @@
 
 namespace
 {
-
-constexpr quint8 noAddress = 255;
 
 QString failedBarStyle()
 {
@@ -66,7 +65,7 @@ Loading::~Loading() = default;
 void Loading::setParameters(quint8 newAddress, int newBaudrate, const QString& newFileName,
                             const QByteArray& newFirmware)
 {
-    address = newAddress == noAddress ? 0 : newAddress;
+    address = newAddress == noCoordinator ? 0 : newAddress;
     baudrate = newBaudrate;
     fileName = newFileName;
     firmware = newFirmware;
