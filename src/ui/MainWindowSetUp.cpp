@@ -33,7 +33,6 @@ constexpr int hiddenTab = 1;
 constexpr int treeWidth = 266;
 constexpr int editorWidth = 415;
 constexpr int widthForDocks = 1000; ///< of a window in which both docks and the tabs have their room
-constexpr quint8 executiveClass = 2;
 
 QString versionSuffix()
 {
@@ -112,7 +111,7 @@ void MainWindow::offerTerminalTypes()
         const QStringList outputs = row.at(5).toStringList();
         relayInfo->addTerminalType(index == 0, name, terminalClass, row.at(2).value<quint8>(),
                                    row.at(3).value<quint8>(), row.at(4).value<quint8>(), outputs);
-        if (terminalClass == executiveClass) {
+        if (terminalClass == ExecutiveClass) {
             formAddingTerminal->addTerminal(firstExecutive, name, outputs);
             firstExecutive = false;
         }

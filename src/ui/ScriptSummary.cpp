@@ -11,14 +11,6 @@
 namespace
 {
 
-enum Filter
-{
-    ByType,
-    ByAddress,
-    ByTime,
-    ByDate
-};
-
 QString heading(const QString& text)
 {
     return QStringLiteral("<u>%1</u>").arg(text);
@@ -169,16 +161,16 @@ QString addresses(const QList<bool>& addressFilter)
 QString filters(const ScriptInfo& script)
 {
     QString lines = days(script.daysOfWeek);
-    if (script.activateFilter.value(ByTime)) {
+    if (script.activateFilter.value(ScriptInfo::ByTime)) {
         lines += time(script.timeFilter);
     }
-    if (script.activateFilter.value(ByDate)) {
+    if (script.activateFilter.value(ScriptInfo::ByDate)) {
         lines += date(script.dateFilter);
     }
-    if (script.activateFilter.value(ByType)) {
+    if (script.activateFilter.value(ScriptInfo::ByType)) {
         lines += terminalType(script.terminalFilter);
     }
-    if (script.activateFilter.value(ByAddress)) {
+    if (script.activateFilter.value(ScriptInfo::ByAddress)) {
         lines += addresses(script.addressFilter);
     }
     if (!lines.isEmpty()) {

@@ -8,13 +8,13 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include "domain/terminals.h"
 #include "texts/texts.h"
 #include "widgets/ElidedLabel.h"
 
 namespace
 {
 
-constexpr uchar noCoordinator = 255;
 constexpr int lampSize = 24; ///< on the screen; leaves room for names of ports such as "ttyUSB10"
 
 template <typename Label = QLabel>

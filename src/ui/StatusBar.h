@@ -30,7 +30,7 @@ public:
 
     void install(QStatusBar* bar);
 
-    /// Address 255 means that there is no coordinator.
+    /// The address may be noCoordinator.
     void showPort(uchar lamp, const QString& portName, const QString& baudrate, uchar address, const QString& serial,
                   const QString& version);
     void showDeviceTime(const QString& time);
