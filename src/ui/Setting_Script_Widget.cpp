@@ -197,7 +197,7 @@ void Setting_Script_Widget::sl_checkBoxDayOfWeek_clicked()
 
 void Setting_Script_Widget::showTimeSwitch()
 {
-    ui->checkBoxTime->setChecked(script->activateFilter.value(2));
+    ui->checkBoxTime->setChecked(script->activateFilter.value(ScriptInfo::ByTime));
     on_checkBoxTime_clicked();
 }
 
@@ -206,12 +206,12 @@ void Setting_Script_Widget::on_checkBoxTime_clicked()
     const bool on = ui->checkBoxTime->isChecked();
     ui->F_TimeBegin->setEnabled(on);
     ui->F_TimeEnd->setEnabled(on);
-    storeFilterSwitch(2, on);
+    storeFilterSwitch(ScriptInfo::ByTime, on);
 }
 
 void Setting_Script_Widget::showDateSwitch()
 {
-    ui->checkBoxDate->setChecked(script->activateFilter.value(3));
+    ui->checkBoxDate->setChecked(script->activateFilter.value(ScriptInfo::ByDate));
     on_checkBoxDate_clicked();
 }
 
@@ -220,7 +220,7 @@ void Setting_Script_Widget::on_checkBoxDate_clicked()
     const bool on = ui->checkBoxDate->isChecked();
     ui->F_DateBegin->setEnabled(on);
     ui->F_DateEnd->setEnabled(on);
-    storeFilterSwitch(3, on);
+    storeFilterSwitch(ScriptInfo::ByDate, on);
 }
 
 void Setting_Script_Widget::storeFilterSwitch(int filter, bool on)

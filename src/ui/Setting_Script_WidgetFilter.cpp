@@ -12,8 +12,6 @@
 namespace
 {
 
-constexpr int anyClass = 15;
-
 // Feature flags in the low half of a terminal's type.
 constexpr int alwaysConnected = 8;
 constexpr int sound = 4;
@@ -38,7 +36,7 @@ QString numberSheet(bool wildcard)
 void Setting_Script_Widget::showTypeSwitch()
 {
     const QScopedValueRollback<bool> guard(showing, true);
-    ui->checkBoxType->setChecked(script->activateFilter.value(0));
+    ui->checkBoxType->setChecked(script->activateFilter.value(ScriptInfo::ByType));
     on_checkBoxType_clicked();
 }
 
@@ -48,7 +46,7 @@ void Setting_Script_Widget::on_checkBoxType_clicked()
     ui->F_Type->setEnabled(on);
     look::applyStyleSheet(ui->F_Type, switchedSheet(on));
     if (editing()) {
-        storeFilterSwitch(0, on);
+        storeFilterSwitch(ScriptInfo::ByType, on);
         refreshAddressButtons();
     }
     adaptStateToFilter();
@@ -121,7 +119,7 @@ void Setting_Script_Widget::on_spinBoxClass_valueChanged(int value)
         ui->spinBoxClass->setValue(allowed);
         return;
     }
-    look::applyStyleSheet(ui->spinBoxClass, numberSheet(value == anyClass));
+    look::applyStyleSheet(ui->spinBoxClass, numberSheet(value == AnyClass));
     storeTypeNumber(&TerminalType::terminalClass, value);
     if (editing()) {
         adaptStateToFilter();
@@ -197,7 +195,7 @@ void Setting_Script_Widget::featureClicked(QCheckBox* box, int bit)
 
 void Setting_Script_Widget::showAddressSwitch()
 {
-    ui->checkBoxAddress->setChecked(script->activateFilter.value(1));
+    ui->checkBoxAddress->setChecked(script->activateFilter.value(ScriptInfo::ByAddress));
     on_checkBoxAddress_clicked();
 }
 
@@ -209,7 +207,7 @@ void Setting_Script_Widget::on_checkBoxAddress_clicked()
     for (AddressButton& entry : addressButtons) {
         entry.filterOff = !on;
     }
-    storeFilterSwitch(1, on);
+    storeFilterSwitch(ScriptInfo::ByAddress, on);
     paintAddressButtons();
 }
 

@@ -97,7 +97,8 @@ void Setting_Script_Widget::fillLists()
     fillCombo(ui->comboModeWorkRelay, m_info->modes());
     fillCombo(ui->comboDelay, m_info->delays());
     fillCombo(ui->comboDuration, m_info->durations());
-    fillCombo(ui->comboStateChannel, m_info->stateChannels() + ParamItems{scriptRules::makeOtherState(255)});
+    fillCombo(ui->comboStateChannel,
+              m_info->stateChannels() + ParamItems{scriptRules::makeOtherState(ParamItem::NotActive)});
     fillCombo(ui->comboBoxPNB, m_info->buttonStates());
     fillCombo(ui->comboBoxAnalog, m_info->analogStates());
     const QSignalBlocker blocker(ui->comboBoxSelectType);

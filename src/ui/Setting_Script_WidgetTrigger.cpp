@@ -95,7 +95,7 @@ void Setting_Script_Widget::setStateChannel(const ParamItemPtr& state, TypeFilte
     }
     scriptRules::setStateChannel(*script, state, typeFilter);
     showTrigger();
-    if (ui->checkBoxType->isChecked() != script->activateFilter.value(0)) {
+    if (ui->checkBoxType->isChecked() != script->activateFilter.value(ScriptInfo::ByType)) {
         showTypeSwitch();
         refreshAddressButtons();
     }
