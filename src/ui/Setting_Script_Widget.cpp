@@ -109,12 +109,7 @@ void Setting_Script_Widget::announceTitle()
 /// Paints a combo in the colour of its row; red says that the script holds a value which the list doesn't have.
 void Setting_Script_Widget::paintCombo(QComboBox* combo)
 {
-    const QString color = combo->currentIndex() < 0
-                              ? QStringLiteral("red")
-                              : look::rgba(combo->currentData(Qt::BackgroundRole).value<QColor>());
-    QString sheet = QStringLiteral("combobox-popup: 0; selection-color: black; "
-                                   "selection-background-color: rgba(0,0,0,20);background-color: %1;")
-                        .arg(color);
+    QString sheet = look::comboProperties(combo, combo->currentIndex());
     if (combo != ui->comboBoxSelectType) {
         sheet = QStringLiteral("QComboBox{%1}").arg(sheet);
     }

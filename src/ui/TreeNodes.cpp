@@ -226,8 +226,7 @@ void paintOutput(const OutputNode& node)
 
 void paintStartState(QComboBox* combo, int index)
 {
-    combo->setStyleSheet(index < 0 ? look::comboUnknownStyle()
-                                   : look::comboStyle(combo->itemData(index, Qt::BackgroundRole).value<QColor>()));
+    combo->setStyleSheet(QStringLiteral("QComboBox {%1}").arg(look::comboProperties(combo, index)));
     combo->setToolTip(QString());
 }
 

@@ -1,22 +1,11 @@
 #include "widgets/Look.h"
 
 #include <QColor>
+#include <QComboBox>
 #include <QWidget>
 
 namespace look
 {
-
-namespace
-{
-
-QString comboStyleOf(const QString& background)
-{
-    return QStringLiteral("QComboBox {combobox-popup: 0; selection-color: black; "
-                          "selection-background-color: rgba(0,0,0,20);background-color: %1;}")
-        .arg(background);
-}
-
-} // namespace
 
 QFont applicationFont()
 {
@@ -32,14 +21,11 @@ QString rgba(const QColor& color)
         .arg(color.alpha());
 }
 
-QString comboStyle(const QColor& background)
+QString comboProperties(const QComboBox* combo, int row)
 {
-    return comboStyleOf(rgba(background));
-}
-
-QString comboUnknownStyle()
-{
-    return comboStyleOf(QStringLiteral("red"));
+    return QStringLiteral("combobox-popup: 0; selection-color: black; selection-background-color: rgba(0,0,0,20);"
+                          "background-color: %1;")
+        .arg(row < 0 ? QStringLiteral("red") : rgba(combo->itemData(row, Qt::BackgroundRole).value<QColor>()));
 }
 
 QString dockTitleStyle(const QString& background)

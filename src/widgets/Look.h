@@ -4,6 +4,7 @@
 #include <QString>
 
 class QColor;
+class QComboBox;
 class QWidget;
 
 /// The pieces of the program's look that several forms share. GUI thread only.
@@ -16,11 +17,9 @@ QFont applicationFont();
 /// A colour as style sheets of the program write it: "rgba(r, g, b, a)" with each part from 0 to 255.
 QString rgba(const QColor& color);
 
-/// Style sheet of a combo box that shows a table row, painted in the row's background.
-QString comboStyle(const QColor& background);
-
-/// Style sheet of a combo box that holds a value its list doesn't have: red.
-QString comboUnknownStyle();
+/// What the style sheet of a combo box says when it shows a row, painted in the row's background; -1 stands for a value
+/// that the list doesn't have, which is red.
+QString comboProperties(const QComboBox* combo, int row);
 
 /// Title of a dock and of the bars above the lists, on the given background text such as "rgb(220,220,220)".
 QString dockTitleStyle(const QString& background);

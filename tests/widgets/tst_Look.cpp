@@ -1,3 +1,4 @@
+#include <QComboBox>
 #include <QLabel>
 #include <QTextDocument>
 #include <QtTest>
@@ -10,7 +11,7 @@ class tst_Look : public QObject
 
 private slots:
     void colours_have_four_parts();
-    void combos_of_unknown_values_are_red();
+    void combos_wear_their_row_and_are_red_without();
     void equal_style_sheets_are_not_set_again();
     void rich_text_shows_what_was_typed_data();
     void rich_text_shows_what_was_typed();
@@ -23,12 +24,15 @@ void tst_Look::colours_have_four_parts()
     QCOMPARE(look::rgba(QColor(240, 240, 240)), QStringLiteral("rgba(240, 240, 240, 255)"));
 }
 
-void tst_Look::combos_of_unknown_values_are_red()
+void tst_Look::combos_wear_their_row_and_are_red_without()
 {
-    const QString begin = QStringLiteral("QComboBox {combobox-popup: 0; selection-color: black; "
+    const QString begin = QStringLiteral("combobox-popup: 0; selection-color: black; "
                                          "selection-background-color: rgba(0,0,0,20);background-color: ");
-    QCOMPARE(look::comboUnknownStyle(), begin + QStringLiteral("red;}"));
-    QCOMPARE(look::comboStyle(QColor(1, 2, 3, 4)), begin + QStringLiteral("rgba(1, 2, 3, 4);}"));
+    QComboBox combo;
+    combo.addItems({QStringLiteral("a"), QStringLiteral("b")});
+    combo.setItemData(1, QColor(1, 2, 3, 4), Qt::BackgroundRole);
+    QCOMPARE(look::comboProperties(&combo, -1), begin + QStringLiteral("red;"));
+    QCOMPARE(look::comboProperties(&combo, 1), begin + QStringLiteral("rgba(1, 2, 3, 4);"));
 }
 
 void tst_Look::equal_style_sheets_are_not_set_again()
