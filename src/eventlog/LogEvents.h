@@ -30,11 +30,6 @@ public:
     void saveAndClearEvents(); ///< before a reading of the log
     void restoreEvents();      ///< when the reading found the log unchanged
 
-    const QList<EventInfo>& decodedEvents() const
-    {
-        return events;
-    } ///< in decoding order
-
 private:
     QList<EventInfo> events;
     QList<EventInfo> savedEvents;

@@ -1,3 +1,5 @@
+#include <limits>
+
 #include <QAction>
 #include <QDir>
 #include <QHeaderView>
@@ -37,7 +39,7 @@ QStringList rowsOf(const QByteArrayList& records)
     LogEvents events;
     events.setDevices(&devices);
     events.decodeEvents(records);
-    const QList<EventOfTable> rows = events.takeEvents(events.decodedEvents().size());
+    const QList<EventOfTable> rows = events.takeEvents(std::numeric_limits<int>::max());
     QStringList texts;
     for (const EventOfTable& row : rows) {
         const QStringList fields = {QString::number(row.sortDateTime),
