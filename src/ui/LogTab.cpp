@@ -35,8 +35,6 @@ LogTab::LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& fileDi
     logEvents.setDevices(&devices);
 
     dataBase->moveToThread(&dataBaseThread);
-    connect(&dataBaseThread, &QThread::started, dataBase, &DataBase::sl_connectToDataBase);
-    connect(&dataBaseThread, &QThread::finished, dataBase, &DataBase::sl_closeDataBase);
 }
 
 LogTab::~LogTab()
@@ -45,6 +43,27 @@ LogTab::~LogTab()
     dataBaseThread.quit();
     dataBaseThread.wait();
     delete dataBase;
+}
+
+void LogTab::startDataBase()
+{
+    connect(&dataBaseThread, &QThread::started, dataBase, &DataBase::sl_connectToDataBase);
+    connect(&dataBaseThread, &QThread::finished, dataBase, &DataBase::sl_closeDataBase);
+
+    connect(this, &LogTab::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
+    connect(this, &LogTab::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
+    connect(this, &LogTab::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
+    connect(this, &LogTab::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
+    connect(this, &LogTab::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
+
+    connect(dataBase, &DataBase::sig_ResultConnectDB, this, &LogTab::sl_SettingModel);
+    connect(dataBase, &DataBase::sig_ResultInsertIntoTable, this, &LogTab::sl_InsertNextPartEvents);
+    connect(dataBase, &DataBase::sig_RefreshComplete, this, &LogTab::sl_setStatusLog);
+    connect(dataBase, &DataBase::sig_ResultDeleteFromTable, this, &LogTab::sl_DataIsDeleted);
+    connect(dataBase, &DataBase::sig_ResultConnectOtherDB, this, &LogTab::sl_SettingOtherModel);
+    connect(dataBase, &DataBase::sig_MessageForForm, this, &LogTab::newResult);
+
+    changeModel([this] { dataBaseThread.start(); });
 }
 
 void LogTab::inOrder(const std::function<void()>& request)

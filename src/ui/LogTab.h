@@ -37,18 +37,8 @@ struct LogWidgets
 /// The view has a model only while the worker leaves that model alone: it is detached before every request that changes
 /// the model, and attached again with the answer.
 ///
-/// What the window does with it:
-/// - It has the slots and signals below that begin with sl_ and sig_ too; each slot calls the one here, and
-///   startDataBase(this) wires the signals and the worker to them.
-/// - actionReadLog: writes the time if it has to, then readLog().
-/// - A change to the tab tabLogEvents while actionReadLog is enabled: readLogIfChanged().
-/// - actionLoadLog and actionSaveLog: its sl_LoadLogFromFile() and sl_SaveLogInFile().
-/// - forceReading goes to FormChoiceCoordinator::forceLogReading(), its logIncomplete to expectMissingEvents(),
-/// newResult
-///   to sl_ReceiveNewMessageAboutResult().
-/// - FormChoiceCoordinator::sig_sendReadLogOnForm comes to sl_ReceiveDataEvents(), its sig_ReadLogNotNeccessary to
-///   sl_RestoreLogEvent(); sig_ReadLogEvents goes to its sl_SendRequestBeginReadLog(), sig_HideFormWaiting to its
-///   sl_HideFormWaiting().
+/// It knows neither the window nor the coordinator form: the window joins the two, and has the names that begin with
+/// sl_ and sig_ as well.
 class LogTab : public QObject
 {
     Q_OBJECT
@@ -59,31 +49,8 @@ public:
     ~LogTab() override;
     Q_DISABLE_COPY_MOVE(LogTab)
 
-    /// Wires the window and the database worker to each other and starts the worker's thread. Called once.
-    template <typename Window>
-    void startDataBase(Window* window)
-    {
-        connect(dataBase, &DataBase::sig_ResultConnectDB, window, &Window::sl_SettingModel);
-        connect(this, &LogTab::sig_insertDataToTable, window, &Window::sig_insertDataToTable);
-        connect(window, &Window::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
-        connect(dataBase, &DataBase::sig_ResultInsertIntoTable, window, &Window::sl_InsertNextPartEvents);
-        connect(this, &LogTab::sig_refreshTable, window, &Window::sig_refreshTable);
-        connect(window, &Window::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
-        connect(dataBase, &DataBase::sig_RefreshComplete, window, &Window::sl_setStatusLog);
-        connect(this, &LogTab::sig_deleteDataFromTable, window, &Window::sig_deleteDataFromTable);
-        connect(window, &Window::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
-        connect(dataBase, &DataBase::sig_ResultDeleteFromTable, window, &Window::sl_DataIsDeleted);
-        connect(this, &LogTab::sig_LoadOtherDB, window, &Window::sig_LoadOtherDB);
-        connect(window, &Window::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
-        connect(dataBase, &DataBase::sig_ResultConnectOtherDB, window, &Window::sl_SettingOtherModel);
-        connect(dataBase, &DataBase::sig_MessageForForm, window, &Window::sl_ReceiveNewMessageAboutResult);
-        connect(this, &LogTab::sig_SaveOtherDB, window, &Window::sig_SaveOtherDB);
-        connect(window, &Window::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
-        connect(this, &LogTab::sig_ReadLogEvents, window, &Window::sig_ReadLogEvents);
-        connect(this, &LogTab::sig_HideFormWaiting, window, &Window::sig_HideFormWaiting);
-        connect(this, &LogTab::newResult, window, &Window::sl_ReceiveNewMessageAboutResult);
-        changeModel([this] { dataBaseThread.start(); });
-    }
+    /// Wires the database worker and starts its thread. Called once.
+    void startDataBase();
 
     void readLog();          ///< reads the unit's log whether it has changed or not
     void readLogIfChanged(); ///< reads it if its counter has moved since the last reading

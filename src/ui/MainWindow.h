@@ -104,8 +104,10 @@ public slots:
     // Firmware.
     void sl_LoadFirmWare();
 
-    // Log.
     void on_tabWidget_currentChanged(int index);
+
+    // Log. The system knows the log by these names of its window, so that whoever has the window needs nothing else.
+    // Each hands on to the LogTab, which does the work and has the database report to itself.
     void sl_SettingModel(ErrorDataBase err, SqlModel* model);
     void sl_SettingTableView(SqlModel* model);
     void sl_setStatusLog(int count, bool filter);
@@ -130,7 +132,7 @@ signals:
     void sig_ReadLogEvents();
     void sig_HideFormWaiting();
 
-    // To the database.
+    // What the LogTab asks of the database.
     void sig_insertDataToTable(const QList<EventOfTable>& rows);
     void sig_refreshTable();
     void sig_deleteDataFromTable();

@@ -160,9 +160,18 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 void MainWindow::setUpLog()
 {
     logTab = std::make_unique<LogTab>(LogWidgets{this, ui->tableViewLogEvents, ui->labelCountRows}, *device, dialogs);
-    connect(logTab.get(), &LogTab::forceReading, formChoiceCoordinator, &FormChoiceCoordinator::forceLogReading);
-    connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, logTab.get(), &LogTab::expectMissingEvents);
-    logTab->startDataBase(this);
+    LogTab* const tab = logTab.get();
+    connect(tab, &LogTab::forceReading, formChoiceCoordinator, &FormChoiceCoordinator::forceLogReading);
+    connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, tab, &LogTab::expectMissingEvents);
+    connect(tab, &LogTab::newResult, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
+    connect(tab, &LogTab::sig_ReadLogEvents, this, &MainWindow::sig_ReadLogEvents);
+    connect(tab, &LogTab::sig_HideFormWaiting, this, &MainWindow::sig_HideFormWaiting);
+    connect(tab, &LogTab::sig_insertDataToTable, this, &MainWindow::sig_insertDataToTable);
+    connect(tab, &LogTab::sig_refreshTable, this, &MainWindow::sig_refreshTable);
+    connect(tab, &LogTab::sig_deleteDataFromTable, this, &MainWindow::sig_deleteDataFromTable);
+    connect(tab, &LogTab::sig_LoadOtherDB, this, &MainWindow::sig_LoadOtherDB);
+    connect(tab, &LogTab::sig_SaveOtherDB, this, &MainWindow::sig_SaveOtherDB);
+    tab->startDataBase();
 }
 
 void MainWindow::connectCoordinatorInfo()

@@ -15,8 +15,6 @@
 /// A table view of which another thread may ask whether it has a model.
 class WatchedTableView : public QTableView
 {
-    Q_OBJECT
-
 public:
     using QTableView::QTableView;
 
@@ -32,12 +30,9 @@ public:
     std::atomic<bool> hasModel = false;
 };
 
-/// The main window as far as the log is concerned: the widgets of the log tab, and the slots and signals by which the
-/// database worker and the log tab know the window.
+/// The main window as far as the log is concerned: the widgets of the log tab, and what it hears of it.
 class LogWindow : public QWidget
 {
-    Q_OBJECT
-
 public:
     LogWindow() : view(new WatchedTableView(this)), countRows(new QLabel(this))
     {
@@ -47,14 +42,10 @@ public:
         resize(1000, 700);
         tab = std::make_unique<LogTab>(LogWidgets{this, view, countRows}, devices, dialogs);
         connect(tab.get(), &LogTab::forceReading, this, [this] { ++forcedReadings; });
+        connect(tab.get(), &LogTab::newResult, this, [this](const QString& text) { results.append(text); });
     }
     ~LogWindow() override = default;
     Q_DISABLE_COPY_MOVE(LogWindow)
-
-    void startDataBase()
-    {
-        tab->startDataBase(this);
-    }
 
     WatchedTableView* view;
     QLabel* countRows;
@@ -63,39 +54,4 @@ public:
     std::unique_ptr<LogTab> tab;
     QStringList results; ///< lines that went to the result line
     int forcedReadings = 0;
-
-public slots:
-    void sl_SettingModel(ErrorDataBase err, SqlModel* model)
-    {
-        tab->sl_SettingModel(err, model);
-    }
-    void sl_InsertNextPartEvents(ErrorDataBase err)
-    {
-        tab->sl_InsertNextPartEvents(err);
-    }
-    void sl_setStatusLog(int count, bool filter)
-    {
-        tab->sl_setStatusLog(count, filter);
-    }
-    void sl_DataIsDeleted(ErrorDataBase err)
-    {
-        tab->sl_DataIsDeleted(err);
-    }
-    void sl_SettingOtherModel(ErrorDataBase err, SqlModel* model, const QString& fileName)
-    {
-        tab->sl_SettingOtherModel(err, model, fileName);
-    }
-    void sl_ReceiveNewMessageAboutResult(const QString& mess)
-    {
-        results.append(mess);
-    }
-
-signals:
-    void sig_ReadLogEvents();
-    void sig_insertDataToTable(const QList<EventOfTable>& rows);
-    void sig_refreshTable();
-    void sig_deleteDataFromTable();
-    void sig_LoadOtherDB(const QString& fileName);
-    void sig_SaveOtherDB(const QString& fileName);
-    void sig_HideFormWaiting();
 };

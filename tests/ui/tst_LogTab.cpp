@@ -184,7 +184,7 @@ void tst_LogTab::cleanup()
 
 void tst_LogTab::start()
 {
-    window->startDataBase();
+    window->tab->startDataBase();
     window->show();
     QTRY_VERIFY_WITH_TIMEOUT(window->view->model() != nullptr, waitTime);
 }
@@ -255,7 +255,7 @@ void tst_LogTab::clicksOnTheHeaderDoNothing()
 {
     start();
     readLog(3);
-    const QSignalSpy refreshes(window.get(), &LogWindow::sig_refreshTable);
+    const QSignalSpy refreshes(window->tab.get(), &LogTab::sig_refreshTable);
     QHeaderView* header = window->view->horizontalHeader();
     const QPoint event(header->sectionViewportPosition(15) + 10, 20);
     QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, event);
@@ -288,14 +288,14 @@ void tst_LogTab::startThatFailsShowsABox()
 void tst_LogTab::unwritableWorkingDirectoryShowsABoxAndTheWindowLives()
 {
     QVERIFY(QDir().mkdir(QStringLiteral("Log.db")));
-    window->startDataBase();
+    window->tab->startDataBase();
     window->show();
     QTRY_COMPARE_WITH_TIMEOUT(window->dialogs.boxes.size(), 1, waitTime);
     QCOMPARE(window->dialogs.boxes.last().text, QStringLiteral("Ошибка открытия БД!"));
     QVERIFY(window->view->model() == nullptr);
 
     // A reading ends with a box, not with a window that waits for ever.
-    const QSignalSpy hidden(window.get(), &LogWindow::sig_HideFormWaiting);
+    const QSignalSpy hidden(window->tab.get(), &LogTab::sig_HideFormWaiting);
     window->tab->readLog();
     handOver(*window->tab, 10);
     QTRY_COMPARE_WITH_TIMEOUT(hidden.size(), 1, waitTime);
@@ -311,8 +311,8 @@ void tst_LogTab::unwritableWorkingDirectoryShowsABoxAndTheWindowLives()
 void tst_LogTab::readingDetachesForcesAndAsks()
 {
     start();
-    const QSignalSpy asked(window.get(), &LogWindow::sig_ReadLogEvents);
-    connect(window.get(), &LogWindow::sig_ReadLogEvents, this, [this] {
+    const QSignalSpy asked(window->tab.get(), &LogTab::sig_ReadLogEvents);
+    connect(window->tab.get(), &LogTab::sig_ReadLogEvents, this, [this] {
         QCOMPARE(window->forcedReadings, 1);
         QVERIFY(window->view->model() == nullptr);
     });
@@ -324,7 +324,7 @@ void tst_LogTab::readingDetachesForcesAndAsks()
 void tst_LogTab::readingOnAChangeOfTabAsksWithoutForcing()
 {
     start();
-    const QSignalSpy asked(window.get(), &LogWindow::sig_ReadLogEvents);
+    const QSignalSpy asked(window->tab.get(), &LogTab::sig_ReadLogEvents);
     window->tab->readLogIfChanged();
     QCOMPARE(asked.size(), 1);
     QCOMPARE(window->forcedReadings, 0);
@@ -352,8 +352,8 @@ void tst_LogTab::detachingAndAttachingWriteDebugLines()
 void tst_LogTab::recordsWaitUntilTheReadingIsOver()
 {
     start();
-    const QSignalSpy deleted(window.get(), &LogWindow::sig_deleteDataFromTable);
-    const QSignalSpy inserted(window.get(), &LogWindow::sig_insertDataToTable);
+    const QSignalSpy deleted(window->tab.get(), &LogTab::sig_deleteDataFromTable);
+    const QSignalSpy inserted(window->tab.get(), &LogTab::sig_insertDataToTable);
     window->tab->readLog();
     const QList<QByteArrayList> blocks = blocksOf(40);
     for (const QByteArrayList& block : blocks) {
@@ -370,7 +370,7 @@ void tst_LogTab::recordsWaitUntilTheReadingIsOver()
 void tst_LogTab::readingEndsWithTheRowsInViewInOrder()
 {
     start();
-    const QSignalSpy hidden(window.get(), &LogWindow::sig_HideFormWaiting);
+    const QSignalSpy hidden(window->tab.get(), &LogTab::sig_HideFormWaiting);
     readLog(4321);
     QCOMPARE(window->countRows->text(), QStringLiteral("Count of rows in log - 4321"));
     QCOMPARE(hidden.size(), 1);
@@ -402,8 +402,8 @@ void tst_LogTab::readingThatFailsInsertsWhatHasCome()
 void tst_LogTab::emptyLogShowsACountOfZero()
 {
     start();
-    const QSignalSpy inserted(window.get(), &LogWindow::sig_insertDataToTable);
-    const QSignalSpy hidden(window.get(), &LogWindow::sig_HideFormWaiting);
+    const QSignalSpy inserted(window->tab.get(), &LogTab::sig_insertDataToTable);
+    const QSignalSpy hidden(window->tab.get(), &LogTab::sig_HideFormWaiting);
     readLog(7);
     readLog(0);
     QCOMPARE(inserted.size(), 1);
@@ -428,7 +428,7 @@ void tst_LogTab::rowsGoOutInBatches()
     QFETCH(int, rows);
     QFETCH(QList<int>, sizes);
     start();
-    const QSignalSpy batches(window.get(), &LogWindow::sig_insertDataToTable);
+    const QSignalSpy batches(window->tab.get(), &LogTab::sig_insertDataToTable);
     readLog(rows);
     QList<int> sent;
     for (const QVariantList& arguments : batches) {
@@ -519,8 +519,8 @@ void tst_LogTab::unchangedLogComesBackWithItsCount()
 {
     start();
     readLog(12);
-    const QSignalSpy deleted(window.get(), &LogWindow::sig_deleteDataFromTable);
-    const QSignalSpy inserted(window.get(), &LogWindow::sig_insertDataToTable);
+    const QSignalSpy deleted(window->tab.get(), &LogTab::sig_deleteDataFromTable);
+    const QSignalSpy inserted(window->tab.get(), &LogTab::sig_insertDataToTable);
     window->tab->readLogIfChanged();
     QVERIFY(window->view->model() == nullptr);
     QVERIFY(window->countRows->text().isEmpty());
@@ -656,7 +656,7 @@ void tst_LogTab::apostropheInTheCatalogueStopsTheInsertAndTheProgramLives()
     start();
     readLog(5);
 
-    const QSignalSpy hidden(window.get(), &LogWindow::sig_HideFormWaiting);
+    const QSignalSpy hidden(window->tab.get(), &LogTab::sig_HideFormWaiting);
     QByteArray bad = record(1);
     bad[4] = 0x1F;
     window->tab->readLog();
@@ -726,7 +726,7 @@ void tst_LogTab::loadingWithoutANameDoesNothing()
 {
     start();
     readLog(2);
-    const QSignalSpy asked(window.get(), &LogWindow::sig_LoadOtherDB);
+    const QSignalSpy asked(window->tab.get(), &LogTab::sig_LoadOtherDB);
     const int forced = window->forcedReadings;
     window->tab->sl_LoadLogFromFile();
     QCOMPARE(asked.size(), 0);
@@ -916,7 +916,7 @@ void tst_LogTab::modelNeverChangesWhileItIsInView()
     watch(window->view->model());
 
     int readings = 0;
-    const QSignalSpy ends(window.get(), &LogWindow::sig_HideFormWaiting);
+    const QSignalSpy ends(window->tab.get(), &LogTab::sig_HideFormWaiting);
     const QList<std::function<void()>> actions = {
         [this, &readings] {
             ++readings;
@@ -972,8 +972,8 @@ void tst_LogTab::closingWhileABatchIsInsertedRemovesTheFile()
     QFETCH(int, batchesBefore);
     start();
     QEventLoop loop;
-    const QSignalSpy batches(window.get(), &LogWindow::sig_insertDataToTable);
-    connect(window.get(), &LogWindow::sig_insertDataToTable, &loop, [stop = &loop, seen = &batches, batchesBefore] {
+    const QSignalSpy batches(window->tab.get(), &LogTab::sig_insertDataToTable);
+    connect(window->tab.get(), &LogTab::sig_insertDataToTable, &loop, [stop = &loop, seen = &batches, batchesBefore] {
         if (seen->size() == batchesBefore) {
             stop->quit();
         }
@@ -989,7 +989,7 @@ void tst_LogTab::closingAtOnceRemovesTheFile()
 {
     for (int round = 0; round < 20; ++round) {
         window = std::make_unique<LogWindow>();
-        window->startDataBase();
+        window->tab->startDataBase();
         window.reset();
         QVERIFY(!QFile::exists(path(QStringLiteral("Log.db"))));
     }
