@@ -1,5 +1,7 @@
 #include "ui/TreeNodes.h"
 
+#include <algorithm>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -150,6 +152,17 @@ void addSettings(OutputNode& node, const ParamItems& outputStates)
 }
 
 } // namespace
+
+bool GroupNode::isSelected() const
+{
+    return item->isSelected() || std::any_of(outputs.cbegin(), outputs.cend(),
+                                             [](const OutputNode& output) { return output.item->isSelected(); });
+}
+
+RelayInformationPtr GroupNode::firstRelay() const
+{
+    return outputs.isEmpty() ? RelayInformationPtr() : outputs.first().relay;
+}
 
 namespace treeNodes
 {

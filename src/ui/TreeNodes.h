@@ -37,6 +37,9 @@ struct GroupNode
     NodeFrame* frame = nullptr;
     GroupRelayPtr group;
     QList<OutputNode> outputs;
+
+    bool isSelected() const;                ///< itself or one of its outputs
+    RelayInformationPtr firstRelay() const; ///< null where there is no output
 };
 
 /// Making and painting the widgets of the tree's nodes. The items that are made belong to no one until they are placed

@@ -107,7 +107,8 @@ void Tree_Relay_Widget::passCurrentGroupOn()
     const auto isKept = [&groups](const GroupNode& node) { return groups.contains(node.group); };
     const auto gone = std::find_if(nodes.crbegin(), nodes.crend(), isCurrent);
     const auto kept = std::find_if(gone, nodes.crend(), isKept);
-    currentGroup = kept == nodes.crend() ? GroupRelayPtr() : kept->group;
+    // One without outputs has nothing to work on; then it is the head unit's turn.
+    currentGroup = kept == nodes.crend() || !kept->firstRelay() ? GroupRelayPtr() : kept->group;
 }
 
 void Tree_Relay_Widget::clearNodes()
@@ -224,21 +225,27 @@ void Tree_Relay_Widget::setFocusOnNode(bool headUnit)
 
 void Tree_Relay_Widget::sl_refreshCurrentNodeTree()
 {
+    const GroupNode* selected = nullptr;
     for (const GroupNode& node : std::as_const(nodes)) {
-        const bool groupSelected = node.item->isSelected();
-        if (!groupSelected && std::none_of(node.outputs.cbegin(), node.outputs.cend(),
-                                           [](const OutputNode& output) { return output.item->isSelected(); })) {
-            continue;
+        if (selected == nullptr && node.isSelected()) {
+            selected = &node;
+            repaintOutputs(node);
+        } else if (node.group == workGroup) {
+            // Another terminal is selected that has no outputs: those of this one are still worked on.
+            repaintOutputs(node);
         }
-        for (const OutputNode& output : node.outputs) {
-            if (output.relay) {
-                treeNodes::paintOutput(output);
-            } else {
-                qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to sl_refreshCurrentNodeTree()_(%d)",
-                       groupSelected ? 1 : 2);
-            }
+    }
+}
+
+void Tree_Relay_Widget::repaintOutputs(const GroupNode& node)
+{
+    for (const OutputNode& output : node.outputs) {
+        if (output.relay) {
+            treeNodes::paintOutput(output);
+        } else {
+            qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to sl_refreshCurrentNodeTree()_(%d)",
+                   node.item->isSelected() ? 1 : 2);
         }
-        return;
     }
 }
 
@@ -270,7 +277,7 @@ void Tree_Relay_Widget::selectOutput(const GroupNode& node, const OutputNode& ou
         return;
     }
     currentGroup = node.group;
-    emit sig_changeRelay(output.relay, node.group);
+    workOn(output.relay, node.group);
 }
 
 void Tree_Relay_Widget::selectGroup(const GroupNode& node)
@@ -281,13 +288,19 @@ void Tree_Relay_Widget::selectGroup(const GroupNode& node)
         return;
     }
     currentGroup = node.group;
-    const RelayInformationPtr first = node.outputs.isEmpty() ? RelayInformationPtr() : node.outputs.first().relay;
+    const RelayInformationPtr first = node.firstRelay();
     if (!first) {
         currentGroup.clear();
         qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to on_treeWidget_itemSelectionChanged()_(1)");
         return;
     }
-    emit sig_changeRelay(first, node.group);
+    workOn(first, node.group);
+}
+
+void Tree_Relay_Widget::workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group)
+{
+    workGroup = group;
+    emit sig_changeRelay(relay, group);
 }
 
 void Tree_Relay_Widget::sl_CreateNewGroupAndRelays(const QString& nameGroup, short addressGroup,

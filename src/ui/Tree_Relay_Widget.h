@@ -50,7 +50,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 public slots:
-    void sl_refreshCurrentNodeTree(); ///< the scripts of an output of the selected terminal have changed
+    void sl_refreshCurrentNodeTree(); ///< the scripts of the output that is worked on have changed
     void sl_CreateNewGroupAndRelays(const QString& nameGroup, short addressGroup, const QStringList& namesRelays);
     void on_treeWidget_itemSelectionChanged();
     void sl_pushButtonAddGroup_clicked();
@@ -97,6 +97,8 @@ private:
     void levelRows();
     void selectGroup(const GroupNode& node);
     void selectOutput(const GroupNode& node, const OutputNode& output);
+    void workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group);
+    static void repaintOutputs(const GroupNode& node);
     void keyReleased(const Place& place, const QKeyEvent* event);
     void endRename(const Place& place);
     void storeName(const Place& place, const Name& name);
@@ -105,6 +107,7 @@ private:
     QSharedPointer<RelayInfo> m_info;
     QList<GroupNode> nodes;                  ///< one for each group of the model, in its order
     QSharedPointer<GroupRelay> currentGroup; ///< group of the current selection
+    QSharedPointer<GroupRelay> workGroup;    ///< group of the output that was told to be worked on
     QSharedPointer<GroupRelay> menuGroup;    ///< group under the last context menu
     int renameGroup = -1;                    ///< index of the node to rename
     int renameOutput = -1;                   ///< index of the output in that node, -1 for the terminal itself

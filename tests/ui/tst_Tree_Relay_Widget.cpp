@@ -84,6 +84,7 @@ private slots:
     void outputs_are_grey_without_scripts();
     void changed_scripts_repaint_the_selected_node_only();
     void changed_scripts_repaint_the_node_of_a_selected_output();
+    void changed_scripts_repaint_the_output_worked_on_beside_a_terminal_without_outputs();
     void lost_outputs_are_reported();
 
     void selected_output_is_reported();
@@ -94,6 +95,7 @@ private slots:
     void rebuild_selects_the_head_unit_when_asked();
     void hidden_terminal_passes_the_selection_to_the_one_before();
     void hidden_terminals_pass_the_selection_to_the_nearest_before();
+    void hidden_terminal_behind_one_without_outputs_passes_the_selection_to_the_head_unit();
     void rebuild_without_a_model_is_reported();
     void focus_without_nodes_is_reported();
 
@@ -444,6 +446,22 @@ void tst_Tree_Relay_Widget::changed_scripts_repaint_the_node_of_a_selected_outpu
     QCOMPARE(frame(outputItem(1, 0))->styleSheet(), frameStyle(white));
 }
 
+void tst_Tree_Relay_Widget::changed_scripts_repaint_the_output_worked_on_beside_a_terminal_without_outputs()
+{
+    const RelayInformationPtr relay = addTerminal(1, 2)->outputs.at(1);
+    addTerminal(2, 0);
+    build();
+    list->setCurrentItem(outputItem(1, 1));
+    list->setCurrentItem(groupItem(2));
+    QCOMPARE(changes.constLast().relay, relay);
+    relay->activatedScripts.append(info->scripts().first());
+    tree->sl_refreshCurrentNodeTree();
+    QCOMPARE(frame(outputItem(1, 1))->styleSheet(), frameStyle(white));
+    relay->activatedScripts.clear();
+    tree->sl_refreshCurrentNodeTree();
+    QCOMPARE(frame(outputItem(1, 1))->styleSheet(), frameStyle(grey));
+}
+
 void tst_Tree_Relay_Widget::lost_outputs_are_reported()
 {
     const GroupRelayPtr group = addTerminal(1, 3);
@@ -574,6 +592,19 @@ void tst_Tree_Relay_Widget::hidden_terminals_pass_the_selection_to_the_nearest_b
     build(false);
     QCOMPARE(list->selectedItems(), QList<QTreeWidgetItem*>{groupItem(1)});
     QCOMPARE(changes.last().group, info->findGroup(1));
+}
+
+void tst_Tree_Relay_Widget::hidden_terminal_behind_one_without_outputs_passes_the_selection_to_the_head_unit()
+{
+    addTerminal(1, 1);
+    addTerminal(2, 0);
+    addTerminal(3, 1);
+    build();
+    list->setCurrentItem(outputItem(3, 0));
+    info->removeGroup(info->findGroup(3));
+    build(false);
+    QCOMPARE(list->selectedItems(), QList<QTreeWidgetItem*>{groupItem(0)});
+    QCOMPARE(changes.last().relay, info->groups().first()->outputs.first());
 }
 
 void tst_Tree_Relay_Widget::rebuild_without_a_model_is_reported()

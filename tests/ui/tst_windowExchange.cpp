@@ -80,6 +80,8 @@ private slots:
     void the_add_terminal_form_adds_to_the_tree();
     void hiding_the_head_unit_changes_nothing();
     void hiding_the_current_terminal_selects_its_predecessor();
+    void hiding_a_terminal_behind_one_without_outputs_goes_to_the_head_unit();
+    void a_selected_terminal_without_outputs_leaves_the_output_before_in_work();
     void hiding_another_terminal_keeps_the_selection();
     void hiding_disconnected_terminals_leaves_the_reported_ones();
     void the_comment_goes_into_the_file_and_comes_back();
@@ -124,6 +126,23 @@ private:
         emit form()->sig_sendReadConfigOnForm(
             {output(0, 0, bytes("0307")), output(5, 1, bytes("04")), output(9, 0, {}), output(12, 0, bytes("01"))});
         emit form()->sig_sendReadScriptOnForm({script(3), script(4), script(7)});
+    }
+    /// Terminals 5 and 9 with an output each, and between them one that has none.
+    void loadFileWithAnEmptyTerminal()
+    {
+        QFile file(QStringLiteral("hand-made.cfg"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[Configuration]\r\nNumberOfDevices=4\r\n"
+                   "ExecutiveTerminal[1].Address=5\r\nExecutiveTerminal[1].NumberOfOutputs=1\r\n"
+                   "ExecutiveTerminal[1].Output[0].Number=0\r\n"
+                   "ExecutiveTerminal[2].Address=7\r\nExecutiveTerminal[2].NumberOfOutputs=0\r\n"
+                   "ExecutiveTerminal[3].Address=9\r\nExecutiveTerminal[3].NumberOfOutputs=1\r\n"
+                   "ExecutiveTerminal[3].Output[0].Number=0\r\n");
+        file.close();
+        dialogs->openAnswers = QStringList{file.fileName()};
+        get<QAction>("actionLoad")->trigger();
+        QVERIFY(file.remove());
+        QCOMPARE(terminals(), 4);
     }
     GroupRelayPtr groupChosenAt(int index) const
     {
@@ -427,6 +446,43 @@ void tst_windowExchange::hiding_the_current_terminal_selects_its_predecessor()
     QCOMPARE(terminals(), 3);
     QCOMPARE(selectedTerminal(), 1);
     QCOMPARE(title(), QStringLiteral("2f ff ff #5(Output 1)"));
+}
+
+void tst_windowExchange::hiding_a_terminal_behind_one_without_outputs_goes_to_the_head_unit()
+{
+    loadFileWithAnEmptyTerminal();
+    const GroupRelayPtr last = groupChosenAt(3);
+    QCOMPARE(last->address, quint16(9));
+    emit window->findChild<Tree_Relay_Widget*>()->sig_deleteGroupRelay(last);
+    QCOMPARE(terminals(), 3);
+    QCOMPARE(selectedTerminal(), 0);
+    QCOMPARE(title(), QStringLiteral("HUBN-NX-Q (Internal relay 1)"));
+    // What is added now goes to the output that the titles name.
+    get<QListWidget>("listWidgetAllScript")->setCurrentRow(4);
+    get<QPushButton>("pushButtonAddScript")->click();
+    QVERIFY(last->outputs.constFirst()->activatedScripts.isEmpty());
+    QVERIFY(!groupChosenAt(1).isNull());
+    QCOMPARE(groupChosenAt(0)->outputs.constFirst()->activatedScripts.size(), 1);
+}
+
+void tst_windowExchange::a_selected_terminal_without_outputs_leaves_the_output_before_in_work()
+{
+    loadFileWithAnEmptyTerminal();
+    const GroupRelayPtr last = groupChosenAt(3);
+    const QString before = title();
+    QVERIFY(groupChosenAt(2).isNull());
+    QCOMPARE(selectedTerminal(), 2);
+    QCOMPARE(title(), before);
+    const auto nodeStyle = [this] { return tree()->itemWidget(tree()->topLevelItem(3)->child(0), 0)->styleSheet(); };
+    const QString grey = nodeStyle();
+    get<QListWidget>("listWidgetAllScript")->setCurrentRow(4);
+    get<QPushButton>("pushButtonAddScript")->click();
+    QCOMPARE(last->outputs.constFirst()->activatedScripts.size(), 1);
+    QVERIFY(nodeStyle() != grey);
+    get<QListWidget>("listWidgetActivateScript")->setCurrentRow(0);
+    get<QPushButton>("pushButtonDeleteScript")->click();
+    QCOMPARE(last->outputs.constFirst()->activatedScripts.size(), 0);
+    QCOMPARE(nodeStyle(), grey);
 }
 
 void tst_windowExchange::hiding_another_terminal_keeps_the_selection()
