@@ -19,6 +19,7 @@
 #include "ui/Tree_Relay_Widget.h"
 #include "ui/resultLine.h"
 #include "ui_MainWindow.h"
+#include "widgets/DockTitle.h"
 #include "widgets/Look.h"
 
 MainWindow::~MainWindow() = default;
@@ -221,7 +222,7 @@ void MainWindow::sl_refreshStateAllScript()
 void MainWindow::showColorOfEditedScript(const QString& color)
 {
     settingScript->setStateColor(color);
-    look::applyStyleSheet(dockScript, look::dockTitleStyle(color));
+    dockTitle::setBackground(dockScript, color);
 }
 
 void MainWindow::on_textEditComment_textChanged()

@@ -1,0 +1,120 @@
+#include <QDockWidget>
+#include <QLabel>
+#include <QMainWindow>
+#include <QVBoxLayout>
+#include <QtTest>
+
+#include "widgets/DockTitle.h"
+#include "widgets/Look.h"
+
+class tst_DockTitle : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void the_title_takes_the_colour();
+    void an_empty_dock_takes_the_colour_as_well();
+    void what_stands_in_the_dock_is_not_styled_anew();
+    void what_stands_in_the_dock_can_be_styled_afterwards();
+
+private:
+    QColor titleColor() const;
+    QColor labelColor() const;
+
+    QMainWindow* window = nullptr;
+    QDockWidget* dock = nullptr;
+    QLabel* label = nullptr;
+};
+
+void tst_DockTitle::init()
+{
+    window = new QMainWindow;
+    window->setCentralWidget(new QWidget);
+    dock = new QDockWidget(window);
+    dock->setFeatures(QDockWidget::DockWidgetMovable);
+    dockTitle::setBackground(dock, QStringLiteral("rgb(220,220,220)"));
+    auto* const content = new QWidget(dock);
+    label = new QLabel(content);
+    label->setFixedSize(40, 40);
+    label->setStyleSheet(QStringLiteral("background-color: rgb(0, 0, 255)"));
+    (new QVBoxLayout(content))->addWidget(label);
+    dock->setWidget(content);
+    window->addDockWidget(Qt::LeftDockWidgetArea, dock);
+    window->resize(400, 300);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+}
+
+void tst_DockTitle::cleanup()
+{
+    delete window;
+}
+
+QColor tst_DockTitle::titleColor() const
+{
+    return window->grab().toImage().pixelColor(dock->mapTo(window, QPoint(2, dock->widget()->y() / 2)));
+}
+
+QColor tst_DockTitle::labelColor() const
+{
+    return window->grab().toImage().pixelColor(label->mapTo(window, label->rect().center()));
+}
+
+void tst_DockTitle::the_title_takes_the_colour()
+{
+    QCOMPARE(titleColor(), QColor(220, 220, 220));
+    for (const QColor& color : {QColor(0, 200, 0), QColor(200, 0, 0), QColor(200, 0, 0), QColor(0, 200, 0)}) {
+        dockTitle::setBackground(dock, look::rgba(color));
+        QCOMPARE(dock->styleSheet(), look::dockTitleStyle(look::rgba(color)));
+        QCOMPARE(titleColor(), color);
+        QCOMPARE(labelColor(), QColor(0, 0, 255));
+    }
+}
+
+void tst_DockTitle::an_empty_dock_takes_the_colour_as_well()
+{
+    QDockWidget empty;
+    dockTitle::setBackground(&empty, QStringLiteral("rgb(1, 2, 3)"));
+    dockTitle::setBackground(&empty, QStringLiteral("rgb(4, 5, 6)"));
+    QCOMPARE(empty.styleSheet(), look::dockTitleStyle(QStringLiteral("rgb(4, 5, 6)")));
+}
+
+void tst_DockTitle::what_stands_in_the_dock_is_not_styled_anew()
+{
+    class Events : public QObject
+    {
+    public:
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            const QList<QEvent::Type> ofStyling = {QEvent::StyleChange, QEvent::PaletteChange, QEvent::FontChange,
+                                                   QEvent::Paint, QEvent::LayoutRequest};
+            count += ofStyling.contains(event->type()) ? 1 : 0;
+            return false;
+        }
+        int count = 0;
+    };
+    QCoreApplication::processEvents();
+    Events events;
+    label->installEventFilter(&events);
+    Events titleEvents;
+    dock->installEventFilter(&titleEvents);
+    dockTitle::setBackground(dock, QStringLiteral("rgb(0, 200, 0)"));
+    QTRY_VERIFY(titleEvents.count > 0);
+    QCOMPARE(titleEvents.count, 1); // the paint event
+    QCOMPARE(events.count, 0);
+}
+
+void tst_DockTitle::what_stands_in_the_dock_can_be_styled_afterwards()
+{
+    dockTitle::setBackground(dock, QStringLiteral("rgb(0, 200, 0)"));
+    label->setStyleSheet(QStringLiteral("background-color: rgb(255, 0, 0)"));
+    QCOMPARE(labelColor(), QColor(255, 0, 0));
+    dock->setStyleSheet(QStringLiteral("QLabel {border: 20px solid rgb(1, 2, 3)}"));
+    QCOMPARE(labelColor(), QColor(1, 2, 3));
+}
+
+QTEST_MAIN(tst_DockTitle)
+#include "tst_DockTitle.moc"
