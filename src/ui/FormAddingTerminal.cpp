@@ -22,7 +22,7 @@ namespace
 constexpr int addressCount = 32;
 constexpr int maximumOutputs = 2;
 
-QString noAddress()
+QString noChosenAddress()
 {
     return QStringLiteral("---");
 }
@@ -107,7 +107,7 @@ void FormAddingTerminal::fillAddresses()
     ui->comboBoxAddress->setFont(look::applicationFont());
     QStringList addresses = freeAddresses();
     if (addresses.isEmpty()) {
-        addresses.append(noAddress());
+        addresses.append(noChosenAddress());
         ui->pushButton->setEnabled(false); // for good: no later showing enables it again
     }
     ui->comboBoxAddress->addItems(addresses);
