@@ -7,9 +7,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QTime>
 #include <QUuid>
 
+#include "domain/debugLine.h"
 #include "eventlog/LogTable.h"
 #include "texts/texts.h"
 
@@ -18,8 +18,7 @@ namespace
 
 void logProgress(const QString& text)
 {
-    qDebug().noquote() << QTime::currentTime().toString(QStringLiteral("hh:mm:ss:zzz")) +
-                              QLatin1String(" (Database): ") + text;
+    debugLine(QLatin1String(" (Database): ") + text);
 }
 
 /// Where the name itself lies, whatever it may link to.

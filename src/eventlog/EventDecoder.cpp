@@ -6,6 +6,7 @@
 #include <QVariantList>
 
 #include "domain/bcd.h"
+#include "domain/byteAt.h"
 #include "domain/terminals.h"
 #include "eventlog/EventTexts.h"
 #include "model/Device.h"
@@ -68,11 +69,6 @@ constexpr ButtonText panicButtons[] = {
     {0x04, &texts::panicButton3},
     {0x08, &texts::panicButton4},
 };
-
-quint8 byteAt(const QByteArray& bytes, int index)
-{
-    return static_cast<quint8>(bytes.at(index));
-}
 
 QString hexByte(quint8 value)
 {

@@ -3,6 +3,7 @@
 #include <QtEndian>
 
 #include "domain/bcd.h"
+#include "domain/byteAt.h"
 #include "model/ScriptRules.h"
 #include "model/firstOf.h"
 #include "model/format.h"
@@ -20,11 +21,6 @@ constexpr quint8 noScript = 255; ///< fills a place in the list of an output's s
 QString placeholderName()
 {
     return QStringLiteral("???");
-}
-
-quint8 byteAt(const QByteArray& record, int index)
-{
-    return static_cast<quint8>(record.at(index));
 }
 
 template <std::size_t N>

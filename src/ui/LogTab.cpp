@@ -1,14 +1,13 @@
 #include "ui/LogTab.h"
 
 #include <QAbstractItemView>
-#include <QDebug>
 #include <QFile>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QTableView>
-#include <QTime>
 
+#include "domain/debugLine.h"
 #include "eventlog/LogTable.h"
 #include "texts/texts.h"
 #include "widgets/Dialogs.h"
@@ -18,11 +17,6 @@ namespace
 
 constexpr int batchSize = 2000;
 constexpr int rowHeight = 40;
-
-void logLine(const QString& text)
-{
-    qDebug().noquote() << QTime::currentTime().toString(QStringLiteral("hh:mm:ss:zzz")) + text;
-}
 
 } // namespace
 
@@ -140,7 +134,7 @@ void LogTab::sl_ReceiveDataEvents(const QByteArrayList& data, bool end)
 
 void LogTab::sl_DataIsDeleted(ErrorDataBase err)
 {
-    logLine(QStringLiteral(" (Waiting): all data deleted from table"));
+    debugLine(QStringLiteral(" (Waiting): all data deleted from table"));
     switch (err) {
     case ErrorDataBaseNone:
         logEvents.numberEvents();
@@ -278,7 +272,7 @@ void LogTab::detachLogView()
     }
     dropModel();
     countRows->clear();
-    logLine(QStringLiteral(" (MainWindow): Model is Reset"));
+    debugLine(QStringLiteral(" (MainWindow): Model is Reset"));
 }
 
 void LogTab::attachLogView()
@@ -291,7 +285,7 @@ void LogTab::attachLogView()
             view->setColumnHidden(column, columnHidden.at(column));
         }
     }
-    logLine(QStringLiteral(" (MainWindow): Model is Set"));
+    debugLine(QStringLiteral(" (MainWindow): Model is Set"));
 }
 
 /// Takes the model from the view so that nothing of the GUI thread stays tied to it: the view itself keeps its former
