@@ -14,7 +14,7 @@
 /// The working file (base name and ".db", in the current directory) is scratch: sl_connectToDataBase() makes it anew,
 /// sl_closeDataBase() removes it. A log is kept by copying the file out and shown again by copying such a file in.
 ///
-/// The window owns the object, without a parent, and moves it to a thread of its own before the first slot runs. The
+/// The log tab owns the object, without a parent, and moves it to a thread of its own before the first slot runs. The
 /// default connection and the model belong to that thread. All slots run there, one at a time; each reports by a signal
 /// from that thread and shows nothing to the user. The model may be given a view only between the report of one
 /// operation and the request of the next.

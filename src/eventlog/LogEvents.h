@@ -10,8 +10,8 @@ class Device;
 
 /// Holds the decoded events between the moment they arrive from the device and the moment they go to the database.
 ///
-/// The main window owns the one instance and keeps it for the life of the program; GUI thread only. It knows the
-/// catalogue of models, which it doesn't own, for the names of terminals; without one every terminal keeps its numbers.
+/// The log tab owns the one instance; GUI thread only. It knows the catalogue of models, which it doesn't own, for the
+/// names of terminals; without one every terminal keeps its numbers.
 class LogEvents
 {
 public:

@@ -97,7 +97,7 @@ QString insertStatement(const QList<EventOfTable>& rows)
 {
     const QLatin1String comma(", ");
     QString statement = QStringLiteral("INSERT INTO %1 ( %2 ) VALUES ").arg(name(), namesOfColumns().join(comma));
-    // Half a megabyte of small pieces would be moved again and again while it grows.
+    // A batch is half a megabyte of small pieces, which nothing should move while it grows.
     constexpr int lengthOfRow = 256;
     statement.reserve(statement.size() + rows.size() * lengthOfRow);
     for (int row = 0; row < rows.size(); ++row) {

@@ -81,7 +81,7 @@ void LogTab::beginModelChange(const std::function<void()>& request)
         detachLogView();
     }
     request();
-    // Queued behind the request there, and behind all that it reports here: this ends the change whatever its outcome,
+    // This comes back from the worker behind all that the request reports, and so ends the change whatever its outcome,
     // even if there was nothing to report.
     QMetaObject::invokeMethod(
         dataBase, [this] { QMetaObject::invokeMethod(this, &LogTab::endModelChange, Qt::QueuedConnection); },
@@ -185,7 +185,7 @@ void LogTab::stopWithFault(const QString& text)
 
 void LogTab::endReading(bool allIsLost)
 {
-    // The log hasn't changed since a reading of which nothing is left, and is worth another one all the same.
+    // The unit's counter stands where this reading found it: the next one would leave the table as it is.
     if (allIsLost) {
         emit forceReading();
     }
@@ -339,7 +339,7 @@ void LogTab::sl_SettingOtherModel(ErrorDataBase err, SqlModel* model, const QStr
     if (err == ErrorDataBaseNone) {
         sl_SettingTableView(model);
         detachLogView();
-        // Still a part of the loading, which reports nothing after this: it doesn't have to wait for its end.
+        // Not by changeModel(): it is a part of the loading, before whose end nothing else may begin.
         beginModelChange([this] { emit sig_refreshTable(); });
         emit newResult(texts::resultLogLoadOk().arg(fileName));
         return;

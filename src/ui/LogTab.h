@@ -55,19 +55,22 @@ public:
     void readLog();          ///< reads the unit's log whether it has changed or not
     void readLogIfChanged(); ///< reads it if its counter has moved since the last reading
 
-    /// The reading that is about to end has an error.
+    /// The reading ends with an error: if no row of it is left, the next one is forced. Comes before the last records.
     void expectMissingEvents();
 
 signals:
+    // To the coordinator form.
     void sig_ReadLogEvents();
+    void forceReading(); ///< the next reading must not find the log unchanged
+    void sig_HideFormWaiting();
+
+    // To the database worker.
     void sig_insertDataToTable(const QList<EventOfTable>& rows);
     void sig_refreshTable();
     void sig_deleteDataFromTable();
     void sig_LoadOtherDB(const QString& fileName);
     void sig_SaveOtherDB(const QString& fileName);
-    void sig_HideFormWaiting();
 
-    void forceReading();                 ///< the next reading must not be skipped
     void newResult(const QString& text); ///< for the result line of the window
 
 public slots:
@@ -122,10 +125,10 @@ private:
     QThread dataBaseThread;
     DataBase* dataBase;
     QPointer<SqlModel> modelLog;   ///< the worker's; it goes when the worker has to begin anew
-    bool eventsAreMissing = false; ///< in the reading
-    int batches = 0;               ///< of the reading, sent to the worker
+    bool eventsAreMissing = false; ///< the reading ends with an error
+    int batches = 0;               ///< that the reading has sent to the worker
     QList<int> columnWidths;       ///< at the last detach
     QList<bool> columnHidden;      ///< at the last detach
-    int modelChanges = 0;          ///< requested, and not yet done with on the database thread and here
+    int modelChanges = 0;          ///< that have begun and not ended
     QQueue<std::function<void()>> waitingRequests;
 };

@@ -32,7 +32,7 @@ QString timeText(const QDateTime& time)
     return time.toString(QStringLiteral("dd/MM/yy hh:mm:ss:zzz"));
 }
 
-// A blank behind every byte, the last one too.
+// toHex() sets no blank behind the last byte.
 QString bytesText(const QByteArray& bytes)
 {
     return bytes.isEmpty() ? QString() : QString::fromLatin1(bytes.toHex(' ')) + QLatin1Char(' ');
