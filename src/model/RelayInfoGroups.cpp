@@ -147,21 +147,9 @@ void RelayInfo::resetScripts()
         script = ScriptInfo();
         script.marked = marked;
         script.number = static_cast<quint8>(i);
-        script.name = texts::defaultScriptName();
         script.mode = tables.modes.first();
         script.delay = tables.delays.first();
         script.duration = tables.durations.first();
         script.stateChannel = tables.stateChannels.first();
-        script.activateFilter = {false, false, false, false};
-        script.daysOfWeek = {false, false, false, false, false, false, false};
-        script.timeFilter = {0, 0, 0, 0};
-        script.dateFilter = {1, 1, 1, 1};
-        script.terminalFilter = TerminalTypePtr::create();
-        script.addressFilter.clear();
-        for (int address = 0; address < 32; ++address) {
-            script.addressFilter.append(false);
-        }
-        script.numberChannels = {true, false, false, false};
-        script.notActive = true;
     }
 }

@@ -3,9 +3,11 @@
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
+#include <QVector>
 
 #include "model/ParamItem.h"
 #include "model/TerminalType.h"
+#include "texts/texts.h"
 
 /// One of the 32 scripts of the head unit: when which state is reported, by whom and when, and what the output does.
 ///
@@ -23,21 +25,21 @@ struct ScriptInfo
     };
 
     quint8 number = 255; ///< 0 to 31; shown to the user plus one
-    QString name;
-    ParamItemPtr mode;              ///< row of the modes
-    ParamItemPtr delay;             ///< row of the delays
-    ParamItemPtr duration;          ///< row of the durations
-    ParamItemPtr stateChannel;      ///< row of the channel states, or a private row named "<Other>"
-    ParamItems stateTerminal;       ///< rows of the terminal states, in table order
-    QList<bool> activateFilter;     ///< 4 items, which filters are switched on
-    QList<bool> daysOfWeek;         ///< 7 items: Monday to Sunday
-    QList<int> timeFilter;          ///< 4 items: minute and hour of begin, minute and hour of end
-    QList<int> dateFilter;          ///< 4 items: day and month of begin, day and month of end
-    TerminalTypePtr terminalFilter; ///< row of the catalogue, or the script's own record
-    QList<bool> addressFilter;      ///< 32 items: item i is address i + 1, item 31 the head unit
-    QList<bool> numberChannels;     ///< channels 1 to 4; empty once the editor set the state "Not active"
-    bool marked = false;            ///< mark of the script's row in the script table
-    bool notActive = true;          ///< the script has no trigger
+    QString name = texts::defaultScriptName();
+    ParamItemPtr mode;         ///< row of the modes
+    ParamItemPtr delay;        ///< row of the delays
+    ParamItemPtr duration;     ///< row of the durations
+    ParamItemPtr stateChannel; ///< row of the channel states, or a private row named "<Other>"
+    ParamItems stateTerminal;  ///< rows of the terminal states, in table order
+    QList<bool> activateFilter = {false, false, false, false};
+    QList<bool> daysOfWeek = {false, false, false, false, false, false, false}; ///< Monday to Sunday
+    QList<int> timeFilter = {0, 0, 0, 0};                       ///< minute and hour of begin, minute and hour of end
+    QList<int> dateFilter = {1, 1, 1, 1};                       ///< day and month of begin, day and month of end
+    TerminalTypePtr terminalFilter = TerminalTypePtr::create(); ///< row of the catalogue, or the script's own record
+    QList<bool> addressFilter = QVector<bool>(32).toList();     ///< item i is address i + 1, item 31 the head unit
+    QList<bool> numberChannels = {true, false, false, false};   ///< empty once the editor set the state "Not active"
+    bool marked = false;                                        ///< mark of the script's row in the script table
+    bool notActive = true;                                      ///< the script has no trigger
 };
 
 using ScriptInfoPtr = QSharedPointer<ScriptInfo>;
