@@ -4,9 +4,7 @@
 #include <QString>
 #include <QStringRef>
 
-#include "model/GroupRelay.h"
-#include "model/ScriptInfo.h"
-#include "model/tables.h"
+#include "model/ConfigurationKeys.h"
 
 /// Reads the text of a configuration file into groups and scripts that were reset before.
 ///
@@ -26,30 +24,10 @@ public:
     QList<GroupRelayPtr> groups() const;
     QString comment() const;
 
-    /// A key with its value: what the effects of the keys work on.
-    struct Entry
-    {
-        QString key;
-        QString value;
-        int number = -1;   ///< the value, or -1 if it isn't a number
-        int terminal = -1; ///< the indexes in the key, negative where there is none
-        int output = -1;
-        int script = -1;
-    };
-
-    /// What the effects may reach.
-    struct Model
-    {
-        const ParamTables& tables;
-        QList<GroupRelayPtr> groups;
-        QList<ScriptInfoPtr> scripts;
-    };
-
 private:
     void readLine(const QStringRef& line);
-    int readEntry(const Entry& entry);
 
-    Model model;
+    ConfigurationModel model;
     QString commentText;
     bool inComment = false;
     int errors = 0;

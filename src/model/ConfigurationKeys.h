@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include "model/GroupRelay.h"
+#include "model/ScriptInfo.h"
+#include "model/tables.h"
+
+/// A line of a configuration file: a key with its value.
+struct ConfigurationEntry
+{
+    QString key;
+    QString value;
+    int number = -1;   ///< the value, or -1 if it isn't a number
+    int terminal = -1; ///< the indexes in the key, negative where there is none
+    int output = -1;
+    int script = -1;
+};
+
+/// What the keys work on. The tables must outlive it.
+struct ConfigurationModel
+{
+    const ParamTables& tables;
+    QList<GroupRelayPtr> groups;
+    QList<ScriptInfoPtr> scripts;
+};
+
+/// Does what a key says. Returns the number of errors; what an error is about stays as it was.
+int applyEntry(ConfigurationModel& model, const ConfigurationEntry& entry);
