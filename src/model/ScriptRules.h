@@ -29,9 +29,11 @@ ParamItemPtr findState(const ParamItems& rows, const QString& name); ///< first 
 ParamItemPtr findAnalogState(const ParamItems& rows, const QString& analogName);
 ParamItemPtr findButtonState(const ParamItems& rows, const QString& buttonName, bool longPress);
 ParamItemPtr findStateOfCode(const ParamItems& rows, quint8 code); ///< first row of an effective code, of any family
-ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code); ///< that the class reports
-ParamItemPtr makeOtherState(quint8 code); ///< a new private row "<Other>"
+ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code); ///< first that it reports
 /// @}
+
+/// A new private row "<Other>".
+ParamItemPtr makeOtherState(quint8 code);
 
 /// The same key with the other press: for a state with a linked row the row of equal names whose press is the one
 /// asked for; the state itself if there is none or nothing is linked.
