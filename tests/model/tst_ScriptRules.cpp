@@ -30,6 +30,9 @@ private slots:
 
     void statesHaveTheirKind_data();
     void statesHaveTheirKind();
+    void linkedStatesAloneBelongToAFamily();
+    void twoClassesReportAFamily();
+    void statesOfACodeAreThoseOfTheClass();
     void aMissingStateIsNotActive();
     void statesAreFoundByName();
     void everyButtonStateIsFoundByKeyAndPress();
@@ -99,6 +102,40 @@ void tst_ScriptRules::statesHaveTheirKind()
 {
     QFETCH(int, position);
     QTEST(int(scriptRules::kindOf(model->stateChannelAt(position))), "kind");
+}
+
+void tst_ScriptRules::linkedStatesAloneBelongToAFamily()
+{
+    const ParamItems rows = model->stateChannels();
+    for (const ParamItemPtr& row : rows) {
+        const scriptRules::StateFamily* family = scriptRules::familyOf(row);
+        QCOMPARE(family != nullptr, !row->linked.isNull());
+        QVERIFY(family == nullptr || family->kind == scriptRules::kindOf(row));
+    }
+    QVERIFY(scriptRules::familyOf({}) == nullptr);
+    QVERIFY(scriptRules::familyOf(scriptRules::makeOtherState(4)) == nullptr);
+}
+
+void tst_ScriptRules::twoClassesReportAFamily()
+{
+    for (int terminalClass = 0; terminalClass < 16; ++terminalClass) {
+        const scriptRules::StateFamily* family = scriptRules::familyOfClass(quint8(terminalClass));
+        QCOMPARE(family != nullptr, terminalClass == 3 || terminalClass == 4);
+    }
+    QVERIFY(scriptRules::familyOfClass(3)->kind == StateKind::Button);
+    QVERIFY(scriptRules::familyOfClass(4)->kind == StateKind::Analog);
+}
+
+void tst_ScriptRules::statesOfACodeAreThoseOfTheClass()
+{
+    const ParamItems rows = model->stateChannels();
+    QCOMPARE(scriptRules::findStateOfCode(rows, 4), model->stateChannelAt(9));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 4, 4), model->stateChannelAt(9));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 3, 4), model->stateChannelAt(21));
+    QVERIFY(!scriptRules::findStateOfClass(rows, 1, 4));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 1, 1), model->stateChannelAt(2));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 1, 255), model->stateChannelAt(0));
+    QVERIFY(!scriptRules::findStateOfClass(rows, 3, 255));
 }
 
 void tst_ScriptRules::aMissingStateIsNotActive()
