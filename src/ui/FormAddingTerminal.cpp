@@ -5,11 +5,14 @@
 
 #include <QComboBox>
 #include <QEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QShowEvent>
 #include <QSpinBox>
+#include <QStyle>
 
 #include "model/RelayInfo.h"
 #include "texts/texts.h"
@@ -84,9 +87,32 @@ void FormAddingTerminal::showEvent(QShowEvent* event)
     Form::showEvent(event);
     // Coming back from an icon is no new showing.
     if (!event->spontaneous()) {
+        placeOverWindow();
+        ui->comboBoxTerminals->setFocus();
         fillTerminals();
         fillAddresses();
         ui->spinBoxOutputs->setMaximum(maximumOutputs);
+    }
+}
+
+void FormAddingTerminal::placeOverWindow()
+{
+    if (parentWidget() == nullptr) {
+        return;
+    }
+    const QWidget* window = parentWidget()->window();
+    const QRect room = window->frameGeometry() & window->screen()->availableGeometry();
+    setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(), room));
+}
+
+void FormAddingTerminal::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        ui->pushButton->click();
+    } else if (event->matches(QKeySequence::Cancel)) {
+        ui->pushButtonClose->click();
+    } else {
+        Form::keyPressEvent(event);
     }
 }
 

@@ -24,7 +24,8 @@ QT_END_NAMESPACE
 /// free address and the names of the outputs.
 ///
 /// Owned by the main window, and a window of its own that closes with it; not modal; GUI thread only. It is refilled
-/// at every showing, so nothing is kept of what was entered. The result is one signal.
+/// at every showing, so nothing is kept of what was entered. The Return key adds, Escape cancels. The result is one
+/// signal.
 class FormAddingTerminal : public Form
 {
     Q_OBJECT
@@ -50,6 +51,7 @@ signals:
     void sig_addNewGroupRelay(const QString& name, short address, const QStringList& outputNames);
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -66,6 +68,7 @@ private:
     };
 
     void setTexts();
+    void placeOverWindow();
     void fillTerminals();
     void fillAddresses();
     QStringList freeAddresses() const;

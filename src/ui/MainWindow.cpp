@@ -167,6 +167,8 @@ void MainWindow::sl_changeTitleSettingScript(const QString& name)
 void MainWindow::sl_runFormForAddGroupRelay()
 {
     formAddingTerminal->show();
+    formAddingTerminal->raise();
+    formAddingTerminal->activateWindow();
 }
 
 void MainWindow::sl_DeleteDeviceFromTree(const QSharedPointer<GroupRelay>& group)

@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QFrame>
@@ -97,13 +98,18 @@ QLabel* makeCaption(QFrame* parent, const QString& text)
     return label;
 }
 
-/// Leaves the wheel to the tree: who scrolls past a state doesn't mean to change it.
+/// Leaves the wheel to the tree, since who scrolls past a state doesn't mean to change it, and the menu to the node.
 class StateCombo : public QComboBox
 {
 public:
     using QComboBox::QComboBox;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override
+    {
+        event->ignore();
+    }
+
     void wheelEvent(QWheelEvent* event) override
     {
         event->ignore();

@@ -311,6 +311,20 @@ void Tree_Relay_Widget::sl_CreateNewGroupAndRelays(const QString& nameGroup, sho
         m_info->addOutput(currentGroup, name);
     }
     fullUpdateTree(false);
+    scrollToCurrentGroup();
+}
+
+void Tree_Relay_Widget::scrollToCurrentGroup()
+{
+    for (const GroupNode& node : std::as_const(nodes)) {
+        if (node.group == currentGroup) {
+            // Where not all has room, the terminal itself and its first outputs count.
+            for (auto output = node.outputs.crbegin(); output != node.outputs.crend(); ++output) {
+                ui->treeWidget->scrollToItem(output->item);
+            }
+            ui->treeWidget->scrollToItem(node.item);
+        }
+    }
 }
 
 void Tree_Relay_Widget::sl_pushButtonAddGroup_clicked()
@@ -468,7 +482,7 @@ void Tree_Relay_Widget::keyReleased(const Place& place, const QKeyEvent* event)
     if (!isEnter(event->key())) {
         storeName(place, name);
     } else if (!menuKeyHeld) {
-        name.edit->clearFocus();
+        ui->treeWidget->setFocus(Qt::OtherFocusReason);
     } else if (!event->isAutoRepeat()) {
         menuKeyHeld = false;
     }

@@ -95,6 +95,7 @@ private:
     void connectOutput(const OutputNode& node);
     void addButtonRow();
     void levelRows();
+    void scrollToCurrentGroup();
     void selectGroup(const GroupNode& node);
     void selectOutput(const GroupNode& node, const OutputNode& output);
     void workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group);

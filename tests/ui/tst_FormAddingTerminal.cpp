@@ -39,6 +39,11 @@ private slots:
     void added_address_is_gone_at_the_next_showing();
     void address_taken_meanwhile_is_not_added();
     void keys_alone_add_a_terminal();
+    void return_adds_from_any_field_data();
+    void return_adds_from_any_field();
+    void return_on_cancel_cancels();
+    void escape_cancels();
+    void opens_over_its_window_with_the_first_field_in_focus();
     void cancel_keeps_nothing();
     void coming_back_from_an_icon_keeps_what_was_entered();
     void odd_names_are_passed_on_as_they_are();
@@ -401,6 +406,65 @@ void tst_FormAddingTerminal::keys_alone_add_a_terminal()
     QTest::keyClick(add, Qt::Key_Space);
     QCOMPARE(added.size(), 1);
     QCOMPARE(added.first().name, QStringLiteral("Siren"));
+}
+
+void tst_FormAddingTerminal::return_adds_from_any_field_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("field");
+    for (const char* field :
+         {"comboBoxTerminals", "lineEditTerminal", "comboBoxAddress", "spinBoxOutputs", "lineEditOutput1"}) {
+        QTest::newRow(field) << int(Qt::Key_Return) << QString::fromLatin1(field);
+    }
+    QTest::newRow("enter of the number pad") << int(Qt::Key_Enter) << QStringLiteral("lineEditTerminal");
+}
+
+void tst_FormAddingTerminal::return_adds_from_any_field()
+{
+    QFETCH(int, key);
+    QFETCH(QString, field);
+    showForm();
+    auto* const widget = form->findChild<QWidget*>(field);
+    widget->setFocus();
+    QTest::keyClick(widget, static_cast<Qt::Key>(key));
+    QCOMPARE(added.size(), 1);
+    QVERIFY(!form->isVisible());
+}
+
+void tst_FormAddingTerminal::return_on_cancel_cancels()
+{
+    showForm();
+    cancel->setFocus();
+    QTest::keyClick(cancel, Qt::Key_Return);
+    QVERIFY(added.isEmpty());
+    QVERIFY(!form->isVisible());
+}
+
+void tst_FormAddingTerminal::escape_cancels()
+{
+    showForm();
+    name->setFocus();
+    QTest::keyClick(name, Qt::Key_Escape);
+    QVERIFY(added.isEmpty());
+    QVERIFY(!form->isVisible());
+}
+
+void tst_FormAddingTerminal::opens_over_its_window_with_the_first_field_in_focus()
+{
+    QWidget window;
+    window.setGeometry(350, 250, 420, 320);
+    window.show();
+    auto* const child = new FormAddingTerminal(info, &window);
+    for (int showing = 0; showing < 2; ++showing) {
+        child->show();
+        QVERIFY(QTest::qWaitForWindowActive(child));
+        const QPoint distance = child->geometry().center() - window.frameGeometry().center();
+        QVERIFY(distance.manhattanLength() <= 2);
+        QCOMPARE(child->focusWidget()->objectName(), QStringLiteral("comboBoxTerminals"));
+        child->findChild<QLineEdit*>(QStringLiteral("lineEditTerminal"))->setFocus();
+        child->hide();
+        window.move(200, 150);
+    }
 }
 
 void tst_FormAddingTerminal::cancel_keeps_nothing()

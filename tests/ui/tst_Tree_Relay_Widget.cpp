@@ -109,6 +109,7 @@ private slots:
     void menu_is_there_for_the_head_unit_too();
     void no_menu_beside_the_nodes();
     void menu_by_mouse_on_the_name();
+    void menu_by_mouse_on_the_start_state();
     void menu_asks_to_hide_disconnected_terminals();
     void menu_that_outlives_the_nodes_renames_nothing();
 
@@ -128,6 +129,7 @@ private slots:
     void filter_keeps_no_event();
 
     void new_terminal_is_added_and_selected();
+    void outputs_of_a_new_terminal_are_in_sight();
     void rebuild_while_renaming_is_harmless();
     void repeated_rebuilds_leave_nothing_behind();
     void parts_of_a_rebuild_may_run_alone();
@@ -751,6 +753,21 @@ void tst_Tree_Relay_Widget::menu_by_mouse_on_the_name()
     QCOMPARE(hidden, QList<GroupRelayPtr>{group});
 }
 
+void tst_Tree_Relay_Widget::menu_by_mouse_on_the_start_state()
+{
+    build();
+    const auto rename = std::make_shared<QString>();
+    whenMenuOpens([rename](QMenu* menu) {
+        *rename = menu->actions().constLast()->text();
+        menu->close();
+    });
+    QComboBox* box = combo(0, 1);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, box->rect().center(), box->mapToGlobal(box->rect().center()));
+    QApplication::sendEvent(box, &event);
+    QCOMPARE(*rename, QStringLiteral("Rename of output"));
+    QVERIFY(box->isVisible() && box->currentIndex() == 0);
+}
+
 void tst_Tree_Relay_Widget::menu_asks_to_hide_disconnected_terminals()
 {
     build();
@@ -881,7 +898,7 @@ void tst_Tree_Relay_Widget::enter_ends_renaming()
     QTest::keyClicks(name, QStringLiteral("12"));
     QTest::keyClick(name, static_cast<Qt::Key>(key));
     QVERIFY(name->isHidden());
-    QVERIFY(!name->hasFocus());
+    QVERIFY(list->hasFocus());
     QVERIFY(label(outputItem(0, 0))->isVisible());
     QCOMPARE(label(outputItem(0, 0))->text(), QStringLiteral("1. Internal relay12"));
     QCOMPARE(renames, 2);
@@ -978,6 +995,24 @@ void tst_Tree_Relay_Widget::new_terminal_is_added_and_selected()
     QCOMPARE(changes.size(), 1);
     QCOMPARE(changes.first().relay, group->outputs.first());
     QCOMPARE(changes.first().group, group);
+}
+
+void tst_Tree_Relay_Widget::outputs_of_a_new_terminal_are_in_sight()
+{
+    for (const quint16 address : {1, 2, 3, 4, 6, 7, 8, 9}) {
+        addTerminal(address, 2);
+    }
+    build();
+    for (const short address : {5, 30}) {
+        tree->sl_CreateNewGroupAndRelays(QStringLiteral("Siren"), address,
+                                         {QStringLiteral("Lamp"), QStringLiteral("Horn")});
+        QTreeWidgetItem* const added = list->selectedItems().constFirst();
+        const QRect view = list->viewport()->rect();
+        for (QTreeWidgetItem* item : {added, added->child(0), added->child(1)}) {
+            QVERIFY(view.contains(frame(item)->geometry()));
+            QVERIFY(frame(item)->isVisible());
+        }
+    }
 }
 
 void tst_Tree_Relay_Widget::rebuild_while_renaming_is_harmless()
