@@ -176,14 +176,14 @@ void MainWindow::sl_DeleteDeviceFromTree(const QSharedPointer<GroupRelay>& group
     relayInfo->removeGroup(group);
     // The model refuses to remove the head unit: then nothing has changed.
     if (!relayInfo->groups().contains(group)) {
-        treeRelay->fullUpdateTree(false);
+        treeRelay->removeGoneNodes();
     }
 }
 
 void MainWindow::sl_DeleteDisconnectDeviceFromTree()
 {
     relayInfo->removeDisconnectedGroups();
-    treeRelay->fullUpdateTree(false);
+    treeRelay->removeGoneNodes();
 }
 
 void MainWindow::sl_AddScriptInActivateList()

@@ -67,13 +67,41 @@ void Tree_Relay_Widget::fullUpdateTree(bool focusHeadUnit)
     ui->treeWidget->setUpdatesEnabled(true);
 }
 
-void Tree_Relay_Widget::updateStructTree()
+void Tree_Relay_Widget::removeGoneNodes()
+{
+    const QList<GroupRelayPtr> groups = m_info->groups();
+    const auto isKept = [&groups](const GroupNode& node) { return groups.contains(node.group); };
+    if (std::count_if(nodes.cbegin(), nodes.cend(), isKept) != groups.size()) {
+        fullUpdateTree(false); // groups have come as well
+        return;
+    }
+    ui->treeWidget->setUpdatesEnabled(false);
+    storeExpanded();
+    endRename();
+    passCurrentGroupOn();
+    ui->treeWidget->selectionModel()->clear(); // or what moves up into the place of a selected row would be selected
+    const auto gone = std::stable_partition(nodes.begin(), nodes.end(), isKept);
+    std::for_each(gone, nodes.end(), [](const GroupNode& node) { delete node.item; });
+    nodes.erase(gone, nodes.end());
+    if (ui->treeWidget->topLevelItemCount() == nodes.size()) {
+        addButtonRow();
+    }
+    setFocusOnNode(false);
+    ui->treeWidget->setUpdatesEnabled(true);
+}
+
+void Tree_Relay_Widget::storeExpanded()
 {
     for (const GroupNode& node : std::as_const(nodes)) {
         if (node.item->treeWidget() != nullptr) {
             node.group->expand = node.item->isExpanded();
         }
     }
+}
+
+void Tree_Relay_Widget::updateStructTree()
+{
+    storeExpanded();
     passCurrentGroupOn();
     clearNodes();
     const QList<GroupRelayPtr> groups = m_info->groups();
@@ -486,6 +514,14 @@ void Tree_Relay_Widget::keyReleased(const Place& place, const QKeyEvent* event)
     } else if (!event->isAutoRepeat()) {
         menuKeyHeld = false;
     }
+}
+
+/// A name that is being edited when the nodes change, whichever it is.
+void Tree_Relay_Widget::endRename()
+{
+    endRename(findPlace([](const auto& node) { return !node.edit->isHidden(); }));
+    renameGroup = -1;
+    renameOutput = -1;
 }
 
 void Tree_Relay_Widget::endRename(const Place& place)

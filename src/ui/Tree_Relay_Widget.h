@@ -39,6 +39,10 @@ public:
     /// is if asked for; where the current terminal is gone, the nearest one in front of it that is still there.
     void fullUpdateTree(bool focusHeadUnit);
 
+    /// Takes away the nodes whose groups have gone from the model. All is then as after fullUpdateTree(false), at a
+    /// small part of its cost: the other nodes keep their widgets, and the tree stays where it was scrolled to.
+    void removeGoneNodes();
+
     /// @name Parts of fullUpdateTree().
     /// @{
     void updateStructTree();            ///< makes the nodes, without placing them in the tree
@@ -89,7 +93,9 @@ private:
     Name nameAt(const Place& place) const;
     const OutputNode* senderOutput(const QObject* control) const;
 
+    void storeExpanded();
     void passCurrentGroupOn();
+    void endRename();
     void clearNodes();
     void fillTree();
     void connectOutput(const OutputNode& node);

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTimer>
@@ -96,6 +97,12 @@ private slots:
     void hidden_terminal_passes_the_selection_to_the_one_before();
     void hidden_terminals_pass_the_selection_to_the_nearest_before();
     void hidden_terminal_behind_one_without_outputs_passes_the_selection_to_the_head_unit();
+    void gone_nodes_leave_the_widgets_of_the_others();
+    void gone_nodes_leave_what_a_rebuild_leaves_data();
+    void gone_nodes_leave_what_a_rebuild_leaves();
+    void gone_node_makes_room_for_the_add_button();
+    void gone_node_ends_the_renaming_of_another();
+    void groups_that_came_as_well_get_their_nodes();
     void rebuild_without_a_model_is_reported();
     void focus_without_nodes_is_reported();
 
@@ -607,6 +614,121 @@ void tst_Tree_Relay_Widget::hidden_terminal_behind_one_without_outputs_passes_th
     build(false);
     QCOMPARE(list->selectedItems(), QList<QTreeWidgetItem*>{groupItem(0)});
     QCOMPARE(changes.last().relay, info->groups().first()->outputs.first());
+}
+
+void tst_Tree_Relay_Widget::gone_nodes_leave_the_widgets_of_the_others()
+{
+    addTerminal(3, 1);
+    addTerminal(5, 2);
+    addTerminal(9, 1);
+    build();
+    list->expandAll();
+    QCoreApplication::processEvents();
+    const QPointer<QWidget> before = frame(outputItem(1, 0));
+    const QPointer<QWidget> behind = frame(groupItem(3));
+    const QPointer<QWidget> goneTerminal = frame(groupItem(2));
+    const QPointer<QWidget> goneOutput = frame(outputItem(2, 1));
+    info->removeGroup(info->findGroup(5));
+    tree->removeGoneNodes();
+    QTRY_VERIFY(goneTerminal.isNull() && goneOutput.isNull());
+    QCOMPARE(list->topLevelItemCount(), 4);
+    QCOMPARE(frame(outputItem(1, 0)), before.data());
+    QCOMPARE(frame(groupItem(2)), behind.data());
+    QCOMPARE(label(groupItem(2))->text(), QStringLiteral("Terminal (9)"));
+}
+
+void tst_Tree_Relay_Widget::gone_nodes_leave_what_a_rebuild_leaves_data()
+{
+    QTest::addColumn<int>("group");
+    QTest::addColumn<int>("output");
+    QTest::newRow("head unit chosen") << 0 << -1;
+    QTest::newRow("another terminal chosen") << 2 << -1;
+    QTest::newRow("an output of another terminal chosen") << 2 << 1;
+    QTest::newRow("the gone terminal chosen") << 3 << -1;
+    QTest::newRow("an output of the gone terminal chosen") << 3 << 0;
+    QTest::newRow("a terminal behind the gone one chosen") << 4 << -1;
+}
+
+void tst_Tree_Relay_Widget::gone_nodes_leave_what_a_rebuild_leaves()
+{
+    QFETCH(int, group);
+    QFETCH(int, output);
+    QStringList outcomes;
+    for (const bool rebuilding : {true, false}) {
+        cleanup();
+        init();
+        for (const quint16 address : {3, 5, 7, 9}) {
+            addTerminal(address, 2);
+        }
+        build();
+        groupItem(1)->setExpanded(true);
+        groupItem(0)->setExpanded(false);
+        list->setCurrentItem(output < 0 ? groupItem(group) : outputItem(group, output));
+        changes.clear();
+        info->removeGroup(info->findGroup(7));
+        if (rebuilding) {
+            build(false);
+        } else {
+            tree->removeGoneNodes();
+        }
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(changes.first().relay, changes.first().group->outputs.first());
+        const QList<QTreeWidgetItem*> selected = list->selectedItems();
+        QCOMPARE(selected.size(), 1);
+        QCOMPARE(list->currentItem(), selected.first());
+        QStringList outcome{label(selected.first())->text(), QString::number(changes.first().group->address)};
+        const QList<GroupRelayPtr> groups = info->groups();
+        for (int i = 0; i < groups.size(); ++i) {
+            outcome.append(label(groupItem(i))->text());
+            outcome.append(groupItem(i)->isExpanded() ? QStringLiteral("open") : QStringLiteral("shut"));
+            outcome.append(groups.at(i)->expand ? QStringLiteral("open") : QStringLiteral("shut"));
+        }
+        outcomes.append(outcome.join(QLatin1Char('|')));
+    }
+    QCOMPARE(outcomes.last(), outcomes.first());
+}
+
+void tst_Tree_Relay_Widget::gone_node_makes_room_for_the_add_button()
+{
+    for (quint16 address = 1; address < 32; ++address) {
+        addTerminal(address, 1);
+    }
+    build();
+    QVERIFY(addButton() == nullptr);
+    info->removeGroup(info->findGroup(20));
+    tree->removeGoneNodes();
+    QVERIFY(addButton() != nullptr);
+    info->removeGroup(info->findGroup(21));
+    tree->removeGoneNodes();
+    QCOMPARE(list->topLevelItemCount(), 31); // one button is enough
+}
+
+void tst_Tree_Relay_Widget::gone_node_ends_the_renaming_of_another()
+{
+    addTerminal(3, 1);
+    addTerminal(5, 1);
+    build();
+    startRename(groupItem(1));
+    QVERIFY(!edit(groupItem(1))->isHidden());
+    edit(groupItem(1))->setText(QStringLiteral("Fan"));
+    info->removeGroup(info->findGroup(5));
+    tree->removeGoneNodes();
+    QVERIFY(edit(groupItem(1))->isHidden());
+    QCOMPARE(label(groupItem(1))->text(), QStringLiteral("Fan (3)"));
+    tree->sl_RunRename(); // of nothing
+    QVERIFY(edit(groupItem(1))->isHidden());
+}
+
+void tst_Tree_Relay_Widget::groups_that_came_as_well_get_their_nodes()
+{
+    addTerminal(3, 1);
+    build();
+    info->removeGroup(info->findGroup(3));
+    addTerminal(4, 2);
+    tree->removeGoneNodes();
+    QCOMPARE(list->topLevelItemCount(), 3);
+    QCOMPARE(label(groupItem(1))->text(), QStringLiteral("Terminal (4)"));
+    QCOMPARE(groupItem(1)->childCount(), 2);
 }
 
 void tst_Tree_Relay_Widget::rebuild_without_a_model_is_reported()
