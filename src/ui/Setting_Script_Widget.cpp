@@ -1,69 +1,104 @@
 #include "ui/Setting_Script_Widget.h"
 
-#include <QCoreApplication>
-#include <QMouseEvent>
-#include <QScopedValueRollback>
+#include <QAbstractItemView>
+#include <QPushButton>
+#include <QWheelEvent>
 
 #include "texts/texts.h"
+#include "ui/AddressFilterSection.h"
+#include "ui/GeneralSection.h"
+#include "ui/PeriodsSection.h"
 #include "ui/SpecialDateFrame.h"
 #include "ui/SpecialTimeFrame.h"
+#include "ui/TriggerSection.h"
+#include "ui/TypeFilterSection.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
 
 namespace
 {
 
-/// Shows as much of a date as the picker can; the month first, since it decides which days there are.
-void showDate(SpecialDateFrame* frame, int day, int month)
+/// Builds the controls before the sections that take them over.
+std::unique_ptr<Ui::Setting_Script_Widget> buildForm(QWidget* panel)
 {
-    frame->setMonth(qBound(1, month, 12));
-    frame->setDay(qBound(1, day, frame->lastDay()));
-}
-
-void showTime(SpecialTimeFrame* frame, int minute, int hour)
-{
-    frame->setMinute(qBound(0, minute, 59));
-    frame->setHour(qBound(0, hour, 23));
+    auto form = std::make_unique<Ui::Setting_Script_Widget>();
+    form->setupUi(panel);
+    return form;
 }
 
 } // namespace
 
 Setting_Script_Widget::Setting_Script_Widget(const QSharedPointer<RelayInfo>& info, QWidget* parent)
-    : QWidget(parent), ui(std::make_unique<Ui::Setting_Script_Widget>()), m_info(info)
+    : QWidget(parent), ui(buildForm(this)), m_info(info), general(new GeneralSection(*ui, *info, this)),
+      trigger(new TriggerSection(*ui, *info, this)), typeFilter(new TypeFilterSection(*ui, *info, this)),
+      addressFilter(new AddressFilterSection(*ui, *info, this)),
+      periods(new PeriodsSection(*ui, this)), sections{general, trigger, typeFilter, addressFilter, periods}
 {
-    ui->setupUi(this);
-    setTexts();
-    fillLists();
-    makeAddressButtons();
-    makePickers();
+    connectSections();
     connectControls();
-    setTabStops();
-    setLook();
-    showEmpty();
 }
 
 Setting_Script_Widget::~Setting_Script_Widget() = default;
+
+void Setting_Script_Widget::connectSections()
+{
+    for (const ScriptSection* section : sections) {
+        connect(section, &ScriptSection::edited, this, &Setting_Script_Widget::sig_RefreshStateScriptInList);
+    }
+    connect(general, &GeneralSection::renamed, this, &Setting_Script_Widget::announceTitle);
+    connect(trigger, &TriggerSection::typeFilterUnfit, typeFilter, &TypeFilterSection::switchOff);
+    connect(typeFilter, &TypeFilterSection::stateAdapted, trigger, [this] { trigger->show(script); });
+    connect(typeFilter, &TypeFilterSection::filterChanged, addressFilter, &AddressFilterSection::refresh);
+}
+
+void Setting_Script_Widget::connectControls()
+{
+    for (const QPushButton* button : trigger->channels()) {
+        connect(button, &QPushButton::clicked, this, &Setting_Script_Widget::sl_buttonChannel_clicked);
+    }
+    for (const AddressButton& entry : addressFilter->buttons()) {
+        connect(entry.button, &QPushButton::clicked, this, &Setting_Script_Widget::sl_addressButton_clicked);
+    }
+    for (const QCheckBox* box : periods->days()) {
+        connect(box, &QCheckBox::clicked, this, &Setting_Script_Widget::sl_checkBoxDayOfWeek_clicked);
+    }
+    for (const SpecialTimeFrame* frame : periods->times()) {
+        connect(frame, &SpecialTimeFrame::sig_changedIndexMinute, this,
+                &Setting_Script_Widget::sl_spinBoxTimeMinute_changed);
+        connect(frame, &SpecialTimeFrame::sig_changedIndexHour, this,
+                &Setting_Script_Widget::sl_spinBoxTimeHour_changed);
+    }
+    for (const SpecialDateFrame* frame : periods->dates()) {
+        connect(frame, &SpecialDateFrame::sig_changedValueDay, this, &Setting_Script_Widget::sl_spinBoxDateDay_changed);
+        connect(frame, &SpecialDateFrame::sig_changedValueMonth, this,
+                &Setting_Script_Widget::sl_comboBoxDateMonth_changed);
+    }
+    const QList<QWidget*> fields = findChildren<QWidget*>();
+    for (QWidget* field : fields) {
+        const auto* combo = qobject_cast<QComboBox*>(field);
+        if (combo == nullptr && qobject_cast<QAbstractSpinBox*>(field) == nullptr) {
+            continue;
+        }
+        if (combo != nullptr) {
+            // The style took them for menus before their sheets made them lists, and menus have no scroll bar.
+            combo->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+        }
+        field->installEventFilter(this);
+        if (field->focusProxy() == nullptr) {
+            field->setFocusPolicy(Qt::StrongFocus);
+        }
+    }
+}
 
 void Setting_Script_Widget::setStateColor(const QString& color)
 {
     look::applyStyleSheet(ui->labelNumScript, QStringLiteral("background-color: %1;").arg(color));
 }
 
-/// Watches two things. What a terminal state was when the mouse went down on it, since the list tells of a press on the
-/// text only; a quick second click is a click of its own here, not half of a double click. And the wheel: it scrolls
-/// the panel, and changes a value only where the user has gone to the field before.
+/// The wheel scrolls the panel, and changes a value only where the user has gone to the field before.
 bool Setting_Script_Widget::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == ui->listStateDevice->viewport() && event->type() == QEvent::MouseButtonPress) {
-        pressedItem = ui->listStateDevice->itemAt(static_cast<QMouseEvent*>(event)->pos());
-        pressedState = pressedItem != nullptr ? pressedItem->checkState() : Qt::Unchecked;
-    } else if (watched == ui->listStateDevice->viewport() && event->type() == QEvent::MouseButtonDblClick) {
-        const auto* second = static_cast<QMouseEvent*>(event);
-        QMouseEvent press(QEvent::MouseButtonPress, second->localPos(), second->windowPos(), second->screenPos(),
-                          second->button(), second->buttons(), second->modifiers(), second->source());
-        QCoreApplication::sendEvent(watched, &press);
-        return true;
-    } else if (event->type() == QEvent::Wheel) {
+    if (event->type() == QEvent::Wheel) {
         const auto* field = qobject_cast<QWidget*>(watched);
         if (field != nullptr && (!field->hasFocus() || field->focusProxy() != nullptr)) {
             event->ignore();
@@ -73,31 +108,30 @@ bool Setting_Script_Widget::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
+void Setting_Script_Widget::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        trigger->fitTerminalStates();
+    }
+}
+
 void Setting_Script_Widget::sl_SetNewScript(const QSharedPointer<ScriptInfo>& newScript)
 {
     if (!newScript) {
         return;
     }
-    {
-        const QScopedValueRollback<bool> guard(showing, true);
-        script = newScript;
-        announceTitle();
-        showGeneral();
-        if (script->stateChannel) {
-            scriptRules::setStateChannel(*script, script->stateChannel, scriptRules::TypeFilter::Keep);
-        }
-        showTrigger();
-        showTerminalStates();
-        showDays();
-        showTypeSwitch();
-        showAddressSwitch();
-        showTimeSwitch();
-        showDateSwitch();
-        showPeriods();
-        showTypeFilter();
-        showAddressFilter();
+    script = newScript;
+    announceTitle();
+    for (ScriptSection* section : sections) {
+        section->show(script);
     }
     emit sig_RefreshStateScriptInList();
+}
+
+void Setting_Script_Widget::sl_UpDateConnectList()
+{
+    addressFilter->refresh();
 }
 
 void Setting_Script_Widget::announceTitle()
@@ -106,165 +140,162 @@ void Setting_Script_Widget::announceTitle()
                          QStringLiteral(" №%1. %2").arg(QString::number(script->number + 1), script->name));
 }
 
-/// Paints a combo in the colour of its row; red says that the script holds a value which the list doesn't have.
-void Setting_Script_Widget::paintCombo(QComboBox* combo)
-{
-    QString sheet = look::comboProperties(combo, combo->currentIndex());
-    if (combo != ui->comboBoxSelectType) {
-        sheet = QStringLiteral("QComboBox{%1}").arg(sheet);
-    }
-    look::applyStyleSheet(combo, sheet);
-    combo->setToolTip(QString());
-}
-
-/// Shows the row of a name; a name that the list doesn't have leaves the combo without a choice.
-void Setting_Script_Widget::showRow(QComboBox* combo, const QString& name)
-{
-    combo->setCurrentIndex(combo->findText(name));
-    paintCombo(combo);
-}
-
-void Setting_Script_Widget::showRow(QComboBox* combo, const ParamItemPtr& row)
-{
-    showRow(combo, row ? row->name : texts::placeholderUnknown());
-}
-
-void Setting_Script_Widget::showGeneral()
-{
-    ui->lineEditNameScript->setText(script->name);
-    ui->lineEditNameScript->setCursorPosition(0);
-    ui->labelNumScript->setText(QStringLiteral("№%1").arg(script->number + 1));
-    showRow(ui->comboModeWorkRelay, script->mode);
-    showRow(ui->comboDuration, script->duration);
-    showRow(ui->comboDelay, script->delay);
-}
-
 void Setting_Script_Widget::on_lineEditNameScript_textChanged(const QString& text)
 {
-    if (editing()) {
-        script->name = text;
-        announceTitle();
-        emit sig_RefreshStateScriptInList();
-    }
-}
-
-/// Stores the row that a combo was set to; null stands for no choice.
-void Setting_Script_Widget::storeRow(ParamItemPtr ScriptInfo::*field, const ParamItemPtr& row)
-{
-    if (editing() && row) {
-        (*script).*field = row;
-        emit sig_RefreshStateScriptInList();
-    }
+    general->setName(text);
 }
 
 void Setting_Script_Widget::on_comboModeWorkRelay_currentIndexChanged(int index)
 {
-    paintCombo(ui->comboModeWorkRelay);
-    storeRow(&ScriptInfo::mode, m_info->modeAt(index));
+    general->rowChosen(ui->comboModeWorkRelay, index);
 }
 
 void Setting_Script_Widget::on_comboDelay_currentIndexChanged(int index)
 {
-    paintCombo(ui->comboDelay);
-    storeRow(&ScriptInfo::delay, m_info->delayAt(index));
+    general->rowChosen(ui->comboDelay, index);
 }
 
 void Setting_Script_Widget::on_comboDuration_currentIndexChanged(int index)
 {
-    paintCombo(ui->comboDuration);
-    storeRow(&ScriptInfo::duration, m_info->durationAt(index));
+    general->rowChosen(ui->comboDuration, index);
 }
 
-void Setting_Script_Widget::showDays()
+void Setting_Script_Widget::on_comboStateChannel_currentIndexChanged(int index)
 {
-    for (int day = 0; day < dayBoxes.size(); ++day) {
-        dayBoxes.at(day)->setChecked(script->daysOfWeek.value(day));
-    }
+    trigger->stateChosen(index);
+}
+
+void Setting_Script_Widget::on_comboBoxPNB_currentIndexChanged(int index)
+{
+    trigger->linkedStateChosen(ui->comboBoxPNB, index);
+}
+
+void Setting_Script_Widget::on_radioShortPress_clicked()
+{
+    trigger->setPress(false);
+}
+
+void Setting_Script_Widget::on_radioLongPress_clicked()
+{
+    trigger->setPress(true);
+}
+
+void Setting_Script_Widget::on_comboBoxAnalog_currentIndexChanged(int index)
+{
+    trigger->linkedStateChosen(ui->comboBoxAnalog, index);
+}
+
+void Setting_Script_Widget::on_spinBoxOtherStateChannel_valueChanged(int value)
+{
+    trigger->setOtherCode(value);
+}
+
+void Setting_Script_Widget::sl_buttonChannel_clicked()
+{
+    trigger->channelClicked(sender());
+}
+
+void Setting_Script_Widget::on_listStateDevice_itemChanged(QListWidgetItem* /*item*/)
+{
+    trigger->terminalStatesChanged();
+}
+
+void Setting_Script_Widget::on_listStateDevice_itemClicked(QListWidgetItem* item)
+{
+    trigger->terminalStateClicked(item);
+}
+
+void Setting_Script_Widget::on_checkBoxType_clicked()
+{
+    typeFilter->switched();
+}
+
+void Setting_Script_Widget::on_comboBoxSelectType_currentIndexChanged(int index)
+{
+    typeFilter->typeChosen(index);
+}
+
+void Setting_Script_Widget::on_spinBoxClass_valueChanged(int value)
+{
+    typeFilter->setClass(value);
+}
+
+void Setting_Script_Widget::on_spinBoxVersion_valueChanged(int value)
+{
+    typeFilter->setNumber(ui->spinBoxVersion, value);
+}
+
+void Setting_Script_Widget::on_spinBoxType_valueChanged(int value)
+{
+    typeFilter->setType(value);
+}
+
+void Setting_Script_Widget::on_spinBoxCharacteristic_valueChanged(int value)
+{
+    typeFilter->setNumber(ui->spinBoxCharacteristic, value);
+}
+
+void Setting_Script_Widget::on_checkBoxAlwaysConnect_clicked()
+{
+    typeFilter->featureClicked(ui->checkBoxAlwaysConnect);
+}
+
+void Setting_Script_Widget::on_checkBoxSound_clicked()
+{
+    typeFilter->featureClicked(ui->checkBoxSound);
+}
+
+void Setting_Script_Widget::on_checkBoxExternalPower_clicked()
+{
+    typeFilter->featureClicked(ui->checkBoxExternalPower);
+}
+
+void Setting_Script_Widget::on_checkBoxBattery_clicked()
+{
+    typeFilter->featureClicked(ui->checkBoxBattery);
+}
+
+void Setting_Script_Widget::on_checkBoxAddress_clicked()
+{
+    addressFilter->switched();
+}
+
+void Setting_Script_Widget::sl_addressButton_clicked()
+{
+    addressFilter->addressClicked(sender());
 }
 
 void Setting_Script_Widget::sl_checkBoxDayOfWeek_clicked()
 {
-    const int day = dayBoxes.indexOf(qobject_cast<QCheckBox*>(sender()));
-    if (editing() && day >= 0) {
-        script->daysOfWeek[day] = dayBoxes.at(day)->isChecked();
-    }
-}
-
-void Setting_Script_Widget::showTimeSwitch()
-{
-    ui->checkBoxTime->setChecked(script->activateFilter.value(ScriptInfo::ByTime));
-    on_checkBoxTime_clicked();
+    periods->dayClicked(sender());
 }
 
 void Setting_Script_Widget::on_checkBoxTime_clicked()
 {
-    const bool on = ui->checkBoxTime->isChecked();
-    ui->F_TimeBegin->setEnabled(on);
-    ui->F_TimeEnd->setEnabled(on);
-    storeFilterSwitch(ScriptInfo::ByTime, on);
-}
-
-void Setting_Script_Widget::showDateSwitch()
-{
-    ui->checkBoxDate->setChecked(script->activateFilter.value(ScriptInfo::ByDate));
-    on_checkBoxDate_clicked();
+    periods->timeSwitched();
 }
 
 void Setting_Script_Widget::on_checkBoxDate_clicked()
 {
-    const bool on = ui->checkBoxDate->isChecked();
-    ui->F_DateBegin->setEnabled(on);
-    ui->F_DateEnd->setEnabled(on);
-    storeFilterSwitch(ScriptInfo::ByDate, on);
-}
-
-void Setting_Script_Widget::storeFilterSwitch(int filter, bool on)
-{
-    if (editing()) {
-        script->activateFilter[filter] = on;
-    }
-}
-
-void Setting_Script_Widget::showPeriods()
-{
-    showTime(timeBegin, script->timeFilter.value(0), script->timeFilter.value(1));
-    showTime(timeEnd, script->timeFilter.value(2), script->timeFilter.value(3));
-    showDate(dateBegin, script->dateFilter.value(0), script->dateFilter.value(1));
-    showDate(dateEnd, script->dateFilter.value(2), script->dateFilter.value(3));
+    periods->dateSwitched();
 }
 
 void Setting_Script_Widget::sl_spinBoxTimeMinute_changed()
 {
-    const auto* frame = qobject_cast<SpecialTimeFrame*>(sender());
-    if (editing() && frame != nullptr) {
-        script->timeFilter[frame == timeBegin ? 0 : 2] = frame->minute();
-    }
+    periods->minuteChanged(sender());
 }
 
 void Setting_Script_Widget::sl_spinBoxTimeHour_changed()
 {
-    const auto* frame = qobject_cast<SpecialTimeFrame*>(sender());
-    if (editing() && frame != nullptr) {
-        script->timeFilter[frame == timeBegin ? 1 : 3] = frame->hour();
-    }
+    periods->hourChanged(sender());
 }
 
 void Setting_Script_Widget::sl_spinBoxDateDay_changed()
 {
-    const auto* frame = qobject_cast<SpecialDateFrame*>(sender());
-    if (editing() && frame != nullptr) {
-        script->dateFilter[frame == dateBegin ? 0 : 2] = frame->day();
-    }
+    periods->dayChanged(sender());
 }
 
-/// Stores the day as well: where the record held one that its month doesn't have, the user has chosen the month for the
-/// day on the screen.
 void Setting_Script_Widget::sl_comboBoxDateMonth_changed()
 {
-    const auto* frame = qobject_cast<SpecialDateFrame*>(sender());
-    if (editing() && frame != nullptr) {
-        const int first = frame == dateBegin ? 0 : 2;
-        script->dateFilter[first] = frame->day();
-        script->dateFilter[first + 1] = frame->month();
-    }
+    periods->monthChanged(sender());
 }

@@ -9,14 +9,14 @@
 
 #include "model/RelayInfo.h"
 #include "model/ScriptInfo.h"
-#include "model/ScriptRules.h"
-#include "ui/AddressButton.h"
 
-class QCheckBox;
-class QComboBox;
+class AddressFilterSection;
+class GeneralSection;
+class PeriodsSection;
 class QListWidgetItem;
-class SpecialDateFrame;
-class SpecialTimeFrame;
+class ScriptSection;
+class TriggerSection;
+class TypeFilterSection;
 
 namespace Ui
 {
@@ -24,7 +24,8 @@ class Setting_Script_Widget;
 }
 
 /// The script editor: shows the script that came last through sl_SetNewScript() and writes each edit straight into that
-/// shared record. There is no step of applying.
+/// shared record. There is no step of applying. The work is done by the sections, each for some controls of the form;
+/// the slots of the controls pass on to them.
 ///
 /// Showing a script edits nothing but what belongs to the rules of a record: the state "Not active" empties the list of
 /// channels, any other state has at least channel 1, a class of 5 to 14 in the script's own type filter becomes 15 or
@@ -102,66 +103,17 @@ private slots:
     void sl_comboBoxDateMonth_changed();
 
 private:
-    void setTexts();
-    void fillLists();
-    void makeAddressButtons();
-    void makePickers();
+    void connectSections();
     void connectControls();
-    void setTabStops();
-    void setLook();
-    void fitStateList();
-    void showEmpty();
-
-    /// True while a change of a control is the user's edit of a script, and not a script being shown.
-    bool editing() const
-    {
-        return script && !showing;
-    }
-
     void announceTitle();
-    void paintCombo(QComboBox* combo);
-    void showRow(QComboBox* combo, const QString& name);
-    void showRow(QComboBox* combo, const ParamItemPtr& row);
-    void storeRow(ParamItemPtr ScriptInfo::*field, const ParamItemPtr& row);
-    void storeFilterSwitch(int filter, bool on);
-
-    void showGeneral();
-    void showTrigger();
-    void showStateControls();
-    void showChannels();
-    void showTerminalStates();
-    void showDays();
-    void showTypeSwitch();
-    void showAddressSwitch();
-    void showTimeSwitch();
-    void showDateSwitch();
-    void showPeriods();
-    void showTypeFilter();
-    void showTypeNumbers();
-    void showAddressFilter();
-
-    ParamItemPtr chosenState(const QString& name) const;
-    void setStateChannel(const ParamItemPtr& state, scriptRules::TypeFilter typeFilter);
-    void setPress(bool longPress);
-    void adaptStateToFilter();
-    void storeTypeNumber(quint8 TerminalType::*field, int value);
-    void featureClicked(QCheckBox* box, int bit);
-    void refreshAddressButtons();
-    void paintAddressButtons();
 
     std::unique_ptr<Ui::Setting_Script_Widget> ui;
     QSharedPointer<RelayInfo> m_info;
     ScriptInfoPtr script;
-    QList<unsigned char> channelButtons = {255, 255, 255, 255}; ///< 0 off, 1 on, 255 not available
-    QList<AddressButton> addressButtons;
-    QList<QPushButton*> channelWidgets; ///< buttonChannel1 to buttonChannel4
-    QList<QCheckBox*> dayBoxes;         ///< Monday to Sunday
-    SpecialTimeFrame* timeBegin = nullptr;
-    SpecialTimeFrame* timeEnd = nullptr;
-    SpecialDateFrame* dateBegin = nullptr;
-    SpecialDateFrame* dateEnd = nullptr;
-
-    bool showing = false;                        ///< the controls are being set from the record
-    QListWidgetItem* pressedItem = nullptr;      ///< the terminal state that the mouse went down on,
-    Qt::CheckState pressedState = Qt::Unchecked; ///< and whether it was checked then
+    GeneralSection* const general;
+    TriggerSection* const trigger;
+    TypeFilterSection* const typeFilter;
+    AddressFilterSection* const addressFilter;
+    PeriodsSection* const periods;
+    const QList<ScriptSection*> sections; ///< all of them, in the order in which a script is shown
 };
