@@ -11,7 +11,9 @@ namespace
 template <typename Frame>
 Frame* addTo(QFrame* place, Frame* frame)
 {
-    place->layout()->addWidget(frame);
+    auto* layout = new QHBoxLayout(place);
+    layout->setContentsMargins({});
+    layout->addWidget(frame);
     return frame;
 }
 
@@ -37,8 +39,8 @@ PeriodsSection::PeriodsSection(const Ui::Setting_Script_Widget& form, QObject* p
       dateBegin(addTo(form.F_DateBegin, new SpecialDateFrame(nullptr, true))),
       dateEnd(addTo(form.F_DateEnd, new SpecialDateFrame(nullptr, true)))
 {
-    setTexts({{ui.titleFilterDateTime, texts::editorFilterByDateAndTime()},
-              {ui.titleFilterDays, texts::editorFilterByDays()},
+    setHeading(ui.titleFilterDateTime, texts::editorFilterByDateAndTime());
+    setTexts({{ui.titleFilterDays, texts::editorFilterByDays()},
               {ui.checkBoxMon, texts::dayMonday()},
               {ui.checkBoxTue, texts::dayTuesday()},
               {ui.checkBoxWed, texts::dayWednesday()},

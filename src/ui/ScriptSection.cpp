@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 
@@ -40,8 +41,17 @@ void ScriptSection::shade(QWidget* frame, const QCheckBox* box)
                           box->isChecked() ? QString() : QStringLiteral("background-color: rgba(187, 187, 187, 150)"));
 }
 
+void ScriptSection::setUpList(QComboBox* combo)
+{
+    combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    combo->setMaxVisibleItems(20);
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(12);
+}
+
 ParamItems ScriptSection::fill(QComboBox* combo, const ParamItems& rows)
 {
+    setUpList(combo);
     const QSignalBlocker blocker(combo);
     ParamItems shown;
     for (const ParamItemPtr& row : rows) {
@@ -78,6 +88,16 @@ void ScriptSection::paint(QComboBox* combo)
     look::applyStyleSheet(combo,
                           QStringLiteral("QComboBox{%1}").arg(look::comboProperties(combo, combo->currentIndex())));
     combo->setToolTip(QString());
+}
+
+void ScriptSection::setHeading(QLabel* label, const QString& text)
+{
+    QFont font;
+    font.setBold(true);
+    label->setFont(font);
+    label->setStyleSheet(QStringLiteral("background: rgb(220,220,220); padding: 3px;"));
+    label->setAlignment(Qt::AlignCenter);
+    label->setText(text);
 }
 
 void ScriptSection::setTexts(std::initializer_list<std::pair<QWidget*, QString>> texts)

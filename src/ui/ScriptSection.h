@@ -10,6 +10,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QWidget;
 class RelayInfo;
 
@@ -63,6 +64,9 @@ protected:
     /// A filter with a frame of its own lies in grey while it is off.
     static void shade(QWidget* frame, const QCheckBox* box);
 
+    /// A list whose rows may be wider than the panel.
+    static void setUpList(QComboBox* combo);
+
     /// Fills a combo with table rows, each name once, leaves it without a choice, and returns the rows that it has.
     static ParamItems fill(QComboBox* combo, const ParamItems& rows);
     static void addRow(QComboBox* combo, const QString& text, const QString& icon, const QColor& background,
@@ -73,6 +77,7 @@ protected:
     static void choose(QComboBox* combo, const ParamItemPtr& row);
     static void paint(QComboBox* combo);
 
+    static void setHeading(QLabel* label, const QString& text);
     static void setTexts(std::initializer_list<std::pair<QWidget*, QString>> texts);
 
     const Ui::Setting_Script_Widget& ui;

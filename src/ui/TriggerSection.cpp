@@ -40,11 +40,11 @@ TriggerSection::TriggerSection(const Ui::Setting_Script_Widget& form, const Rela
       families{{StateKind::Button, form.comboBoxPNB, form.F_PNB},
                {StateKind::Analog, form.comboBoxAnalog, form.comboBoxAnalog}}
 {
-    setTexts({{ui.titleStateChannel, texts::editorChannelState()},
-              {ui.radioShortPress, texts::pressShort()},
+    setHeading(ui.titleStateChannel, texts::editorChannelState());
+    setHeading(ui.titleStateDevice, texts::editorTerminalStatus());
+    setTexts({{ui.radioShortPress, texts::pressShort()},
               {ui.radioLongPress, texts::pressLong()},
-              {ui.titleNumberChannel, texts::editorChannelNumbers()},
-              {ui.titleStateDevice, texts::editorTerminalStatus()}});
+              {ui.titleNumberChannel, texts::editorChannelNumbers()}});
     fill(ui.comboBoxPNB, model.buttonStates());
     fill(ui.comboBoxAnalog, model.analogStates());
     makeChannelButtons();

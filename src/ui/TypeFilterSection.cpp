@@ -34,8 +34,8 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
                {form.checkBoxExternalPower, 2},
                {form.checkBoxBattery, 1}}
 {
-    setTexts({{ui.titleFilterTerminal, texts::editorFilterOfTerminal()},
-              {ui.checkBoxType, texts::editorFilterByType()},
+    setHeading(ui.titleFilterTerminal, texts::editorFilterOfTerminal());
+    setTexts({{ui.checkBoxType, texts::editorFilterByType()},
               {ui.titleClass, texts::editorClass()},
               {ui.titleVersion, texts::editorVersion()},
               {ui.titleType, texts::editorType()},
@@ -44,7 +44,12 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
               {ui.checkBoxSound, texts::featureSound()},
               {ui.checkBoxExternalPower, texts::featureExternalPower()},
               {ui.checkBoxBattery, texts::featureReservePower()}});
+    for (QLabel* title : {ui.titleClass, ui.titleVersion, ui.titleType, ui.titleDescription}) {
+        title->setStyleSheet(numberSheet(false));
+        title->setAlignment(Qt::AlignCenter);
+    }
     const QSignalBlocker blocker(ui.comboBoxSelectType);
+    setUpList(ui.comboBoxSelectType);
     const TerminalTypes types = model.terminalTypes();
     for (const TerminalTypePtr& type : types) {
         addRow(ui.comboBoxSelectType, type->label, QString(), type->background, type->foreground);
@@ -55,6 +60,8 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
     style->setParent(this);
     for (const Number& number : numbers) {
         number.field->setStyle(style);
+        number.field->setAlignment(Qt::AlignCenter);
+        number.field->setDisplayIntegerBase(16);
         setNumber(number.field, number.field->value());
     }
     for (const Feature& feature : features) {
