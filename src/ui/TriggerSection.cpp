@@ -109,10 +109,19 @@ void TriggerSection::showScript()
 
 void TriggerSection::showFurtherControls(StateKind kind)
 {
-    for (const FamilyControls& family : families) {
-        family.frame->setVisible(family.kind == kind);
-    }
-    ui.spinBoxOtherStateChannel->setVisible(kind == StateKind::Other);
+    const auto setShown = [this, kind](bool visible) {
+        for (const FamilyControls& family : families) {
+            if ((family.kind == kind) == visible) {
+                family.frame->setVisible(visible);
+            }
+        }
+        if ((kind == StateKind::Other) == visible) {
+            ui.spinBoxOtherStateChannel->setVisible(visible);
+        }
+    };
+    // What goes makes room first: with two of them the whole panel would be laid out narrower, and back.
+    setShown(false);
+    setShown(true);
 }
 
 /// Before the first script the further controls follow the list of states all the same.

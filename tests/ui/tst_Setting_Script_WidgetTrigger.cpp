@@ -12,6 +12,7 @@ class tst_Setting_Script_WidgetTrigger : public QObject
 private slots:
     void init();
     void cleanup();
+    void controlsThatTakeTurnsLeaveTheOthersInPlace();
 
     void channelStateListHoldsEachNameOnce();
     void channelStateDecidesWhichControlsAreThere_data();
@@ -563,6 +564,36 @@ void tst_Setting_Script_WidgetTrigger::everyTriggerEditIsReported()
     shown->refreshes = 0;
     shown->chooseState(texts::placeholderNotActive());
     QVERIFY(shown->refreshes > 0);
+}
+
+/// Together the button's and the analog terminal's controls don't fit, and for a moment all others would be lower.
+void tst_Setting_Script_WidgetTrigger::controlsThatTakeTurnsLeaveTheOthersInPlace()
+{
+    class Sizes : public QObject
+    {
+    public:
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            count += event->type() == QEvent::Resize ? 1 : 0;
+            return false;
+        }
+        int count = 0;
+    };
+    shown->open();
+    shown->edit();
+    Sizes sizes;
+    shown->chooseState(texts::stateAnalog());
+    QCoreApplication::processEvents();
+    for (const char* other : {"comboModeWorkRelay", "comboDelay", "titleMode", "F_Type"}) {
+        shown->widget(other)->installEventFilter(&sizes);
+    }
+    shown->chooseState(texts::statePanicButton());
+    QCoreApplication::processEvents();
+    QVERIFY(shown->widget("F_PNB")->isVisible());
+    QVERIFY(shown->widget("comboBoxAnalog")->isHidden());
+    shown->chooseState(texts::stateAnalog());
+    QCoreApplication::processEvents();
+    QCOMPARE(sizes.count, 0);
 }
 
 QTEST_MAIN(tst_Setting_Script_WidgetTrigger)
