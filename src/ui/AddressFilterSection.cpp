@@ -53,7 +53,7 @@ void AddressFilterSection::addButton(const QString& text, int address, int index
 
 void AddressFilterSection::showScript()
 {
-    showSwitch(ui.checkBoxAddress, ByAddress);
+    showSwitch(ui.checkBoxAddress, ScriptInfo::ByAddress);
     for (AddressButton& entry : addressButtons) {
         entry.selected = script->addressFilter.value(entry.index);
     }
@@ -62,7 +62,7 @@ void AddressFilterSection::showScript()
 
 void AddressFilterSection::switched()
 {
-    switchFilter(ui.checkBoxAddress, ByAddress, {ui.F_Address});
+    switchFilter(ui.checkBoxAddress, ScriptInfo::ByAddress, {ui.F_Address});
     shade(ui.F_Address, ui.checkBoxAddress);
     refresh();
 }

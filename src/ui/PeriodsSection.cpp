@@ -66,9 +66,9 @@ void PeriodsSection::showScript()
     for (int day = 0; day < dayBoxes.size(); ++day) {
         dayBoxes.at(day)->setChecked(script->daysOfWeek.value(day));
     }
-    showSwitch(ui.checkBoxTime, ByTime);
+    showSwitch(ui.checkBoxTime, ScriptInfo::ByTime);
     timeSwitched();
-    showSwitch(ui.checkBoxDate, ByDate);
+    showSwitch(ui.checkBoxDate, ScriptInfo::ByDate);
     dateSwitched();
     showTime(timeBegin, script->timeFilter.value(0), script->timeFilter.value(1));
     showTime(timeEnd, script->timeFilter.value(2), script->timeFilter.value(3));
@@ -86,12 +86,12 @@ void PeriodsSection::dayClicked(QObject* box)
 
 void PeriodsSection::timeSwitched()
 {
-    switchFilter(ui.checkBoxTime, ByTime, {ui.F_TimeBegin, ui.F_TimeEnd});
+    switchFilter(ui.checkBoxTime, ScriptInfo::ByTime, {ui.F_TimeBegin, ui.F_TimeEnd});
 }
 
 void PeriodsSection::dateSwitched()
 {
-    switchFilter(ui.checkBoxDate, ByDate, {ui.F_DateBegin, ui.F_DateEnd});
+    switchFilter(ui.checkBoxDate, ScriptInfo::ByDate, {ui.F_DateBegin, ui.F_DateEnd});
 }
 
 void PeriodsSection::minuteChanged(QObject* frame)

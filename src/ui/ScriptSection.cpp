@@ -20,12 +20,13 @@ void ScriptSection::show(const ScriptInfoPtr& newScript)
     showScript();
 }
 
-void ScriptSection::showSwitch(QCheckBox* box, Filter filter)
+void ScriptSection::showSwitch(QCheckBox* box, ScriptInfo::Filter filter)
 {
     box->setChecked(script->activateFilter.value(filter));
 }
 
-void ScriptSection::switchFilter(const QCheckBox* box, Filter filter, std::initializer_list<QWidget*> controls)
+void ScriptSection::switchFilter(const QCheckBox* box, ScriptInfo::Filter filter,
+                                 std::initializer_list<QWidget*> controls)
 {
     for (QWidget* control : controls) {
         control->setEnabled(box->isChecked());

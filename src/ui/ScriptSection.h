@@ -38,15 +38,6 @@ signals:
 protected:
     ScriptSection(const Ui::Setting_Script_Widget& form, QObject* parent);
 
-    /// The filters, as ScriptInfo::activateFilter has them.
-    enum Filter
-    {
-        ByType,
-        ByAddress,
-        ByTime,
-        ByDate
-    };
-
     virtual void showScript() = 0;
 
     /// True while a change of a control is the user's edit of a script.
@@ -56,10 +47,10 @@ protected:
     }
 
     /// Shows the switch of a filter as the script has it. The caller then calls what its click does.
-    void showSwitch(QCheckBox* box, Filter filter);
+    void showSwitch(QCheckBox* box, ScriptInfo::Filter filter);
 
     /// Stores the switch of a filter, and lets what belongs to the filter follow it.
-    void switchFilter(const QCheckBox* box, Filter filter, std::initializer_list<QWidget*> controls);
+    void switchFilter(const QCheckBox* box, ScriptInfo::Filter filter, std::initializer_list<QWidget*> controls);
 
     /// A filter with a frame of its own lies in grey while it is off.
     static void shade(QWidget* frame, const QCheckBox* box);

@@ -36,7 +36,7 @@ QString channelSheet(unsigned char state)
 
 TriggerSection::TriggerSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent)
     : ScriptSection(form, parent), allStates(model.stateChannels()), terminalStates(model.terminalStates()),
-      states(fill(form.comboStateChannel, allStates + ParamItems{scriptRules::makeOtherState(255)})),
+      states(fill(form.comboStateChannel, allStates + ParamItems{scriptRules::makeOtherState(ParamItem::NotActive)})),
       families{{StateKind::Button, form.comboBoxPNB, form.F_PNB},
                {StateKind::Analog, form.comboBoxAnalog, form.comboBoxAnalog}}
 {
@@ -177,10 +177,10 @@ void TriggerSection::setState(const ParamItemPtr& state, TypeFilter typeFilter)
     if (!state) {
         return;
     }
-    const bool filtered = script->activateFilter.value(ByType);
+    const bool filtered = script->activateFilter.value(ScriptInfo::ByType);
     scriptRules::setStateChannel(*script, state, typeFilter);
     show(script);
-    if (filtered != script->activateFilter.value(ByType)) {
+    if (filtered != script->activateFilter.value(ScriptInfo::ByType)) {
         emit typeFilterUnfit();
     }
     emit edited();

@@ -25,7 +25,7 @@ QString numberSheet(bool any)
 
 TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, const RelayInfo& relayInfo, QObject* parent)
     : ScriptSection(form, parent),
-      model(relayInfo), numbers{{form.spinBoxClass, &TerminalType::terminalClass, 15, 15},
+      model(relayInfo), numbers{{form.spinBoxClass, &TerminalType::terminalClass, AnyClass, AnyClass},
                                 {form.spinBoxVersion, &TerminalType::version, 0, 0},
                                 {form.spinBoxType, &TerminalType::type, 0, 15},
                                 {form.spinBoxCharacteristic, &TerminalType::characteristic, 0, 0}},
@@ -76,7 +76,7 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
 /// as well, which scripts share.
 void TypeFilterSection::showScript()
 {
-    showSwitch(ui.checkBoxType, ByType);
+    showSwitch(ui.checkBoxType, ScriptInfo::ByType);
     switched();
     if (!script->terminalFilter || ownNumbers()) {
         scriptRules::makeTypeFilterPrivate(*script);
@@ -89,7 +89,7 @@ void TypeFilterSection::showScript()
 
 void TypeFilterSection::switched()
 {
-    switchFilter(ui.checkBoxType, ByType, {ui.F_Type});
+    switchFilter(ui.checkBoxType, ScriptInfo::ByType, {ui.F_Type});
     shade(ui.F_Type, ui.checkBoxType);
     if (editing()) {
         emit filterChanged();
