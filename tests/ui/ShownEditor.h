@@ -13,6 +13,7 @@
 #include "support/RandomModel.h"
 #include "texts/texts.h"
 #include "ui/Setting_Script_Widget.h"
+#include "ui/SpecialSpinBox.h"
 
 /// A model with a small catalogue, and an editor over it whose controls are reached by object name. What the editor
 /// reports is counted and kept.
@@ -84,6 +85,15 @@ public:
     QAbstractButton* button(const char* name) const
     {
         return button(QString::fromLatin1(name));
+    }
+    /// A field or arrows of the picker in a frame, and its list of months.
+    SpecialSpinBox* picker(const char* frame, const char* name) const
+    {
+        return widget(frame)->findChild<SpecialSpinBox*>(QLatin1String(name));
+    }
+    QComboBox* month(const char* frame) const
+    {
+        return widget(frame)->findChild<QComboBox*>();
     }
     /// All controls of a type, for loops.
     template <typename Control>

@@ -1,5 +1,6 @@
 #include <QLabel>
 #include <QLineEdit>
+#include <QMetaMethod>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -8,11 +9,9 @@
 
 #include "model/ScriptRules.h"
 #include "ui/ShownEditor.h"
-#include "ui/SpecialDateFrame.h"
 #include "ui/SpecialSpinBox.h"
-#include "ui/SpecialTimeFrame.h"
 
-/// The script editor as a whole: its captions and lists, showing a script, name, mode, times, dates and days.
+/// The script editor as a whole: its captions and lists, showing a script, going from one to the next.
 class tst_Setting_Script_Widget : public QObject
 {
     Q_OBJECT
@@ -30,27 +29,11 @@ private slots:
     void controlsDoNothingWithoutAScript();
     void furtherControlsFollowTheListsWithoutAScript();
     void nullScriptIsIgnored();
+    void slotsAreReachableByName_data();
+    void slotsAreReachableByName();
 
     void showingAnnouncesTitleAndRow();
     void showsEveryFieldOfAScript();
-    void nameIsStoredAndAnnounced_data();
-    void nameIsStoredAndAnnounced();
-    void modeDelayAndDurationAreStored_data();
-    void modeDelayAndDurationAreStored();
-    void missingRowsShowRedAndStay();
-    void daysAreStored_data();
-    void daysAreStored();
-    void timeFilterSwitchEnablesItsFrames();
-    void dateFilterSwitchEnablesItsFrames();
-    void timesAreStoredInTheirPlace_data();
-    void timesAreStoredInTheirPlace();
-    void datesAreStoredInTheirPlace_data();
-    void datesAreStoredInTheirPlace();
-    void shorterMonthStoresItsLastDay();
-    void timesOutOfRangeAreShownClampedAndKept();
-    void datesOutOfRangeAreShownClampedAndKept();
-    void chosenMonthStoresTheDayOnTheScreen();
-    void englishMonthNames();
 
     void ownFilterOfClassThreeKeepsItsButtonState();
     void nullFilterShowsAnyTerminal();
@@ -63,18 +46,11 @@ private slots:
     void clearedNumberIsNotCarriedToTheNextScript();
     void fastSwitchingLeavesEveryScriptAlone();
 
-    void numberTakesTheColourOfTheList();
     void wheelScrollsThePanelAndEditsNothing();
     void tabWalksFromTopToBottom();
     void panelFitsALowScreen();
 
 private:
-    SpecialSpinBox* picker(const char* frame, const char* name) const;
-    QComboBox* month(const char* frame) const
-    {
-        return shown->widget(frame)->findChild<QComboBox*>();
-    }
-
     std::unique_ptr<ShownEditor> shown;
 };
 
@@ -86,11 +62,6 @@ void tst_Setting_Script_Widget::init()
 void tst_Setting_Script_Widget::cleanup()
 {
     shown.reset();
-}
-
-SpecialSpinBox* tst_Setting_Script_Widget::picker(const char* frame, const char* name) const
-{
-    return shown->widget(frame)->findChild<SpecialSpinBox*>(QLatin1String(name));
 }
 
 void tst_Setting_Script_Widget::captionsComeFromTheCatalogue_data()
@@ -255,6 +226,61 @@ void tst_Setting_Script_Widget::nullScriptIsIgnored()
     QVERIFY(shown->titles.isEmpty());
 }
 
+void tst_Setting_Script_Widget::slotsAreReachableByName_data()
+{
+    QTest::addColumn<QString>("slot");
+    for (const char* slot : {"sl_SetNewScript(QSharedPointer<ScriptInfo>)",
+                             "sl_UpDateConnectList()",
+                             "on_lineEditNameScript_textChanged(QString)",
+                             "on_comboModeWorkRelay_currentIndexChanged(int)",
+                             "on_comboDelay_currentIndexChanged(int)",
+                             "on_comboDuration_currentIndexChanged(int)",
+                             "on_comboStateChannel_currentIndexChanged(int)",
+                             "on_comboBoxPNB_currentIndexChanged(int)",
+                             "on_radioShortPress_clicked()",
+                             "on_radioLongPress_clicked()",
+                             "on_comboBoxAnalog_currentIndexChanged(int)",
+                             "on_spinBoxOtherStateChannel_valueChanged(int)",
+                             "sl_buttonChannel_clicked()",
+                             "on_listStateDevice_itemChanged(QListWidgetItem*)",
+                             "on_listStateDevice_itemClicked(QListWidgetItem*)",
+                             "on_checkBoxType_clicked()",
+                             "on_comboBoxSelectType_currentIndexChanged(int)",
+                             "on_spinBoxClass_valueChanged(int)",
+                             "on_spinBoxVersion_valueChanged(int)",
+                             "on_spinBoxType_valueChanged(int)",
+                             "on_spinBoxCharacteristic_valueChanged(int)",
+                             "on_checkBoxAlwaysConnect_clicked()",
+                             "on_checkBoxSound_clicked()",
+                             "on_checkBoxExternalPower_clicked()",
+                             "on_checkBoxBattery_clicked()",
+                             "on_checkBoxAddress_clicked()",
+                             "sl_addressButton_clicked()",
+                             "sl_checkBoxDayOfWeek_clicked()",
+                             "on_checkBoxTime_clicked()",
+                             "on_checkBoxDate_clicked()",
+                             "sl_spinBoxTimeMinute_changed()",
+                             "sl_spinBoxTimeHour_changed()",
+                             "sl_spinBoxDateDay_changed()",
+                             "sl_comboBoxDateMonth_changed()"}) {
+        QTest::newRow(slot) << QString::fromLatin1(slot);
+    }
+}
+
+void tst_Setting_Script_Widget::slotsAreReachableByName()
+{
+    const QMetaObject* editor = shown->editor->metaObject();
+    const QMetaMethod slot = editor->method(editor->indexOfSlot(QTest::currentDataTag()));
+    QVERIFY(slot.isValid());
+    if (slot.parameterCount() == 0) {
+        // Nothing has been clicked, and those that ask who has sent find nobody.
+        shown->edit();
+        const QByteArray before = shown->record();
+        QVERIFY(slot.invoke(shown->editor.get()));
+        QCOMPARE(shown->record(), before);
+    }
+}
+
 void tst_Setting_Script_Widget::showingAnnouncesTitleAndRow()
 {
     shown->script(6)->name = QStringLiteral("Siren %1 %2");
@@ -298,14 +324,14 @@ void tst_Setting_Script_Widget::showsEveryFieldOfAScript()
     QVERIFY(shown->button("checkBoxFri")->isChecked());
     QVERIFY(!shown->button("checkBoxSat")->isChecked());
     QVERIFY(!shown->button("checkBoxSun")->isChecked());
-    QCOMPARE(picker("F_TimeBegin", "spinBoxHour")->text(), QStringLiteral("08"));
-    QCOMPARE(picker("F_TimeBegin", "spinBoxMinute")->text(), QStringLiteral("30"));
-    QCOMPARE(picker("F_TimeEnd", "spinBoxHour")->text(), QStringLiteral("17"));
-    QCOMPARE(picker("F_TimeEnd", "spinBoxMinute")->text(), QStringLiteral("45"));
-    QCOMPARE(picker("F_DateBegin", "spinBoxDay")->text(), QStringLiteral("01"));
-    QCOMPARE(month("F_DateBegin")->currentText(), QStringLiteral("January"));
-    QCOMPARE(picker("F_DateEnd", "spinBoxDay")->text(), QStringLiteral("31"));
-    QCOMPARE(month("F_DateEnd")->currentText(), QStringLiteral("December"));
+    QCOMPARE(shown->picker("F_TimeBegin", "spinBoxHour")->text(), QStringLiteral("08"));
+    QCOMPARE(shown->picker("F_TimeBegin", "spinBoxMinute")->text(), QStringLiteral("30"));
+    QCOMPARE(shown->picker("F_TimeEnd", "spinBoxHour")->text(), QStringLiteral("17"));
+    QCOMPARE(shown->picker("F_TimeEnd", "spinBoxMinute")->text(), QStringLiteral("45"));
+    QCOMPARE(shown->picker("F_DateBegin", "spinBoxDay")->text(), QStringLiteral("01"));
+    QCOMPARE(shown->month("F_DateBegin")->currentText(), QStringLiteral("January"));
+    QCOMPARE(shown->picker("F_DateEnd", "spinBoxDay")->text(), QStringLiteral("31"));
+    QCOMPARE(shown->month("F_DateEnd")->currentText(), QStringLiteral("December"));
     QCOMPARE(shown->combo("comboBoxSelectType")->currentText(), texts::placeholderOtherType());
     QCOMPARE(shown->spin("spinBoxClass")->value(), 3);
     QCOMPARE(shown->spin("spinBoxVersion")->value(), 1);
@@ -316,275 +342,6 @@ void tst_Setting_Script_Widget::showsEveryFieldOfAScript()
         QVERIFY(shown->button(name)->styleSheet().contains(lit));
     }
     QVERIFY(!shown->button("ButtonAddress2")->styleSheet().contains(lit));
-}
-
-void tst_Setting_Script_Widget::nameIsStoredAndAnnounced_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("plain") << QStringLiteral("Siren");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("200 characters") << QString(200, QLatin1Char('W'));
-    QTest::newRow("markup") << QStringLiteral("<b>&amp;</b> \"x\" 'y' %1 %2");
-    QTest::newRow("odd") << QStringLiteral("日本 ä Ж \u202E \U0001F525 ; = [Scripts]");
-}
-
-void tst_Setting_Script_Widget::nameIsStoredAndAnnounced()
-{
-    QFETCH(const QString, name);
-    shown->edit(1);
-    auto* field = shown->find<QLineEdit>(QStringLiteral("lineEditNameScript"));
-    field->setText(QStringLiteral("before"));
-    field->setText(name);
-    QCOMPARE(shown->script(1)->name, name);
-    QCOMPARE(shown->titles.last(), QStringLiteral("Parameters of script: №2. ") + name);
-    QCOMPARE(shown->refreshes, 2);
-    shown->edit(2);
-    shown->edit(1);
-    QCOMPARE(field->text(), name);
-    QCOMPARE(shown->script(1)->name, name);
-}
-
-void tst_Setting_Script_Widget::modeDelayAndDurationAreStored_data()
-{
-    QTest::addColumn<QString>("combo");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("byte");
-    QTest::addColumn<int>("value");
-    const RelayInfo model;
-    const ParamItems modes = model.modes();
-    for (const ParamItemPtr& row : modes) {
-        QTest::addRow("mode %d", row->code) << "comboModeWorkRelay" << row->name << 1 << int(row->code);
-    }
-    const ParamItems delays = model.delays();
-    for (const ParamItemPtr& row : delays) {
-        QTest::addRow("delay %d", row->code) << "comboDelay" << row->name << 2 << int(row->code);
-    }
-    const ParamItems durations = model.durations();
-    for (const ParamItemPtr& row : durations) {
-        QTest::addRow("duration %d", row->code) << "comboDuration" << row->name << 2 << int(row->code) * 8;
-    }
-}
-
-void tst_Setting_Script_Widget::modeDelayAndDurationAreStored()
-{
-    QFETCH(const QString, combo);
-    QFETCH(const QString, text);
-    QFETCH(const int, byte);
-    QFETCH(const int, value);
-    shown->edit();
-    QComboBox* list = shown->combo(qPrintable(combo));
-    list->setCurrentIndex(list->findText(text) == 0 ? 1 : 0);
-    shown->refreshes = 0;
-    list->setToolTip(QStringLiteral("old"));
-    shown->choose(qPrintable(combo), text);
-    QCOMPARE(int(quint8(shown->record().at(byte))), value);
-    QCOMPARE(shown->refreshes, 1);
-    const QColor color = list->currentData(Qt::BackgroundRole).value<QColor>();
-    QCOMPARE(list->styleSheet(), QStringLiteral("QComboBox{combobox-popup: 0; selection-color: black; "
-                                                "selection-background-color: rgba(0,0,0,20);background-color: "
-                                                "rgba(%1, %2, %3, %4);}")
-                                     .arg(color.red())
-                                     .arg(color.green())
-                                     .arg(color.blue())
-                                     .arg(color.alpha()));
-    QVERIFY(list->toolTip().isEmpty());
-}
-
-void tst_Setting_Script_Widget::missingRowsShowRedAndStay()
-{
-    const QString red = QStringLiteral("QComboBox{combobox-popup: 0; selection-color: black; "
-                                       "selection-background-color: rgba(0,0,0,20);background-color: red;}");
-    auto strange = ParamItemPtr::create();
-    strange->code = 6;
-    strange->name = QStringLiteral("mode of a later unit");
-    shown->script()->mode = strange;
-    shown->script()->delay.reset();
-    shown->script()->duration.reset();
-    shown->edit(1);
-    shown->edit(0);
-    for (const char* name : {"comboModeWorkRelay", "comboDelay", "comboDuration"}) {
-        QCOMPARE(shown->combo(name)->currentIndex(), -1);
-        QCOMPARE(shown->combo(name)->styleSheet(), red);
-    }
-    shown->edit(1);
-    QCOMPARE(shown->script()->mode, strange);
-    QVERIFY(!shown->script()->delay);
-    QVERIFY(!shown->script()->duration);
-    QCOMPARE(int(shown->record().at(1)), 6);
-}
-
-void tst_Setting_Script_Widget::daysAreStored_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("bit");
-    const char* names[] = {"checkBoxMon", "checkBoxTue", "checkBoxWed", "checkBoxThu",
-                           "checkBoxFri", "checkBoxSat", "checkBoxSun"};
-    for (int i = 0; i < 7; ++i) {
-        QTest::newRow(names[i]) << i << (i == 6 ? 0x01 : 0x02 << i);
-    }
-}
-
-void tst_Setting_Script_Widget::daysAreStored()
-{
-    QFETCH(const int, index);
-    QFETCH(const int, bit);
-    shown->edit();
-    QAbstractButton* box = shown->button(QTest::currentDataTag());
-    box->click();
-    QVERIFY(shown->script()->daysOfWeek.at(index));
-    QCOMPARE(int(shown->record().at(6)), bit);
-    shown->edit(1);
-    QVERIFY(!box->isChecked());
-    shown->edit(0);
-    QVERIFY(box->isChecked());
-    box->click();
-    QCOMPARE(int(shown->record().at(6)), 0);
-}
-
-void tst_Setting_Script_Widget::timeFilterSwitchEnablesItsFrames()
-{
-    shown->edit();
-    for (const bool on : {true, false}) {
-        shown->button("checkBoxTime")->click();
-        QCOMPARE(shown->widget("F_TimeBegin")->isEnabled(), on);
-        QCOMPARE(shown->widget("F_TimeEnd")->isEnabled(), on);
-        QVERIFY(!shown->widget("F_DateBegin")->isEnabled());
-        QCOMPARE(shown->script()->activateFilter, QList<bool>({false, false, on, false}));
-    }
-}
-
-void tst_Setting_Script_Widget::dateFilterSwitchEnablesItsFrames()
-{
-    shown->edit();
-    for (const bool on : {true, false}) {
-        shown->button("checkBoxDate")->click();
-        QCOMPARE(shown->widget("F_DateBegin")->isEnabled(), on);
-        QCOMPARE(shown->widget("F_DateEnd")->isEnabled(), on);
-        QVERIFY(!shown->widget("F_TimeBegin")->isEnabled());
-        QCOMPARE(shown->script()->activateFilter, QList<bool>({false, false, false, on}));
-    }
-}
-
-void tst_Setting_Script_Widget::timesAreStoredInTheirPlace_data()
-{
-    QTest::addColumn<QString>("frame");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<int>("index");
-    QTest::newRow("minute of begin") << "F_TimeBegin"
-                                     << "spinBoxMinute" << 0;
-    QTest::newRow("hour of begin") << "F_TimeBegin"
-                                   << "spinBoxHour" << 1;
-    QTest::newRow("minute of end") << "F_TimeEnd"
-                                   << "spinBoxMinute" << 2;
-    QTest::newRow("hour of end") << "F_TimeEnd"
-                                 << "spinBoxHour" << 3;
-}
-
-void tst_Setting_Script_Widget::timesAreStoredInTheirPlace()
-{
-    QFETCH(const QString, frame);
-    QFETCH(const QString, field);
-    QFETCH(const int, index);
-    shown->edit();
-    shown->button("checkBoxTime")->click();
-    ShownEditor::type(picker(qPrintable(frame), qPrintable(field)), "17");
-    QList<int> expected = {0, 0, 0, 0};
-    expected[index] = 17;
-    QCOMPARE(shown->script()->timeFilter, expected);
-    QTest::keyClick(picker(qPrintable(frame), field == QLatin1String("spinBoxHour") ? "ArrowHour" : "ArrowMinute"),
-                    Qt::Key_Up);
-    QCOMPARE(shown->script()->timeFilter.at(index), 18);
-}
-
-void tst_Setting_Script_Widget::datesAreStoredInTheirPlace_data()
-{
-    QTest::addColumn<QString>("frame");
-    QTest::addColumn<int>("first");
-    QTest::newRow("begin") << "F_DateBegin" << 0;
-    QTest::newRow("end") << "F_DateEnd" << 2;
-}
-
-void tst_Setting_Script_Widget::datesAreStoredInTheirPlace()
-{
-    QFETCH(const QString, frame);
-    QFETCH(const int, first);
-    shown->edit();
-    shown->button("checkBoxDate")->click();
-    ShownEditor::type(picker(qPrintable(frame), "spinBoxDay"), "24");
-    month(qPrintable(frame))->setCurrentIndex(11);
-    QList<int> expected = {1, 1, 1, 1};
-    expected[first] = 24;
-    expected[first + 1] = 12;
-    QCOMPARE(shown->script()->dateFilter, expected);
-    QTest::keyClick(picker(qPrintable(frame), "ArrowDay"), Qt::Key_Down);
-    QCOMPARE(shown->script()->dateFilter.at(first), 23);
-}
-
-void tst_Setting_Script_Widget::shorterMonthStoresItsLastDay()
-{
-    shown->edit();
-    shown->button("checkBoxDate")->click();
-    ShownEditor::type(picker("F_DateBegin", "spinBoxDay"), "31");
-    QCOMPARE(shown->script()->dateFilter, QList<int>({31, 1, 1, 1}));
-    month("F_DateBegin")->setCurrentIndex(1);
-    QCOMPARE(shown->script()->dateFilter, QList<int>({29, 2, 1, 1}));
-}
-
-void tst_Setting_Script_Widget::timesOutOfRangeAreShownClampedAndKept()
-{
-    shown->script()->timeFilter = {85, 24, 60, 45};
-    shown->script()->stateChannel = shown->model->stateChannelAt(2);
-    shown->script()->activateFilter[2] = true;
-    const QByteArray before = shown->record();
-    shown->edit();
-    QCOMPARE(picker("F_TimeBegin", "spinBoxMinute")->text(), QStringLiteral("59"));
-    QCOMPARE(picker("F_TimeBegin", "spinBoxHour")->text(), QStringLiteral("23"));
-    QCOMPARE(picker("F_TimeEnd", "spinBoxMinute")->text(), QStringLiteral("59"));
-    QCOMPARE(picker("F_TimeEnd", "spinBoxHour")->text(), QStringLiteral("23"));
-    shown->edit(1);
-    QCOMPARE(shown->script()->timeFilter, QList<int>({85, 24, 60, 45}));
-    QCOMPARE(shown->record(), before);
-
-    // The user edits one number; the other three are still as they were.
-    shown->edit(0);
-    QTest::keyClick(picker("F_TimeBegin", "spinBoxHour"), Qt::Key_Down);
-    QCOMPARE(shown->script()->timeFilter, QList<int>({85, 22, 60, 45}));
-}
-
-void tst_Setting_Script_Widget::datesOutOfRangeAreShownClampedAndKept()
-{
-    shown->script()->dateFilter = {31, 2, 0, 0};
-    shown->edit();
-    QCOMPARE(picker("F_DateBegin", "spinBoxDay")->text(), QStringLiteral("29"));
-    QCOMPARE(month("F_DateBegin")->currentText(), QStringLiteral("February"));
-    QCOMPARE(picker("F_DateEnd", "spinBoxDay")->text(), QStringLiteral("01"));
-    QCOMPARE(month("F_DateEnd")->currentText(), QStringLiteral("January"));
-    shown->edit(1);
-    QCOMPARE(shown->script()->dateFilter, QList<int>({31, 2, 0, 0}));
-
-    shown->script()->dateFilter = {39, 19, 32, 4};
-    shown->edit();
-    QCOMPARE(picker("F_DateBegin", "spinBoxDay")->text(), QStringLiteral("31"));
-    QCOMPARE(month("F_DateBegin")->currentText(), QStringLiteral("December"));
-    QCOMPARE(picker("F_DateEnd", "spinBoxDay")->text(), QStringLiteral("30"));
-    QCOMPARE(month("F_DateEnd")->currentText(), QStringLiteral("April"));
-    shown->edit(1);
-    QCOMPARE(shown->script()->dateFilter, QList<int>({39, 19, 32, 4}));
-}
-
-void tst_Setting_Script_Widget::chosenMonthStoresTheDayOnTheScreen()
-{
-    shown->script()->dateFilter = {31, 2, 1, 1};
-    shown->edit();
-    month("F_DateBegin")->setCurrentIndex(2);
-    QCOMPARE(picker("F_DateBegin", "spinBoxDay")->text(), QStringLiteral("29"));
-    QCOMPARE(shown->script()->dateFilter, QList<int>({29, 3, 1, 1}));
-}
-
-void tst_Setting_Script_Widget::englishMonthNames()
-{
-    QCOMPARE(month("F_DateBegin")->itemText(0), QStringLiteral("January"));
-    QCOMPARE(month("F_DateEnd")->itemText(11), QStringLiteral("December"));
 }
 
 void tst_Setting_Script_Widget::ownFilterOfClassThreeKeepsItsButtonState()
@@ -692,7 +449,7 @@ void tst_Setting_Script_Widget::switchingScriptsWhileTypingKeepsThemApart()
         name->selectAll();
         QTest::keyClicks(name, QStringLiteral("N%1").arg(i));
         ShownEditor::type(shown->spin("spinBoxType"), qPrintable(QString::number(i + 32, 16)));
-        ShownEditor::type(picker("F_TimeBegin", "spinBoxMinute"), qPrintable(QString::number(i + 10)));
+        ShownEditor::type(shown->picker("F_TimeBegin", "spinBoxMinute"), qPrintable(QString::number(i + 10)));
         // and on to the next one, with the last field still being edited
     }
     for (int i = 0; i < 32; ++i) {
@@ -717,7 +474,7 @@ void tst_Setting_Script_Widget::clearedNumberIsNotCarriedToTheNextScript()
     shown->edit(0);
     shown->open();
     QSpinBox* type = shown->spin("spinBoxType");
-    SpecialSpinBox* hour = picker("F_TimeBegin", "spinBoxHour");
+    SpecialSpinBox* hour = shown->picker("F_TimeBegin", "spinBoxHour");
     const QList<QSpinBox*> fields = {type, hour};
     for (QSpinBox* field : fields) {
         shown->edit(0);
@@ -744,13 +501,6 @@ void tst_Setting_Script_Widget::fastSwitchingLeavesEveryScriptAlone()
         shown->editor->sl_SetNewScript(shown->script(random.below(32)));
     }
     QCOMPARE(shown->model->makeScriptRecords(), before);
-}
-
-void tst_Setting_Script_Widget::numberTakesTheColourOfTheList()
-{
-    shown->edit();
-    shown->editor->setStateColor(QStringLiteral("rgba(0, 255, 17, 150)"));
-    QVERIFY(shown->widget("labelNumScript")->styleSheet().contains(QLatin1String("rgba(0, 255, 17, 150)")));
 }
 
 void tst_Setting_Script_Widget::wheelScrollsThePanelAndEditsNothing()

@@ -5,7 +5,7 @@
 #include "ui/ShownEditor.h"
 
 /// What triggers a script, as the editor shows and edits it: channel state, channels and terminal states.
-class tst_Setting_Script_WidgetTrigger : public QObject
+class tst_TriggerSection : public QObject
 {
     Q_OBJECT
 
@@ -60,18 +60,18 @@ private:
     std::unique_ptr<ShownEditor> shown;
 };
 
-void tst_Setting_Script_WidgetTrigger::init()
+void tst_TriggerSection::init()
 {
     shown = std::make_unique<ShownEditor>();
     shown->edit();
 }
 
-void tst_Setting_Script_WidgetTrigger::cleanup()
+void tst_TriggerSection::cleanup()
 {
     shown.reset();
 }
 
-void tst_Setting_Script_WidgetTrigger::channelStateListHoldsEachNameOnce()
+void tst_TriggerSection::channelStateListHoldsEachNameOnce()
 {
     QStringList names;
     const QComboBox* list = shown->combo("comboStateChannel");
@@ -88,7 +88,7 @@ void tst_Setting_Script_WidgetTrigger::channelStateListHoldsEachNameOnce()
     QVERIFY(!list->itemIcon(other).isNull());
 }
 
-void tst_Setting_Script_WidgetTrigger::channelStateDecidesWhichControlsAreThere_data()
+void tst_TriggerSection::channelStateDecidesWhichControlsAreThere_data()
 {
     QTest::addColumn<QString>("state");
     QTest::addColumn<QStringList>("there");
@@ -101,7 +101,7 @@ void tst_Setting_Script_WidgetTrigger::channelStateDecidesWhichControlsAreThere_
     QTest::newRow("any other") << texts::channelShort() << none << true;
 }
 
-void tst_Setting_Script_WidgetTrigger::channelStateDecidesWhichControlsAreThere()
+void tst_TriggerSection::channelStateDecidesWhichControlsAreThere()
 {
     QFETCH(const QString, state);
     QFETCH(const QStringList, there);
@@ -117,7 +117,7 @@ void tst_Setting_Script_WidgetTrigger::channelStateDecidesWhichControlsAreThere(
     QCOMPARE(shown->button("buttonChannel4")->styleSheet(), channels ? QString() : unavailable);
 }
 
-void tst_Setting_Script_WidgetTrigger::notActiveEmptiesTheChannels()
+void tst_TriggerSection::notActiveEmptiesTheChannels()
 {
     shown->chooseState(texts::channelAlarm());
     shown->chooseState(texts::placeholderNotActive());
@@ -128,7 +128,7 @@ void tst_Setting_Script_WidgetTrigger::notActiveEmptiesTheChannels()
     QCOMPARE(int(shown->record().at(5)), 0);
 }
 
-void tst_Setting_Script_WidgetTrigger::plainStateTakesItsRow_data()
+void tst_TriggerSection::plainStateTakesItsRow_data()
 {
     QTest::addColumn<int>("row");
     for (int row = 0; row < 5; ++row) {
@@ -136,7 +136,7 @@ void tst_Setting_Script_WidgetTrigger::plainStateTakesItsRow_data()
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::plainStateTakesItsRow()
+void tst_TriggerSection::plainStateTakesItsRow()
 {
     QFETCH(const int, row);
     const ParamItemPtr state = shown->model->stateChannelAt(row);
@@ -148,7 +148,7 @@ void tst_Setting_Script_WidgetTrigger::plainStateTakesItsRow()
     QCOMPARE(shown->script()->notActive, state->code == 255);
 }
 
-void tst_Setting_Script_WidgetTrigger::buttonStateStartsWithTheShortPressOfTheFirstButton()
+void tst_TriggerSection::buttonStateStartsWithTheShortPressOfTheFirstButton()
 {
     shown->chooseState(texts::statePanicButton());
     QCOMPARE(shown->combo("comboBoxPNB")->currentIndex(), 0);
@@ -169,7 +169,7 @@ void tst_Setting_Script_WidgetTrigger::buttonStateStartsWithTheShortPressOfTheFi
     QCOMPARE(quint8(shown->record().at(3)), quint8(0x01));
 }
 
-void tst_Setting_Script_WidgetTrigger::analogStateStartsWithItsFirstRow()
+void tst_TriggerSection::analogStateStartsWithItsFirstRow()
 {
     shown->chooseState(texts::stateAnalog());
     QCOMPARE(shown->combo("comboBoxAnalog")->currentIndex(), 0);
@@ -178,7 +178,7 @@ void tst_Setting_Script_WidgetTrigger::analogStateStartsWithItsFirstRow()
     QCOMPARE(shown->spin("spinBoxOtherStateChannel")->value(), 0);
 }
 
-void tst_Setting_Script_WidgetTrigger::otherStateTakesTheCodeOfTheFormerOne()
+void tst_TriggerSection::otherStateTakesTheCodeOfTheFormerOne()
 {
     shown->chooseState(texts::channelTamper());
     shown->chooseState(texts::otherState());
@@ -192,7 +192,7 @@ void tst_Setting_Script_WidgetTrigger::otherStateTakesTheCodeOfTheFormerOne()
     QVERIFY(!shown->model->stateChannels().contains(state));
 }
 
-void tst_Setting_Script_WidgetTrigger::otherCodeIsStoredAsItIsTyped()
+void tst_TriggerSection::otherCodeIsStoredAsItIsTyped()
 {
     shown->chooseState(texts::otherState());
     QVERIFY(shown->script()->notActive); // the code of "Not active" is left
@@ -207,7 +207,7 @@ void tst_Setting_Script_WidgetTrigger::otherCodeIsStoredAsItIsTyped()
     QVERIFY(shown->script()->notActive);
 }
 
-void tst_Setting_Script_WidgetTrigger::everyButtonAndPressFindsItsRow_data()
+void tst_TriggerSection::everyButtonAndPressFindsItsRow_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("longPress");
@@ -222,7 +222,7 @@ void tst_Setting_Script_WidgetTrigger::everyButtonAndPressFindsItsRow_data()
     QTest::newRow("4 long") << texts::stateButton4() << true << 0x88;
 }
 
-void tst_Setting_Script_WidgetTrigger::everyButtonAndPressFindsItsRow()
+void tst_TriggerSection::everyButtonAndPressFindsItsRow()
 {
     QFETCH(const QString, name);
     QFETCH(const bool, longPress);
@@ -244,7 +244,7 @@ void tst_Setting_Script_WidgetTrigger::everyButtonAndPressFindsItsRow()
     QVERIFY(shown->button(radio)->isChecked());
 }
 
-void tst_Setting_Script_WidgetTrigger::everyAnalogStateFindsItsFirstRow_data()
+void tst_TriggerSection::everyAnalogStateFindsItsFirstRow_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("code");
@@ -259,7 +259,7 @@ void tst_Setting_Script_WidgetTrigger::everyAnalogStateFindsItsFirstRow_data()
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::everyAnalogStateFindsItsFirstRow()
+void tst_TriggerSection::everyAnalogStateFindsItsFirstRow()
 {
     QFETCH(const QString, name);
     QFETCH(const int, code);
@@ -271,7 +271,7 @@ void tst_Setting_Script_WidgetTrigger::everyAnalogStateFindsItsFirstRow()
     QCOMPARE(shown->combo("comboBoxAnalog")->count(), 10);
 }
 
-void tst_Setting_Script_WidgetTrigger::pressOfAStateWithoutALinkChangesNothing()
+void tst_TriggerSection::pressOfAStateWithoutALinkChangesNothing()
 {
     shown->chooseState(texts::channelAlarm());
     const QByteArray before = shown->record();
@@ -280,7 +280,7 @@ void tst_Setting_Script_WidgetTrigger::pressOfAStateWithoutALinkChangesNothing()
     QCOMPARE(shown->record(), before);
 }
 
-void tst_Setting_Script_WidgetTrigger::tableRowsAreNeverWritten()
+void tst_TriggerSection::tableRowsAreNeverWritten()
 {
     shown->chooseState(texts::otherState());
     ShownEditor::type(shown->spin("spinBoxOtherStateChannel"), "2");
@@ -292,7 +292,7 @@ void tst_Setting_Script_WidgetTrigger::tableRowsAreNeverWritten()
     QCOMPARE(int(shown->model->stateChannelAt(5)->code), 255);
 }
 
-void tst_Setting_Script_WidgetTrigger::unfitStateSwitchesTheTypeFilterOff_data()
+void tst_TriggerSection::unfitStateSwitchesTheTypeFilterOff_data()
 {
     QTest::addColumn<int>("terminalClass");
     QTest::addColumn<QString>("from");
@@ -318,7 +318,7 @@ void tst_Setting_Script_WidgetTrigger::unfitStateSwitchesTheTypeFilterOff_data()
     QTest::newRow("plain under class 15") << 15 << analog << plain << true;
 }
 
-void tst_Setting_Script_WidgetTrigger::unfitStateSwitchesTheTypeFilterOff()
+void tst_TriggerSection::unfitStateSwitchesTheTypeFilterOff()
 {
     QFETCH(const int, terminalClass);
     QFETCH(const QString, from);
@@ -334,7 +334,7 @@ void tst_Setting_Script_WidgetTrigger::unfitStateSwitchesTheTypeFilterOff()
     QCOMPARE(shown->combo("comboStateChannel")->currentText(), to);
 }
 
-void tst_Setting_Script_WidgetTrigger::channelsComeBackAfterNotActive()
+void tst_TriggerSection::channelsComeBackAfterNotActive()
 {
     shown->chooseState(texts::channelAlarm());
     shown->button("buttonChannel3")->click();
@@ -347,7 +347,7 @@ void tst_Setting_Script_WidgetTrigger::channelsComeBackAfterNotActive()
     QCOMPARE(shown->button("buttonChannel3")->styleSheet(), QString());
 }
 
-void tst_Setting_Script_WidgetTrigger::channelButtonsFlipTheirChannel()
+void tst_TriggerSection::channelButtonsFlipTheirChannel()
 {
     shown->chooseState(texts::channelAlarm());
     for (int channel = 1; channel < 4; ++channel) {
@@ -362,7 +362,7 @@ void tst_Setting_Script_WidgetTrigger::channelButtonsFlipTheirChannel()
     QCOMPARE(shown->button("buttonChannel1")->styleSheet(), QString());
 }
 
-void tst_Setting_Script_WidgetTrigger::lastChannelStaysLit()
+void tst_TriggerSection::lastChannelStaysLit()
 {
     shown->chooseState(texts::channelAlarm());
     for (int i = 0; i < 5; ++i) {
@@ -372,20 +372,20 @@ void tst_Setting_Script_WidgetTrigger::lastChannelStaysLit()
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::channelButtonsAreDeadWhileNotActive()
+void tst_TriggerSection::channelButtonsAreDeadWhileNotActive()
 {
     shown->button("buttonChannel2")->click();
     QVERIFY(shown->script()->numberChannels.isEmpty());
 }
 
-void tst_Setting_Script_WidgetTrigger::channelButtonsReadOneToFour()
+void tst_TriggerSection::channelButtonsReadOneToFour()
 {
     for (int channel = 1; channel <= 4; ++channel) {
         QCOMPARE(shown->button(QStringLiteral("buttonChannel%1").arg(channel))->text(), QString::number(channel));
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::combosArePaintedInTheColourOfTheirRow()
+void tst_TriggerSection::combosArePaintedInTheColourOfTheirRow()
 {
     shown->chooseState(texts::channelAlarm());
     shown->combo("comboStateChannel")->setToolTip(QStringLiteral("old"));
@@ -404,7 +404,7 @@ void tst_Setting_Script_WidgetTrigger::combosArePaintedInTheColourOfTheirRow()
                 .endsWith(QLatin1String("background-color: rgba(30, 144, 255, 150);}")));
 }
 
-void tst_Setting_Script_WidgetTrigger::combosWithoutTheValueAreRed()
+void tst_TriggerSection::combosWithoutTheValueAreRed()
 {
     const QString red = QStringLiteral("QComboBox{combobox-popup: 0; selection-color: black; "
                                        "selection-background-color: rgba(0,0,0,20);background-color: red;}");
@@ -425,7 +425,7 @@ void tst_Setting_Script_WidgetTrigger::combosWithoutTheValueAreRed()
     QVERIFY(!shown->script()->numberChannels.isEmpty());
 }
 
-void tst_Setting_Script_WidgetTrigger::clickState(int row, bool onBox)
+void tst_TriggerSection::clickState(int row, bool onBox)
 {
     QListWidget* list = shown->states();
     const QRect rect = list->visualItemRect(list->item(row));
@@ -434,7 +434,7 @@ void tst_Setting_Script_WidgetTrigger::clickState(int row, bool onBox)
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, onBox ? box : text);
 }
 
-void tst_Setting_Script_WidgetTrigger::clickOnBoxTextOrSpaceFlipsOnce_data()
+void tst_TriggerSection::clickOnBoxTextOrSpaceFlipsOnce_data()
 {
     QTest::addColumn<int>("row");
     QTest::addColumn<QString>("by");
@@ -445,7 +445,7 @@ void tst_Setting_Script_WidgetTrigger::clickOnBoxTextOrSpaceFlipsOnce_data()
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::clickOnBoxTextOrSpaceFlipsOnce()
+void tst_TriggerSection::clickOnBoxTextOrSpaceFlipsOnce()
 {
     QFETCH(const int, row);
     QFETCH(const QString, by);
@@ -468,7 +468,7 @@ void tst_Setting_Script_WidgetTrigger::clickOnBoxTextOrSpaceFlipsOnce()
     QCOMPARE(int(shown->record().at(4)), int(shown->model->terminalStateAt(row)->code));
 }
 
-void tst_Setting_Script_WidgetTrigger::everyOfManyFastClicksCounts_data()
+void tst_TriggerSection::everyOfManyFastClicksCounts_data()
 {
     QTest::addColumn<bool>("onBox");
     QTest::newRow("box") << true;
@@ -476,7 +476,7 @@ void tst_Setting_Script_WidgetTrigger::everyOfManyFastClicksCounts_data()
 }
 
 /// A user's second quick click reaches a list as a double click; here it is one click more.
-void tst_Setting_Script_WidgetTrigger::everyOfManyFastClicksCounts()
+void tst_TriggerSection::everyOfManyFastClicksCounts()
 {
     QFETCH(const bool, onBox);
     shown->open();
@@ -495,7 +495,7 @@ void tst_Setting_Script_WidgetTrigger::everyOfManyFastClicksCounts()
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::fastClicksOnDifferentStatesAllCount()
+void tst_TriggerSection::fastClicksOnDifferentStatesAllCount()
 {
     shown->open();
     for (int row = 0; row < 6; ++row) {
@@ -505,7 +505,7 @@ void tst_Setting_Script_WidgetTrigger::fastClicksOnDifferentStatesAllCount()
     QCOMPARE(int(shown->record().at(4)), 0x7E);
 }
 
-void tst_Setting_Script_WidgetTrigger::checkedStatesAreStoredInTableOrder()
+void tst_TriggerSection::checkedStatesAreStoredInTableOrder()
 {
     QListWidget* list = shown->states();
     for (const int row : {4, 0, 2}) {
@@ -518,7 +518,7 @@ void tst_Setting_Script_WidgetTrigger::checkedStatesAreStoredInTableOrder()
     QCOMPARE(shown->script()->stateTerminal, expected.mid(1));
 }
 
-void tst_Setting_Script_WidgetTrigger::terminalStateAloneMakesAScriptActive()
+void tst_TriggerSection::terminalStateAloneMakesAScriptActive()
 {
     QVERIFY(shown->script()->notActive);
     shown->states()->item(3)->setCheckState(Qt::Checked);
@@ -528,7 +528,7 @@ void tst_Setting_Script_WidgetTrigger::terminalStateAloneMakesAScriptActive()
     QVERIFY(shown->script()->numberChannels.isEmpty());
 }
 
-void tst_Setting_Script_WidgetTrigger::scriptWithoutTriggerIsReportedAsNotActive()
+void tst_TriggerSection::scriptWithoutTriggerIsReportedAsNotActive()
 {
     shown->states()->item(3)->setCheckState(Qt::Checked);
     shown->chooseState(texts::channelAlarm());
@@ -542,7 +542,7 @@ void tst_Setting_Script_WidgetTrigger::scriptWithoutTriggerIsReportedAsNotActive
     QVERIFY(reportedInactive);
 }
 
-void tst_Setting_Script_WidgetTrigger::everyTriggerEditIsReported_data()
+void tst_TriggerSection::everyTriggerEditIsReported_data()
 {
     QTest::addColumn<QString>("state");
     const RelayInfo model;
@@ -556,7 +556,7 @@ void tst_Setting_Script_WidgetTrigger::everyTriggerEditIsReported_data()
     }
 }
 
-void tst_Setting_Script_WidgetTrigger::everyTriggerEditIsReported()
+void tst_TriggerSection::everyTriggerEditIsReported()
 {
     QFETCH(const QString, state);
     shown->chooseState(state);
@@ -567,7 +567,7 @@ void tst_Setting_Script_WidgetTrigger::everyTriggerEditIsReported()
 }
 
 /// Together the button's and the analog terminal's controls don't fit, and for a moment all others would be lower.
-void tst_Setting_Script_WidgetTrigger::controlsThatTakeTurnsLeaveTheOthersInPlace()
+void tst_TriggerSection::controlsThatTakeTurnsLeaveTheOthersInPlace()
 {
     class Sizes : public QObject
     {
@@ -596,5 +596,5 @@ void tst_Setting_Script_WidgetTrigger::controlsThatTakeTurnsLeaveTheOthersInPlac
     QCOMPARE(sizes.count, 0);
 }
 
-QTEST_MAIN(tst_Setting_Script_WidgetTrigger)
-#include "tst_Setting_Script_WidgetTrigger.moc"
+QTEST_MAIN(tst_TriggerSection)
+#include "tst_TriggerSection.moc"

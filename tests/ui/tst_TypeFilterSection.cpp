@@ -3,8 +3,8 @@
 #include "model/ScriptRules.h"
 #include "ui/ShownEditor.h"
 
-/// Which terminals a script listens to, as the editor shows and edits it: the filters by type and by address.
-class tst_Setting_Script_WidgetFilter : public QObject
+/// The filter by type of terminal, as the editor shows and edits it, and what it does to the trigger.
+class tst_TypeFilterSection : public QObject
 {
     Q_OBJECT
 
@@ -40,35 +40,22 @@ private slots:
     void filterThatIsOffNeverChangesTheState();
     void notActiveIsNeverAdapted();
 
-    void addressButtonsStandForTheirPosition_data();
-    void addressButtonsStandForTheirPosition();
-    void addressButtonsAreRoundAndInOrder();
-    void addressFilterSwitchEnablesAndShades();
-    void headUnitAlwaysHasARing();
-    void ringsFollowTheConnectedTerminals();
-    void ringsFollowTheTypeFilter_data();
-    void ringsFollowTheTypeFilter();
-    void allAddressesCanBeReported();
-
 private:
-    void connectTerminals(const QByteArrayList& records);
-    QString styleOf(int address) const;
-
     std::unique_ptr<ShownEditor> shown;
 };
 
-void tst_Setting_Script_WidgetFilter::init()
+void tst_TypeFilterSection::init()
 {
     shown = std::make_unique<ShownEditor>();
     shown->edit();
 }
 
-void tst_Setting_Script_WidgetFilter::cleanup()
+void tst_TypeFilterSection::cleanup()
 {
     shown.reset();
 }
 
-void tst_Setting_Script_WidgetFilter::typeFilterSwitchEnablesAndShades()
+void tst_TypeFilterSection::typeFilterSwitchEnablesAndShades()
 {
     QWidget* frame = shown->widget("F_Type");
     QVERIFY(!frame->isEnabled());
@@ -83,7 +70,7 @@ void tst_Setting_Script_WidgetFilter::typeFilterSwitchEnablesAndShades()
     QCOMPARE(frame->styleSheet(), QStringLiteral("background-color: rgba(187, 187, 187, 150)"));
 }
 
-void tst_Setting_Script_WidgetFilter::listOfTypesIsPaintedInTheColourOfItsRow()
+void tst_TypeFilterSection::listOfTypesIsPaintedInTheColourOfItsRow()
 {
     QComboBox* list = shown->combo("comboBoxSelectType");
     const QString start = QStringLiteral("combobox-popup: 0; selection-color: black; selection-background-color: "
@@ -105,7 +92,7 @@ void tst_Setting_Script_WidgetFilter::listOfTypesIsPaintedInTheColourOfItsRow()
     QCOMPARE(shown->spin("spinBoxClass")->value(), 1);
 }
 
-void tst_Setting_Script_WidgetFilter::catalogueTypeFillsTheNumbersAndLocksThem()
+void tst_TypeFilterSection::catalogueTypeFillsTheNumbersAndLocksThem()
 {
     shown->button("checkBoxType")->click();
     QVERIFY(shown->widget("F_ManualType")->isEnabled());
@@ -122,7 +109,7 @@ void tst_Setting_Script_WidgetFilter::catalogueTypeFillsTheNumbersAndLocksThem()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::ownTypeKeepsTheNumbersOfTheFormerOne()
+void tst_TypeFilterSection::ownTypeKeepsTheNumbersOfTheFormerOne()
 {
     shown->button("checkBoxType")->click();
     shown->choose("comboBoxSelectType", QStringLiteral("Haldeon-NX (21 41 20)"));
@@ -134,7 +121,7 @@ void tst_Setting_Script_WidgetFilter::ownTypeKeepsTheNumbersOfTheFormerOne()
     QVERIFY(shown->widget("F_ManualType")->isEnabled());
 }
 
-void tst_Setting_Script_WidgetFilter::catalogueIsNeverWrittenThroughAScript()
+void tst_TypeFilterSection::catalogueIsNeverWrittenThroughAScript()
 {
     const auto numbers = [this] {
         QStringList list;
@@ -166,7 +153,7 @@ void tst_Setting_Script_WidgetFilter::catalogueIsNeverWrittenThroughAScript()
     QCOMPARE(int(shown->script(1)->terminalFilter->terminalClass), 15);
 }
 
-void tst_Setting_Script_WidgetFilter::numbersAreWrittenToTheOwnType_data()
+void tst_TypeFilterSection::numbersAreWrittenToTheOwnType_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("maximum");
@@ -178,7 +165,7 @@ void tst_Setting_Script_WidgetFilter::numbersAreWrittenToTheOwnType_data()
     QTest::newRow("characteristic") << "spinBoxCharacteristic" << 255 << "9f" << QByteArray::fromHex("f0009f");
 }
 
-void tst_Setting_Script_WidgetFilter::numbersAreWrittenToTheOwnType()
+void tst_TypeFilterSection::numbersAreWrittenToTheOwnType()
 {
     QFETCH(const QString, name);
     QFETCH(const int, maximum);
@@ -194,7 +181,7 @@ void tst_Setting_Script_WidgetFilter::numbersAreWrittenToTheOwnType()
     QCOMPARE(shown->record().mid(15, 3), bytes);
 }
 
-void tst_Setting_Script_WidgetFilter::numbersThatMeanAnyAreGrey_data()
+void tst_TypeFilterSection::numbersThatMeanAnyAreGrey_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("value");
@@ -211,7 +198,7 @@ void tst_Setting_Script_WidgetFilter::numbersThatMeanAnyAreGrey_data()
     QTest::newRow("characteristic 255") << "spinBoxCharacteristic" << 255 << false;
 }
 
-void tst_Setting_Script_WidgetFilter::numbersThatMeanAnyAreGrey()
+void tst_TypeFilterSection::numbersThatMeanAnyAreGrey()
 {
     QFETCH(const QString, name);
     QFETCH(const int, value);
@@ -230,7 +217,7 @@ void tst_Setting_Script_WidgetFilter::numbersThatMeanAnyAreGrey()
     QCOMPARE(field->styleSheet(), expected);
 }
 
-void tst_Setting_Script_WidgetFilter::classNeverRestsBetweenFiveAndFourteen_data()
+void tst_TypeFilterSection::classNeverRestsBetweenFiveAndFourteen_data()
 {
     QTest::addColumn<int>("value");
     QTest::addColumn<int>("rests");
@@ -240,7 +227,7 @@ void tst_Setting_Script_WidgetFilter::classNeverRestsBetweenFiveAndFourteen_data
     }
 }
 
-void tst_Setting_Script_WidgetFilter::classNeverRestsBetweenFiveAndFourteen()
+void tst_TypeFilterSection::classNeverRestsBetweenFiveAndFourteen()
 {
     QFETCH(const int, value);
     QFETCH(const int, rests);
@@ -249,7 +236,7 @@ void tst_Setting_Script_WidgetFilter::classNeverRestsBetweenFiveAndFourteen()
     QCOMPARE(int(shown->script()->terminalFilter->terminalClass), rests);
 }
 
-void tst_Setting_Script_WidgetFilter::classStepsOverTheGap()
+void tst_TypeFilterSection::classStepsOverTheGap()
 {
     shown->button("checkBoxType")->click();
     QSpinBox* field = shown->spin("spinBoxClass");
@@ -260,7 +247,7 @@ void tst_Setting_Script_WidgetFilter::classStepsOverTheGap()
     QCOMPARE(field->value(), 4);
 }
 
-void tst_Setting_Script_WidgetFilter::keyRepeatOnTheClassStaysInItsValues()
+void tst_TypeFilterSection::keyRepeatOnTheClassStaysInItsValues()
 {
     QSpinBox* field = shown->spin("spinBoxClass");
     shown->check("checkBoxType", true);
@@ -271,7 +258,7 @@ void tst_Setting_Script_WidgetFilter::keyRepeatOnTheClassStaysInItsValues()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::typedTypeChecksItsFeatures_data()
+void tst_TypeFilterSection::typedTypeChecksItsFeatures_data()
 {
     QTest::addColumn<QString>("keys");
     QTest::addColumn<int>("features");
@@ -282,7 +269,7 @@ void tst_Setting_Script_WidgetFilter::typedTypeChecksItsFeatures_data()
     QTest::newRow("power and connection") << "0a" << 0x0A;
 }
 
-void tst_Setting_Script_WidgetFilter::typedTypeChecksItsFeatures()
+void tst_TypeFilterSection::typedTypeChecksItsFeatures()
 {
     QFETCH(const QString, keys);
     QFETCH(const int, features);
@@ -303,7 +290,7 @@ void tst_Setting_Script_WidgetFilter::typedTypeChecksItsFeatures()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::featuresWriteTheirBit_data()
+void tst_TypeFilterSection::featuresWriteTheirBit_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("bit");
@@ -313,7 +300,7 @@ void tst_Setting_Script_WidgetFilter::featuresWriteTheirBit_data()
     QTest::newRow("battery") << "checkBoxBattery" << 1;
 }
 
-void tst_Setting_Script_WidgetFilter::featuresWriteTheirBit()
+void tst_TypeFilterSection::featuresWriteTheirBit()
 {
     QFETCH(const QString, name);
     QFETCH(const int, bit);
@@ -332,7 +319,7 @@ void tst_Setting_Script_WidgetFilter::featuresWriteTheirBit()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::featuresOfACatalogueTypeAreLocked()
+void tst_TypeFilterSection::featuresOfACatalogueTypeAreLocked()
 {
     shown->button("checkBoxType")->click();
     shown->choose("comboBoxSelectType", QStringLiteral("PNB-NX (31 30 10)"));
@@ -340,7 +327,7 @@ void tst_Setting_Script_WidgetFilter::featuresOfACatalogueTypeAreLocked()
     QCOMPARE(shown->spin("spinBoxType")->value(), 0x30);
 }
 
-void tst_Setting_Script_WidgetFilter::stateFollowsTheFilter_data()
+void tst_TypeFilterSection::stateFollowsTheFilter_data()
 {
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("from");
@@ -371,7 +358,7 @@ void tst_Setting_Script_WidgetFilter::stateFollowsTheFilter_data()
     QTest::newRow("class 1: plain stays") << 3 << texts::channelTamper() << 1 << texts::channelTamper() << none;
 }
 
-void tst_Setting_Script_WidgetFilter::stateFollowsTheFilter()
+void tst_TypeFilterSection::stateFollowsTheFilter()
 {
     QFETCH(const int, code);
     QFETCH(const QString, from);
@@ -406,7 +393,7 @@ void tst_Setting_Script_WidgetFilter::stateFollowsTheFilter()
     QCOMPARE(shown->script()->notActive, code == 255);
 }
 
-void tst_Setting_Script_WidgetFilter::longPressSurvivesTheAdaptation()
+void tst_TypeFilterSection::longPressSurvivesTheAdaptation()
 {
     shown->chooseState(texts::otherState());
     ShownEditor::type(shown->spin("spinBoxOtherStateChannel"), "81");
@@ -417,7 +404,7 @@ void tst_Setting_Script_WidgetFilter::longPressSurvivesTheAdaptation()
     QVERIFY(!shown->widget("F_PNB")->isHidden());
 }
 
-void tst_Setting_Script_WidgetFilter::switchingTheFilterOnAdaptsTheState()
+void tst_TypeFilterSection::switchingTheFilterOnAdaptsTheState()
 {
     shown->chooseState(texts::channelAlarm());
     shown->filterByClass(4, false);
@@ -427,7 +414,7 @@ void tst_Setting_Script_WidgetFilter::switchingTheFilterOnAdaptsTheState()
     QCOMPARE(shown->combo("comboBoxAnalog")->currentText(), texts::analogHigh());
 }
 
-void tst_Setting_Script_WidgetFilter::anyClassNeverChangesTheState_data()
+void tst_TypeFilterSection::anyClassNeverChangesTheState_data()
 {
     QTest::addColumn<int>("row");
     const RelayInfo model;
@@ -436,7 +423,7 @@ void tst_Setting_Script_WidgetFilter::anyClassNeverChangesTheState_data()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::anyClassNeverChangesTheState()
+void tst_TypeFilterSection::anyClassNeverChangesTheState()
 {
     QFETCH(const int, row);
     shown->script()->stateChannel = shown->model->stateChannelAt(row);
@@ -448,7 +435,7 @@ void tst_Setting_Script_WidgetFilter::anyClassNeverChangesTheState()
     QVERIFY(shown->button("checkBoxType")->isChecked());
 }
 
-void tst_Setting_Script_WidgetFilter::filterThatIsOffNeverChangesTheState()
+void tst_TypeFilterSection::filterThatIsOffNeverChangesTheState()
 {
     shown->chooseState(texts::channelAlarm());
     for (const int terminalClass : {3, 4, 1}) {
@@ -457,7 +444,7 @@ void tst_Setting_Script_WidgetFilter::filterThatIsOffNeverChangesTheState()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::notActiveIsNeverAdapted()
+void tst_TypeFilterSection::notActiveIsNeverAdapted()
 {
     for (const int terminalClass : {3, 4, 1}) {
         shown->filterByClass(terminalClass, true);
@@ -465,168 +452,5 @@ void tst_Setting_Script_WidgetFilter::notActiveIsNeverAdapted()
     }
 }
 
-void tst_Setting_Script_WidgetFilter::addressButtonsStandForTheirPosition_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("index");
-    QTest::newRow("HUBN") << "ButtonAddressHUBN"
-                          << "HUBN" << 31;
-    for (int address = 1; address <= 31; ++address) {
-        QTest::addRow("%d", address) << QStringLiteral("ButtonAddress%1").arg(address) << QString::number(address)
-                                     << address - 1;
-    }
-}
-
-void tst_Setting_Script_WidgetFilter::addressButtonsStandForTheirPosition()
-{
-    QFETCH(const QString, name);
-    QFETCH(const QString, text);
-    QFETCH(const int, index);
-    QAbstractButton* button = shown->button(name);
-    QCOMPARE(button->text(), text);
-    button->click();
-    QVERIFY(!shown->script()->addressFilter.contains(true)); // the filter is off, and so are its buttons
-    shown->button("checkBoxAddress")->click();
-    button->click();
-    QCOMPARE(shown->script()->addressFilter.count(true), 1);
-    QVERIFY(shown->script()->addressFilter.at(index));
-    QVERIFY(button->styleSheet().contains(QLatin1String("background-color: rgb(68, 255, 0); ")));
-
-    shown->edit(1);
-    QVERIFY(button->styleSheet().contains(QLatin1String("background-color: rgb(230, 230, 230); ")));
-    shown->edit(0);
-    QVERIFY(button->styleSheet().contains(QLatin1String("background-color: rgb(68, 255, 0); ")));
-    shown->button("checkBoxAddress")->click();
-    QVERIFY(button->styleSheet().contains(QLatin1String("background-color: rgb(68, 220, 0); ")));
-    shown->button("checkBoxAddress")->click();
-    button->click();
-    QVERIFY(!shown->script()->addressFilter.contains(true));
-}
-
-void tst_Setting_Script_WidgetFilter::addressButtonsAreRoundAndInOrder()
-{
-    shown->open();
-    QPoint previous(-1, -1);
-    for (int address = 1; address <= 31; ++address) {
-        const QRect place = shown->button(QStringLiteral("ButtonAddress%1").arg(address))->geometry();
-        QCOMPARE(place.size(), QSize(22, 22));
-        QVERIFY(place.y() > previous.y() || (place.y() == previous.y() && place.x() > previous.x()));
-        previous = place.topLeft();
-    }
-    QVERIFY(shown->widget("F_Address")->rect().contains(shown->button("ButtonAddress31")->geometry()));
-    QCOMPARE(shown->button("ButtonAddressHUBN")->height(), 22);
-}
-
-void tst_Setting_Script_WidgetFilter::addressFilterSwitchEnablesAndShades()
-{
-    QWidget* frame = shown->widget("F_Address");
-    QVERIFY(!frame->isEnabled());
-    QCOMPARE(frame->styleSheet(), QStringLiteral("background-color: rgba(187, 187, 187, 150)"));
-    shown->button("checkBoxAddress")->click();
-    QVERIFY(frame->isEnabled());
-    QCOMPARE(frame->styleSheet(), QString());
-    QVERIFY(shown->script()->activateFilter.at(1));
-    QCOMPARE(int(shown->record().at(5)) & 0x0F, 0x04);
-    shown->button("checkBoxAddress")->click();
-    QVERIFY(!shown->script()->activateFilter.at(1));
-}
-
-void tst_Setting_Script_WidgetFilter::connectTerminals(const QByteArrayList& records)
-{
-    shown->model->readTerminalRecords(records);
-    shown->editor->sl_UpDateConnectList();
-}
-
-QString tst_Setting_Script_WidgetFilter::styleOf(int address) const
-{
-    return shown
-        ->button(address == 0 ? QStringLiteral("ButtonAddressHUBN") : QStringLiteral("ButtonAddress%1").arg(address))
-        ->styleSheet();
-}
-
-void tst_Setting_Script_WidgetFilter::headUnitAlwaysHasARing()
-{
-    QVERIFY(styleOf(0).contains(QLatin1String("border-color: rgb(0, 120, 0);")));
-    connectTerminals({QByteArray::fromHex("00061a1f000000")});
-    QVERIFY(styleOf(0).contains(QLatin1String("border-color: rgb(0, 120, 0);")));
-    shown->filterByClass(1, true);
-    QVERIFY(styleOf(0).contains(QLatin1String("border-color: rgb(120, 0, 0);")));
-    connectTerminals({});
-    QVERIFY(styleOf(0).contains(QLatin1String("border-color: rgb(0, 120, 0);")));
-}
-
-void tst_Setting_Script_WidgetFilter::ringsFollowTheConnectedTerminals()
-{
-    QVERIFY(!styleOf(5).contains(QLatin1String("border-color")));
-    connectTerminals({QByteArray::fromHex("0531301000000000"), QByteArray::fromHex("09e1010200000000")});
-    QVERIFY(styleOf(5).contains(QLatin1String("border-color: rgb(0, 120, 0);")));
-    QVERIFY(!styleOf(6).contains(QLatin1String("border-color")));
-    const auto toolTip = [](const char* name, const char* numbers) {
-        return QStringLiteral("<p align=\"center\" style=\"margin-bottom:7px; margin-top:0px\"><b>%1</b></p>"
-                              "<p align=\"center\" style=\"margin-bottom:7px; margin-top:0px\">(%2)</p>")
-            .arg(QLatin1String(name), QLatin1String(numbers));
-    };
-    QCOMPARE(shown->button("ButtonAddress5")->toolTip(), toolTip("PNB-NX", "31 30 10"));
-    QCOMPARE(shown->button("ButtonAddress9")->toolTip(), toolTip("141 01 02", "e1 01 02"));
-    connectTerminals({});
-    QVERIFY(!styleOf(5).contains(QLatin1String("border-color")));
-    QVERIFY(shown->button("ButtonAddress5")->toolTip().isEmpty());
-}
-
-void tst_Setting_Script_WidgetFilter::ringsFollowTheTypeFilter_data()
-{
-    QTest::addColumn<QList<int>>("filter"); // class, version, type, characteristic
-    QTest::addColumn<bool>("fits");
-    QTest::newRow("any") << QList<int>{15, 0, 0, 0} << true;
-    QTest::newRow("all equal") << QList<int>{1, 4, 0x31, 0x10} << true;
-    QTest::newRow("other class") << QList<int>{2, 0, 0, 0} << false;
-    QTest::newRow("other version") << QList<int>{15, 5, 0, 0} << false;
-    QTest::newRow("any version") << QList<int>{1, 0, 0x31, 0x10} << true;
-    QTest::newRow("other high half") << QList<int>{15, 0, 0x20, 0} << false;
-    QTest::newRow("same high half, low half any") << QList<int>{15, 0, 0x30, 0} << true;
-    QTest::newRow("other low half") << QList<int>{15, 0, 0x02, 0} << false;
-    QTest::newRow("same low half, high half any") << QList<int>{15, 0, 0x01, 0} << true;
-    QTest::newRow("other characteristic") << QList<int>{15, 0, 0, 0x20} << false;
-}
-
-void tst_Setting_Script_WidgetFilter::ringsFollowTheTypeFilter()
-{
-    QFETCH(const QList<int>, filter);
-    QFETCH(const bool, fits);
-    connectTerminals({QByteArray::fromHex("0714311000000000")});
-    shown->filterByClass(filter.at(0), true);
-    shown->spin("spinBoxVersion")->setValue(filter.at(1));
-    shown->spin("spinBoxType")->setValue(filter.at(2));
-    shown->spin("spinBoxCharacteristic")->setValue(filter.at(3));
-    QCOMPARE(styleOf(7).contains(QLatin1String("rgb(0, 120, 0)")), fits);
-    QCOMPARE(styleOf(7).contains(QLatin1String("rgb(120, 0, 0)")), !fits);
-    shown->button("checkBoxType")->click();
-    QVERIFY(styleOf(7).contains(QLatin1String("rgb(0, 120, 0)")));
-
-    // And when the script is shown again, after one that filters nothing.
-    shown->button("checkBoxType")->click();
-    shown->edit(1);
-    QVERIFY(styleOf(7).contains(QLatin1String("rgb(0, 120, 0)")));
-    shown->edit(0);
-    QCOMPARE(styleOf(7).contains(QLatin1String("rgb(0, 120, 0)")), fits);
-}
-
-void tst_Setting_Script_WidgetFilter::allAddressesCanBeReported()
-{
-    QByteArrayList records;
-    for (int address = 0; address < 32; ++address) {
-        records.append(QByteArray(1, char(address)) + QByteArray::fromHex("21412000000000"));
-    }
-    connectTerminals(records);
-    for (int address = 0; address < 32; ++address) {
-        QVERIFY(styleOf(address).contains(QLatin1String("border-color: rgb(0, 120, 0);")));
-    }
-    shown->filterByClass(1, true);
-    for (int address = 0; address < 32; ++address) {
-        QVERIFY(styleOf(address).contains(QLatin1String("border-color: rgb(120, 0, 0);")));
-    }
-}
-
-QTEST_MAIN(tst_Setting_Script_WidgetFilter)
-#include "tst_Setting_Script_WidgetFilter.moc"
+QTEST_MAIN(tst_TypeFilterSection)
+#include "tst_TypeFilterSection.moc"
