@@ -7,16 +7,7 @@
 #include "texts/texts.h"
 #include "widgets/Dialogs.h"
 
-std::optional<FirmwareFile> chooseFirmwareFile(QWidget* parent, Dialogs& dialogs)
-{
-    const QString path = dialogs.openFileName(parent, texts::firmwareChooseFile(), QStringLiteral("*.crypt"));
-    if (path.isEmpty()) {
-        return {};
-    }
-    QFile file(path);
-    return readFirmwareFile(file, parent, dialogs);
-}
-
+// In no header: only a test has files of its own to be read.
 std::optional<FirmwareFile> readFirmwareFile(QFile& file, QWidget* parent, Dialogs& dialogs)
 {
     // These messages have always been in Russian, whatever the language of the rest.
@@ -39,4 +30,14 @@ std::optional<FirmwareFile> readFirmwareFile(QFile& file, QWidget* parent, Dialo
                         .arg(QDir::currentPath(), path));
     }
     return FirmwareFile{path, image};
+}
+
+std::optional<FirmwareFile> chooseFirmwareFile(QWidget* parent, Dialogs& dialogs)
+{
+    const QString path = dialogs.openFileName(parent, texts::firmwareChooseFile(), QStringLiteral("*.crypt"));
+    if (path.isEmpty()) {
+        return {};
+    }
+    QFile file(path);
+    return readFirmwareFile(file, parent, dialogs);
 }

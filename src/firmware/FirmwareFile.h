@@ -6,7 +6,6 @@
 #include <optional>
 
 class Dialogs;
-class QFile;
 class QWidget;
 
 /// A firmware image as the user chose it.
@@ -19,6 +18,3 @@ struct FirmwareFile
 /// Asks the user for a firmware file and reads it. Nothing if the user cancelled, or if the file can't be used, which a
 /// message box has told by then. GUI thread; blocks in the dialogs.
 std::optional<FirmwareFile> chooseFirmwareFile(QWidget* parent, Dialogs& dialogs);
-
-/// The second half of it: reads a file that has its name already.
-std::optional<FirmwareFile> readFirmwareFile(QFile& file, QWidget* parent, Dialogs& dialogs);

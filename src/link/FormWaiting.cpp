@@ -64,8 +64,8 @@ void FormWaiting::stepProgress()
     if (bar->value() == bar->maximum()) {
         return;
     }
-    // A bar paints each new value before it returns, unless it may not. It may again at once, for whatever else has it
-    // painted; setUpdatesEnabled() would ask for that itself.
+    // A bar paints each new value before setValue() returns, unless its updates are off. They are switched by the
+    // attribute, since setUpdatesEnabled() asks for a painting of its own.
     bar->setAttribute(Qt::WA_UpdatesDisabled);
     bar->setValue(bar->value() + 1);
     bar->setAttribute(Qt::WA_UpdatesDisabled, false);

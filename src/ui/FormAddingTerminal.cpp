@@ -42,6 +42,9 @@ FormAddingTerminal::FormAddingTerminal(QSharedPointer<RelayInfo> info, QWidget* 
                {ui->labelOutput2, ui->lineEditOutput2},
                {ui->labelOutput3, ui->lineEditOutput3},
                {ui->labelOutput4, ui->lineEditOutput4}};
+    for (QComboBox* combo : {ui->comboBoxTerminals, ui->comboBoxAddress}) {
+        combo->setStyleSheet(QStringLiteral("combobox-popup: 0;"));
+    }
     setTexts();
     if (parent != nullptr) {
         parent->installEventFilter(this);
@@ -75,7 +78,7 @@ void FormAddingTerminal::addTerminal(bool first, const QString& name, const QStr
 
 bool FormAddingTerminal::eventFilter(QObject* watched, QEvent* event)
 {
-    // A window that is merely minimised is hidden by the platform, which is spontaneous.
+    // Minimising hides the window as well, but it is the platform that does it.
     if (event->type() == QEvent::Hide && !event->spontaneous()) {
         close();
     }

@@ -67,7 +67,7 @@ MainWindow::MainWindow(WindowSeams seams_, QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(texts::applicationTitle() + versionSuffix());
-    // Qt's own way out would first ask every other form to close, and the busy form never does.
+    // Qt's own way out would first ask every form that is still open to close, and stay if one refused.
     connect(qApp, &QGuiApplication::lastWindowClosed, this, [] { QCoreApplication::exit(0); });
     setUpWindow();
     setTexts();
@@ -123,8 +123,7 @@ void MainWindow::setUpScriptLists()
     QFont bold = ui->labelTitleParamRelay->font();
     bold.setBold(true);
     ui->labelTitleParamRelay->setFont(bold);
-    ui->labelTitleParamRelay->setStyleSheet(
-        QStringLiteral("text-align: center; background: rgb(220,220,220); padding-top: 5px; padding-bottom: 5px;"));
+    ui->labelTitleParamRelay->setStyleSheet(look::titleStyle(titleBackground()));
     scriptLists = new ScriptLists(relayInfo, ui->listWidgetAllScript, ui->listWidgetActivateScript, this);
     scriptLists->rebuildAll();
 }

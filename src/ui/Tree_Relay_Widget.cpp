@@ -192,7 +192,7 @@ void Tree_Relay_Widget::connectOutput(const OutputNode& node)
 {
     node.label->installEventFilter(this);
     node.edit->installEventFilter(this);
-    // The slots find their output by the sender, and only a connection that needs no function pointer suits both.
+    // By name, which tells the two signals currentIndexChanged() apart without a cast.
     connect(node.comboStartState, SIGNAL(currentIndexChanged(int)), this, // clazy:exclude=old-style-connect
             SLOT(sl_StartStateChanged(int)));
     connect(node.checkReturn, SIGNAL(clicked()), this, // clazy:exclude=old-style-connect

@@ -28,11 +28,14 @@ QString comboProperties(const QComboBox* combo, int row)
         .arg(row < 0 ? QStringLiteral("red") : rgba(combo->itemData(row, Qt::BackgroundRole).value<QColor>()));
 }
 
+QString titleStyle(const QString& background)
+{
+    return QStringLiteral("text-align: center; background: %1; padding-top: 5px; padding-bottom: 5px;").arg(background);
+}
+
 QString dockTitleStyle(const QString& background)
 {
-    return QStringLiteral("QDockWidget::title { text-align: center; background: %1; padding-top: 5px; "
-                          "padding-bottom: 5px;}")
-        .arg(background);
+    return QStringLiteral("QDockWidget::title { %1}").arg(titleStyle(background));
 }
 
 QString richText(const QString& text)

@@ -21,7 +21,10 @@ QString rgba(const QColor& color);
 /// that the list doesn't have, which is red.
 QString comboProperties(const QComboBox* combo, int row);
 
-/// Title of a dock and of the bars above the lists, on the given background text such as "rgb(220,220,220)".
+/// Style sheet of a title bar on a background such as "rgb(220,220,220)".
+QString titleStyle(const QString& background);
+
+/// The same for a dock, whose title it is.
 QString dockTitleStyle(const QString& background);
 
 /// A text that a user typed, as part of rich text: markup is shown as it is written, and words that are too long for a

@@ -6,6 +6,8 @@
 #include "support/OrdinaryUser.h"
 #include "support/ScriptedDialogs.h"
 
+std::optional<FirmwareFile> readFirmwareFile(QFile& file, QWidget* parent, Dialogs& dialogs);
+
 class tst_FirmwareFile : public QObject
 {
     Q_OBJECT
