@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QList>
 #include <QTreeWidget>
+
+class QPushButton;
+struct GroupNode;
 
 /// A tree whose rows are live widgets: it reveals the frames (NodeFrame) that are in view, and those only. Rows may
 /// hold other widgets as well; they are shown at once. A gap below each row keeps the frames apart.
@@ -12,6 +16,15 @@ public:
     static constexpr int gap = 3;
 
     explicit NodeTree(QWidget* parent = nullptr);
+
+    /// Adds the items of a node at the end, with their frames.
+    void addNode(const GroupNode& node);
+
+    /// Gives the rows of all terminals one height, and those of all outputs another: those of the first of them.
+    void levelRows(const QList<GroupNode>& nodes);
+
+    /// Adds a row with nothing but a button, which can't be selected.
+    QPushButton* addButtonRow(const QString& text);
 
 protected:
     void updateEditorGeometries() override;

@@ -25,6 +25,16 @@
 namespace
 {
 
+QString groupTitle(const GroupRelay& group)
+{
+    return terminalTitle(group.name, group.address);
+}
+
+QString outputTitle(const RelayInformation& relay)
+{
+    return numberedName(relay.name, relay.number);
+}
+
 /// A widget that has the font already is left alone: a combo box that is told its font builds its list at once.
 void setNodeFont(QWidget* widget)
 {
@@ -223,14 +233,23 @@ void discard(const GroupNode& node)
     }
 }
 
-QString groupTitle(const GroupRelay& group)
+NodeName nameAt(const QList<GroupNode>& nodes, const NodePlace& place)
 {
-    return terminalTitle(group.name, group.address);
+    if (place.node < 0 || place.node >= nodes.size()) {
+        return {};
+    }
+    const GroupNode& node = nodes.at(place.node);
+    if (place.output < 0) {
+        return {node.label, node.edit, &node.group->name};
+    }
+    const OutputNode& output = node.outputs.at(place.output);
+    return output.relay ? NodeName{output.label, output.edit, &output.relay->name} : NodeName();
 }
 
-QString outputTitle(const RelayInformation& relay)
+QString titleAt(const QList<GroupNode>& nodes, const NodePlace& place)
 {
-    return numberedName(relay.name, relay.number);
+    const GroupNode& node = nodes.at(place.node);
+    return place.output < 0 ? groupTitle(*node.group) : outputTitle(*node.outputs.at(place.output).relay);
 }
 
 void paintGroup(const GroupNode& node)

@@ -42,6 +42,21 @@ struct GroupNode
     RelayInformationPtr firstRelay() const; ///< null where there is no output
 };
 
+/// Where something stands among the nodes; an output of -1 is the terminal itself, a node of -1 nothing at all.
+struct NodePlace
+{
+    int node = -1;
+    int output = -1;
+};
+
+/// A name in the tree: its widgets and the field of the record. All null where there is no such thing.
+struct NodeName
+{
+    QLabel* label = nullptr;
+    QLineEdit* edit = nullptr;
+    QString* text = nullptr;
+};
+
 /// Making and painting the widgets of the tree's nodes. The items that are made belong to no one until they are placed
 /// in a tree; discard() ends those that never were, with their frames.
 namespace treeNodes
@@ -53,8 +68,26 @@ OutputNode makeOutputNode(const RelayInformationPtr& relay, const ParamItems& ou
 void postponePolish(const GroupNode& node); ///< until the widgets are shown
 void discard(const GroupNode& node);
 
-QString groupTitle(const GroupRelay& group);
-QString outputTitle(const RelayInformation& relay);
+/// The first terminal or output for which a function of either kind of node is true.
+template <typename Match>
+NodePlace find(const QList<GroupNode>& nodes, Match matches)
+{
+    for (int n = 0; n < nodes.size(); ++n) {
+        const GroupNode& node = nodes.at(n);
+        if (matches(node)) {
+            return {n, -1};
+        }
+        for (int o = 0; o < node.outputs.size(); ++o) {
+            if (matches(node.outputs.at(o))) {
+                return {n, o};
+            }
+        }
+    }
+    return {};
+}
+
+NodeName nameAt(const QList<GroupNode>& nodes, const NodePlace& place);
+QString titleAt(const QList<GroupNode>& nodes, const NodePlace& place); ///< the name as it is shown
 
 void paintGroup(const GroupNode& node);
 void paintOutput(const OutputNode& node);

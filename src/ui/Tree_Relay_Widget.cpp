@@ -6,34 +6,20 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDebug>
-#include <QFrame>
-#include <QHeaderView>
-#include <QIcon>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
-#include <QTreeWidget>
-#include <QVBoxLayout>
 
 #include "model/RelayInfo.h"
 #include "texts/texts.h"
-#include "ui/NodeFrame.h"
 #include "ui/NodeTree.h"
 #include "ui_Tree_Relay_Widget.h"
-#include "widgets/Look.h"
 
 namespace
 {
 
 // The head unit and 31 addresses of terminals.
 constexpr int maximumNodes = 32;
-
-bool isEnter(int key)
-{
-    return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
 
 } // namespace
 
@@ -59,7 +45,7 @@ void Tree_Relay_Widget::fullUpdateTree(bool focusHeadUnit)
     updateStructTree();
     fillTree();
     refreshTree();
-    levelRows();
+    ui->treeWidget->levelRows(nodes);
     for (const GroupNode& node : std::as_const(nodes)) {
         node.item->setExpanded(node.group->expand);
     }
@@ -153,39 +139,15 @@ void Tree_Relay_Widget::fillTree()
 {
     ui->treeWidget->clear();
     for (const GroupNode& node : std::as_const(nodes)) {
-        ui->treeWidget->addTopLevelItem(node.item);
-        ui->treeWidget->setItemWidget(node.item, 0, node.frame);
+        ui->treeWidget->addNode(node);
         node.label->installEventFilter(this);
         node.edit->installEventFilter(this);
-        for (const OutputNode& output : node.outputs) {
-            ui->treeWidget->setItemWidget(output.item, 0, output.frame);
-            connectOutput(output);
-        }
+        std::for_each(node.outputs.cbegin(), node.outputs.cend(),
+                      [this](const OutputNode& output) { connectOutput(output); });
     }
     if (nodes.size() < maximumNodes) {
         addButtonRow();
     }
-}
-
-/// The first terminal and the first output give the rows of their kind their size.
-void Tree_Relay_Widget::levelRows()
-{
-    QSize group(0, 0);
-    QSize output(0, 0);
-    for (const GroupNode& node : std::as_const(nodes)) {
-        if (group.isNull()) {
-            group = treeNodes::rowSize(node.frame, node.label, node.edit);
-        }
-        node.frame->setRowHeight(group.height() + NodeTree::gap);
-        for (const OutputNode& outputNode : node.outputs) {
-            if (output.isNull()) {
-                output = treeNodes::rowSize(outputNode.frame, outputNode.label, outputNode.edit);
-            }
-            outputNode.frame->setRowHeight(output.height() + NodeTree::gap);
-        }
-    }
-    // In a dock that is too narrow the tree scrolls sideways rather than cut the rows.
-    ui->treeWidget->header()->setMinimumSectionSize(output.width() + 2 * ui->treeWidget->indentation());
 }
 
 void Tree_Relay_Widget::connectOutput(const OutputNode& node)
@@ -201,19 +163,8 @@ void Tree_Relay_Widget::connectOutput(const OutputNode& node)
 
 void Tree_Relay_Widget::addButtonRow()
 {
-    auto* item = new QTreeWidgetItem(ui->treeWidget);
-    item->setFlags(Qt::ItemIsEnabled);
-    auto* frame = new QFrame;
-    auto* layout = new QVBoxLayout(frame);
-    layout->setContentsMargins(0, 9, 0, 3);
-    auto* button = new QPushButton(QIcon(QStringLiteral(":/icons/icons/add.png")), texts::treeAddTerminal());
-    button->setObjectName(QStringLiteral("pushButtonAddGroup"));
-    button->setFont(look::applicationFont());
-    button->setMaximumWidth(140);
-    button->setMinimumHeight(35);
-    layout->addWidget(button);
-    ui->treeWidget->setItemWidget(item, 0, frame);
-    connect(button, &QPushButton::clicked, this, &Tree_Relay_Widget::sl_pushButtonAddGroup_clicked);
+    connect(ui->treeWidget->addButtonRow(texts::treeAddTerminal()), &QPushButton::clicked, this,
+            &Tree_Relay_Widget::sl_pushButtonAddGroup_clicked);
 }
 
 void Tree_Relay_Widget::refreshTree()
@@ -390,159 +341,4 @@ const OutputNode* Tree_Relay_Widget::senderOutput(const QObject* control) const
         }
     }
     return nullptr;
-}
-
-template <typename Match>
-Tree_Relay_Widget::Place Tree_Relay_Widget::findPlace(Match matches) const
-{
-    for (int n = 0; n < nodes.size(); ++n) {
-        const GroupNode& node = nodes.at(n);
-        if (matches(node)) {
-            return {n, -1};
-        }
-        for (int o = 0; o < node.outputs.size(); ++o) {
-            if (matches(node.outputs.at(o))) {
-                return {n, o};
-            }
-        }
-    }
-    return {};
-}
-
-void Tree_Relay_Widget::sl_prepareMenu(const QPoint& pos)
-{
-    const QTreeWidgetItem* item = ui->treeWidget->itemAt(pos);
-    if (item == nullptr) {
-        return;
-    }
-    const Place place = findPlace([item](const auto& node) { return node.item == item; });
-    if (place.node < 0) {
-        return;
-    }
-    menuGroup = nodes.at(place.node).group;
-    renameGroup = place.node;
-    renameOutput = place.output;
-    menuKeyHeld = false;
-
-    QMenu menu(this);
-    menu.setStyleSheet(QStringLiteral("selection-background-color: rgba(0, 0, 255, 30); selection-color: black;"));
-    menu.installEventFilter(this);
-    const QIcon deleteIcon(QStringLiteral(":/icons/icons/delete.png"));
-    menu.addAction(deleteIcon, texts::treeHideTerminal(), this, [this] { emit sig_deleteGroupRelay(menuGroup); });
-    menu.addAction(deleteIcon, texts::treeHideDisconnected(), this,
-                   &Tree_Relay_Widget::sig_deleteDisconnectedGroupRelays);
-    menu.addAction(QIcon(QStringLiteral(":/icons/icons/rename.png")),
-                   place.output < 0 ? texts::treeRenameTerminal() : texts::treeRenameOutput(), this,
-                   &Tree_Relay_Widget::sl_RunRename);
-    menu.exec(ui->treeWidget->viewport()->mapToGlobal(pos));
-}
-
-void Tree_Relay_Widget::sl_RunRename()
-{
-    const Name name = nameAt({renameGroup, renameOutput});
-    if (name.text == nullptr) {
-        return;
-    }
-    name.label->hide();
-    name.edit->setText(*name.text);
-    name.edit->show();
-    name.edit->setFocus(Qt::OtherFocusReason);
-}
-
-Tree_Relay_Widget::Name Tree_Relay_Widget::nameAt(const Place& place) const
-{
-    if (place.node < 0 || place.node >= nodes.size()) {
-        return {};
-    }
-    const GroupNode& node = nodes.at(place.node);
-    if (place.output < 0) {
-        return {node.label, node.edit, &node.group->name};
-    }
-    const OutputNode& output = node.outputs.at(place.output);
-    return output.relay ? Name{output.label, output.edit, &output.relay->name} : Name();
-}
-
-bool Tree_Relay_Widget::eventFilter(QObject* watched, QEvent* event)
-{
-    switch (event->type()) {
-    case QEvent::MouseButtonDblClick: {
-        const Place place = findPlace([watched](const auto& node) { return node.label == watched; });
-        if (place.output >= 0) {
-            renameGroup = place.node;
-            renameOutput = place.output;
-            sl_RunRename();
-        }
-        break;
-    }
-    case QEvent::FocusOut:
-        // The edit's own menu, for a paste, must not take the edit away.
-        if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
-            endRename(placeOfEdit(watched));
-        }
-        break;
-    case QEvent::KeyPress: {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (!key->isAutoRepeat()) {
-            menuKeyHeld = isEnter(key->key()) && qobject_cast<QMenu*>(watched) != nullptr;
-        }
-        break;
-    }
-    case QEvent::KeyRelease:
-        keyReleased(placeOfEdit(watched), static_cast<QKeyEvent*>(event));
-        break;
-    default:
-        break;
-    }
-    return false;
-}
-
-Tree_Relay_Widget::Place Tree_Relay_Widget::placeOfEdit(const QObject* edit) const
-{
-    return findPlace([edit](const auto& node) { return node.edit == edit; });
-}
-
-void Tree_Relay_Widget::keyReleased(const Place& place, const QKeyEvent* event)
-{
-    const Name name = nameAt(place);
-    if (name.text == nullptr) {
-        return;
-    }
-    if (!isEnter(event->key())) {
-        storeName(place, name);
-    } else if (!menuKeyHeld) {
-        ui->treeWidget->setFocus(Qt::OtherFocusReason);
-    } else if (!event->isAutoRepeat()) {
-        menuKeyHeld = false;
-    }
-}
-
-/// A name that is being edited when the nodes change, whichever it is.
-void Tree_Relay_Widget::endRename()
-{
-    endRename(findPlace([](const auto& node) { return !node.edit->isHidden(); }));
-    renameGroup = -1;
-    renameOutput = -1;
-}
-
-void Tree_Relay_Widget::endRename(const Place& place)
-{
-    const Name name = nameAt(place);
-    if (name.text == nullptr) {
-        return;
-    }
-    // What came in without a key of its own, by the mouse or an input method, counts as well.
-    if (name.edit->isVisibleTo(this) && name.edit->text() != *name.text) {
-        storeName(place, name);
-    }
-    name.edit->hide();
-    name.label->show();
-}
-
-void Tree_Relay_Widget::storeName(const Place& place, const Name& name)
-{
-    *name.text = name.edit->text();
-    const GroupNode& node = nodes.at(place.node);
-    name.label->setText(place.output < 0 ? treeNodes::groupTitle(*node.group)
-                                         : treeNodes::outputTitle(*node.outputs.at(place.output).relay));
-    emit sig_changeNameDevOrOutput();
 }

@@ -72,25 +72,7 @@ signals:
     void sig_changeNameDevOrOutput(); ///< with each key of a new name
 
 private:
-    /// Where something stands in the nodes; an output of -1 is the terminal itself, a node of -1 nothing at all.
-    struct Place
-    {
-        int node = -1;
-        int output = -1;
-    };
-
-    /// A name in the tree: its widgets and the field of the record. All null where there is no such thing.
-    struct Name
-    {
-        QLabel* label = nullptr;
-        QLineEdit* edit = nullptr;
-        QString* text = nullptr;
-    };
-
-    template <typename Match>
-    Place findPlace(Match matches) const;
-    Place placeOfEdit(const QObject* edit) const;
-    Name nameAt(const Place& place) const;
+    NodePlace placeOfEdit(const QObject* edit) const;
     const OutputNode* senderOutput(const QObject* control) const;
 
     void storeExpanded();
@@ -100,15 +82,14 @@ private:
     void fillTree();
     void connectOutput(const OutputNode& node);
     void addButtonRow();
-    void levelRows();
     void scrollToCurrentGroup();
     void selectGroup(const GroupNode& node);
     void selectOutput(const GroupNode& node, const OutputNode& output);
     void workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group);
     static void repaintOutputs(const GroupNode& node);
-    void keyReleased(const Place& place, const QKeyEvent* event);
-    void endRename(const Place& place);
-    void storeName(const Place& place, const Name& name);
+    void keyReleased(const NodePlace& place, const QKeyEvent* event);
+    void endRename(const NodePlace& place);
+    void storeName(const NodePlace& place, const NodeName& name);
 
     std::unique_ptr<Ui::Tree_Relay_Widget> ui;
     QSharedPointer<RelayInfo> m_info;
