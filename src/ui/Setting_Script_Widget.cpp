@@ -1,6 +1,6 @@
 #include "ui/Setting_Script_Widget.h"
 
-#include <QAbstractItemView>
+#include <QListView>
 #include <QPushButton>
 #include <QWheelEvent>
 
@@ -82,6 +82,9 @@ void Setting_Script_Widget::connectControls()
         if (combo != nullptr) {
             // The style took them for menus before their sheets made them lists, and menus have no scroll bar.
             combo->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+            // Each new colour of a combo lays its list out again, and measures all rows unless they are told to be
+            // alike.
+            qobject_cast<QListView*>(combo->view())->setUniformItemSizes(true);
         }
         field->installEventFilter(this);
         if (field->focusProxy() == nullptr) {

@@ -1,6 +1,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaMethod>
+#include <QListView>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -49,6 +50,7 @@ private slots:
     void wheelScrollsThePanelAndEditsNothing();
     void tabWalksFromTopToBottom();
     void panelFitsALowScreen();
+    void rowsOfAListAreAlikeAndMeasuredOnce();
 
 private:
     std::unique_ptr<ShownEditor> shown;
@@ -582,6 +584,18 @@ void tst_Setting_Script_Widget::panelFitsALowScreen()
 {
     QVERIFY(shown->editor->minimumSizeHint().height() < 400);
     QVERIFY(shown->editor->minimumSizeHint().width() < 420);
+}
+
+void tst_Setting_Script_Widget::rowsOfAListAreAlikeAndMeasuredOnce()
+{
+    shown->open();
+    for (const QComboBox* combo : shown->all<QComboBox>()) {
+        auto* const list = qobject_cast<QListView*>(combo->view());
+        QVERIFY2(list->uniformItemSizes(), qPrintable(combo->objectName()));
+        for (int row = 1; row < combo->count(); ++row) {
+            QCOMPARE(list->sizeHintForRow(row), list->sizeHintForRow(0));
+        }
+    }
 }
 
 QTEST_MAIN(tst_Setting_Script_Widget)
