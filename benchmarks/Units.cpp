@@ -62,8 +62,10 @@ QSharedPointer<RelayInfo> fullModel(int outputsOfTerminal)
         script->stateChannel = model->stateChannelAt(random.bounded(model->stateChannels().size()));
         script->mode = model->modeAt(random.bounded(model->modes().size()));
         script->stateTerminal = model->terminalStates();
-        for (bool& listens : script->addressFilter) {
-            listens = random.bounded(2) == 1;
+        for (QList<bool>* const flags : {&script->addressFilter, &script->activateFilter, &script->daysOfWeek}) {
+            for (bool& flag : *flags) {
+                flag = random.bounded(2) == 1;
+            }
         }
         script->notActive = false;
     }
