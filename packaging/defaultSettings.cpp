@@ -1,5 +1,6 @@
 #include "defaultSettings.h"
 
+#include "domain/terminals.h"
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "model/tables.h"
@@ -9,21 +10,14 @@ namespace
 
 constexpr quint8 anyFault = 0x7E; ///< all fault bits of a terminal
 
-enum Class : quint8
-{
-    Sensor = 1,
-    PanicButton = 3,
-    Analog = 4
-};
-
 /// One script as it is written down here. The channel state is the one that the class reports under the code.
 struct Script
 {
     const char* name;
     quint8 mode;
     quint8 duration;
-    Class terminalClass;
-    quint8 state; ///< 255: faults of any terminal instead
+    TerminalClass terminalClass;
+    quint8 state; ///< ParamItem::NotActive: faults of any terminal instead
 };
 
 /// One output of the head unit with the positions of its scripts.
@@ -34,15 +28,15 @@ struct Output
 };
 
 constexpr Script scripts[] = {
-    {"Fire alarm: siren", 3, 0, Sensor, 1},
-    {"Alarm button: siren", 3, 0, PanicButton, 0x01},
-    {"High level alarm: siren", 2, 0, Analog, 1},
-    {"Test button: siren for 3 seconds", 1, 3, PanicButton, 0x08},
-    {"Fault of a terminal: fault lamp", 1, 0, Sensor, 255},
-    {"Short of a loop: fault lamp", 2, 0, Sensor, 2},
-    {"Tamper of a loop: fault lamp", 2, 0, Sensor, 3},
-    {"Arm button: armed lamp on", 1, 0, PanicButton, 0x02},
-    {"Disarm button: lamp and siren off", 0, 0, PanicButton, 0x04},
+    {"Fire alarm: siren", 3, 0, SensorClass, 1},
+    {"Alarm button: siren", 3, 0, InterfaceClass, 0x01},
+    {"High level alarm: siren", 2, 0, AnalogClass, 1},
+    {"Test button: siren for 3 seconds", 1, 3, InterfaceClass, 0x08},
+    {"Fault of a terminal: fault lamp", 1, 0, SensorClass, ParamItem::NotActive},
+    {"Short of a loop: fault lamp", 2, 0, SensorClass, 2},
+    {"Tamper of a loop: fault lamp", 2, 0, SensorClass, 3},
+    {"Arm button: armed lamp on", 1, 0, InterfaceClass, 0x02},
+    {"Disarm button: lamp and siren off", 0, 0, InterfaceClass, 0x04},
 };
 
 void fillScript(const RelayInfo& model, const Script& from, ScriptInfo& script)
@@ -50,11 +44,11 @@ void fillScript(const RelayInfo& model, const Script& from, ScriptInfo& script)
     script.name = QString::fromLatin1(from.name);
     script.mode = findByCode(model.modes(), from.mode);
     script.duration = findByCode(model.durations(), from.duration);
-    if (from.state == 255) {
+    if (from.state == ParamItem::NotActive) {
         scriptRules::setTerminalStates(script, rowsOfMask(model.terminalStates(), anyFault));
         return;
     }
-    script.activateFilter[0] = true;
+    script.activateFilter[ScriptInfo::ByType] = true;
     script.terminalFilter->terminalClass = from.terminalClass;
     scriptRules::setStateChannel(script, scriptRules::makeOtherState(from.state), scriptRules::TypeFilter::Keep);
     scriptRules::adaptStateToFilter(script, model.stateChannels());
