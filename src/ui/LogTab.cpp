@@ -44,12 +44,6 @@ void LogTab::startDataBase()
     connect(&dataBaseThread, &QThread::started, dataBase, &DataBase::sl_connectToDataBase);
     connect(&dataBaseThread, &QThread::finished, dataBase, &DataBase::sl_closeDataBase);
 
-    connect(this, &LogTab::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
-    connect(this, &LogTab::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
-    connect(this, &LogTab::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
-    connect(this, &LogTab::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
-    connect(this, &LogTab::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
-
     connect(dataBase, &DataBase::sig_ResultConnectDB, this, &LogTab::sl_SettingModel);
     connect(dataBase, &DataBase::sig_ResultInsertIntoTable, this, &LogTab::sl_InsertNextPartEvents);
     connect(dataBase, &DataBase::sig_RefreshComplete, this, &LogTab::sl_setStatusLog);
@@ -58,6 +52,11 @@ void LogTab::startDataBase()
     connect(dataBase, &DataBase::sig_MessageForForm, this, &LogTab::newResult);
 
     changeModel([this] { dataBaseThread.start(); });
+}
+
+DataBase* LogTab::database() const
+{
+    return dataBase;
 }
 
 void LogTab::inOrder(const std::function<void()>& request)

@@ -52,6 +52,9 @@ public:
     /// Wires the database worker and starts its thread. Called once.
     void startDataBase();
 
+    /// The worker, on its own thread.
+    DataBase* database() const;
+
     void readLog();          ///< reads the unit's log whether it has changed or not
     void readLogIfChanged(); ///< reads it if its counter has moved since the last reading
 
@@ -64,7 +67,7 @@ signals:
     void forceReading(); ///< the next reading must not find the log unchanged
     void sig_HideFormWaiting();
 
-    // To the database worker.
+    // To the database worker, to which whoever owns the tab connects them.
     void sig_insertDataToTable(const QList<EventOfTable>& rows);
     void sig_refreshTable();
     void sig_deleteDataFromTable();

@@ -170,6 +170,13 @@ void MainWindow::setUpLog()
     connect(tab, &LogTab::sig_deleteDataFromTable, this, &MainWindow::sig_deleteDataFromTable);
     connect(tab, &LogTab::sig_LoadOtherDB, this, &MainWindow::sig_LoadOtherDB);
     connect(tab, &LogTab::sig_SaveOtherDB, this, &MainWindow::sig_SaveOtherDB);
+    // The window's own requests reach the database as the tab's do.
+    const DataBase* const dataBase = tab->database();
+    connect(this, &MainWindow::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
+    connect(this, &MainWindow::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
+    connect(this, &MainWindow::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
+    connect(this, &MainWindow::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
+    connect(this, &MainWindow::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
     tab->startDataBase();
 }
 

@@ -42,6 +42,12 @@ public:
         resize(1000, 700);
         tab = std::make_unique<LogTab>(LogWidgets{this, view, countRows}, devices, dialogs);
         connect(tab.get(), &LogTab::forceReading, this, [this] { ++forcedReadings; });
+        const DataBase* const dataBase = tab->database();
+        connect(tab.get(), &LogTab::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
+        connect(tab.get(), &LogTab::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
+        connect(tab.get(), &LogTab::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
+        connect(tab.get(), &LogTab::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
+        connect(tab.get(), &LogTab::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
         connect(tab.get(), &LogTab::newResult, this, [this](const QString& text) { results.append(text); });
     }
     ~LogWindow() override = default;

@@ -34,6 +34,7 @@ private slots:
     void defaultSettingsAreHandedToTheDevice();
     void defaultSettingsWithoutAPortKeepTheirFirstLine();
     void missingDefaultSettingsLeaveWhatIsShown();
+    void requestsOfTheWindowReachTheDatabase();
 
 private:
     template <typename Widget>
@@ -210,6 +211,12 @@ void tst_windowFiles::missingDefaultSettingsLeaveWhatIsShown()
     QCOMPARE(dialogs->boxes.first().text, QStringLiteral("Default settings file is missing (DefaultSetting_EN.cfg)"));
     QCOMPARE(written.size(), 0);
     QCOMPARE(get<QTreeWidget>("treeWidget")->topLevelItemCount(), 3);
+}
+
+void tst_windowFiles::requestsOfTheWindowReachTheDatabase()
+{
+    emit window->sig_LoadOtherDB(QStringLiteral("no-such-log.db"));
+    QTRY_VERIFY(result().contains(QStringLiteral("no-such-log.db")));
 }
 
 QTEST_MAIN(tst_windowFiles)
