@@ -36,6 +36,7 @@ Setting_Script_Widget::Setting_Script_Widget(const QSharedPointer<RelayInfo>& in
 {
     connectSections();
     connectControls();
+    setUpFields();
 }
 
 Setting_Script_Widget::~Setting_Script_Widget() = default;
@@ -73,6 +74,11 @@ void Setting_Script_Widget::connectControls()
         connect(frame, &SpecialDateFrame::sig_changedValueMonth, this,
                 &Setting_Script_Widget::sl_comboBoxDateMonth_changed);
     }
+}
+
+/// The wheel neither gives a field the focus nor, without it, turns its value: eventFilter().
+void Setting_Script_Widget::setUpFields()
+{
     const QList<QWidget*> fields = findChildren<QWidget*>();
     for (QWidget* field : fields) {
         const auto* combo = qobject_cast<QComboBox*>(field);

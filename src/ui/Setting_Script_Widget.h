@@ -105,10 +105,11 @@ private slots:
 private:
     void connectSections();
     void connectControls();
+    void setUpFields();
     void announceTitle();
 
     std::unique_ptr<Ui::Setting_Script_Widget> ui;
-    QSharedPointer<RelayInfo> m_info;
+    const QSharedPointer<RelayInfo> m_info; ///< the sections use it as long as the panel lives
     ScriptInfoPtr script;
     GeneralSection* const general;
     TriggerSection* const trigger;

@@ -44,10 +44,14 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
               {ui.checkBoxSound, texts::featureSound()},
               {ui.checkBoxExternalPower, texts::featureExternalPower()},
               {ui.checkBoxBattery, texts::featureReservePower()}});
-    for (QLabel* title : {ui.titleClass, ui.titleVersion, ui.titleType, ui.titleDescription}) {
-        title->setStyleSheet(numberSheet(false));
-        title->setAlignment(Qt::AlignCenter);
-    }
+    setUpNumbers();
+    fillTypes();
+    ui.F_ManualType->setEnabled(false);
+    switched();
+}
+
+void TypeFilterSection::fillTypes()
+{
     const QSignalBlocker blocker(ui.comboBoxSelectType);
     setUpList(ui.comboBoxSelectType);
     const TerminalTypes types = model.terminalTypes();
@@ -55,7 +59,14 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
         addRow(ui.comboBoxSelectType, type->label, QString(), type->background, type->foreground);
     }
     ui.comboBoxSelectType->setCurrentIndex(-1);
+}
 
+void TypeFilterSection::setUpNumbers()
+{
+    for (QLabel* title : {ui.titleClass, ui.titleVersion, ui.titleType, ui.titleDescription}) {
+        title->setStyleSheet(numberSheet(false));
+        title->setAlignment(Qt::AlignCenter);
+    }
     auto* style = new PlainPartsStyle;
     style->setParent(this);
     for (const Number& number : numbers) {
@@ -68,8 +79,6 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
         feature.box->setStyle(style);
         featureClicked(feature.box);
     }
-    ui.F_ManualType->setEnabled(false);
-    switched();
 }
 
 /// A script that filters by numbers of its own gets them in a record of its own: the catalogue has a row of that label

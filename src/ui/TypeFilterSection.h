@@ -45,6 +45,8 @@ private:
         int bit; ///< of the type
     };
 
+    void fillTypes();
+    void setUpNumbers();
     void paintList();
     void showNumbers();
     bool ownNumbers() const;
