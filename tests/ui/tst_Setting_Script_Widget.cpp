@@ -1,7 +1,7 @@
 #include <QLabel>
 #include <QLineEdit>
-#include <QMetaMethod>
 #include <QListView>
+#include <QMetaMethod>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
