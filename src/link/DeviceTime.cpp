@@ -18,6 +18,11 @@ constexpr int Weekday = 4;
 constexpr int Month = 5;
 constexpr int Year = 6;
 
+char bcdByte(int value)
+{
+    return static_cast<char>(toBcd(static_cast<quint8>(value)));
+}
+
 QString twoDigits(const QByteArray& payload, int offset)
 {
     return QStringLiteral("%1").arg(fromBcd(static_cast<quint8>(payload.at(offset))), 2, 10, QLatin1Char('0'));
@@ -35,13 +40,13 @@ QString weekdayName(int day)
 QByteArray toBytes(const QDateTime& time)
 {
     QByteArray bytes(Year + 1, '\0');
-    bytes[Second] = toBcd(time.time().second());
-    bytes[Minute] = toBcd(time.time().minute());
-    bytes[Hour] = toBcd(time.time().hour());
-    bytes[Day] = toBcd(time.date().day());
+    bytes[Second] = bcdByte(time.time().second());
+    bytes[Minute] = bcdByte(time.time().minute());
+    bytes[Hour] = bcdByte(time.time().hour());
+    bytes[Day] = bcdByte(time.date().day());
     bytes[Weekday] = static_cast<char>(time.date().dayOfWeek() % 7);
-    bytes[Month] = toBcd(time.date().month());
-    bytes[Year] = toBcd(time.date().year() % 100);
+    bytes[Month] = bcdByte(time.date().month());
+    bytes[Year] = bcdByte(time.date().year() % 100);
     return bytes;
 }
 
