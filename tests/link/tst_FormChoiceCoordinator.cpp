@@ -1219,10 +1219,12 @@ void tst_FormChoiceCoordinator::anAutomaticSearchWaitsForTheLoadOfItsPort()
 {
     FormRecorder recorder({portA});
     Transmitter* const port = recorder.transmitters.at(0);
+    int answered = 0;
+    connect(port, &Transmitter::sig_SendAnswer, &recorder, [&answered] { ++answered; });
     recorder.form.sl_setStatePort(port, StateSearching);
     recorder.form.sl_receiveAnswer(port, answers::timedOut(recorder.sent.last().request));
     recorder.form.sl_receiveAnswer(port, answers::timedOut(recorder.sent.last().request));
-    QTest::qWait(100); // the worker's own answers to these requests
+    EVENTUALLY(answered == recorder.sent.size()); // the worker answers each of them as well
     recorder.take();
     recorder.form.setFirmwareRunner([&](const FirmwarePort&) {
         QTest::qWait(1500); // the search is due a second after the last one

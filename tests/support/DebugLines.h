@@ -11,6 +11,7 @@ class DebugLines
 public:
     DebugLines()
     {
+        const QMutexLocker locker(&mutex());
         instance() = this;
         previous = qInstallMessageHandler(&DebugLines::handle);
     }
@@ -18,6 +19,8 @@ public:
     ~DebugLines()
     {
         qInstallMessageHandler(previous);
+        // Another thread may be in the middle of a line.
+        const QMutexLocker locker(&mutex());
         instance() = nullptr;
     }
 
