@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QSet>
 
 #include "firmware/Loading.h"
 #include "firmware/protocol_boot.h"
@@ -144,7 +145,7 @@ private:
     UnitState makeState()
     {
         UnitState state = demoInstallation(random.generate(), 10 + random.bounded(60), now());
-        state.repeatsLostLogBlock = random.bounded(2) == 0;
+        state.repeatsLostLogBlock = false; // it takes what is late for lost
         return state;
     }
 
@@ -152,17 +153,27 @@ private:
     /// type.
     void beLate(const QVector<int>& types, int among)
     {
+        constexpr int longestRun = 4;
         QVector<UnitFault> faults;
+        QSet<QPair<int, int>> places; // two rules for one request would add up
         for (int count = random.bounded(1, 11); count > 0; --count) {
             UnitFault fault(UnitFault::DelayAnswer);
-            const int type = types.at(random.bounded(types.size()));
+            int type = types.at(random.bounded(types.size()));
+            int place = random.bounded(among / longestRun + 1);
             // A load has blocks, and requests around them.
             if (type == P::Switch_To_Boot && random.bounded(5) != 0) {
-                fault.onBoot(random.bounded(1, 7)).from(random.bounded(1, 12));
+                type = -random.bounded(1, 7);
+                place = random.bounded(3);
+                fault.onBoot(-type);
             } else {
-                fault.onRequest(type).from(random.bounded(1, among + 1));
+                fault.onRequest(type);
             }
-            faults.append(fault.times(random.bounded(1, 5)).value(random.bounded(125, 2001)));
+            if (!places.contains({type, place})) {
+                places.insert({type, place});
+                faults.append(fault.from(1 + place * longestRun)
+                                  .times(random.bounded(1, longestRun + 1))
+                                  .value(random.bounded(125, 2001)));
+            }
         }
         // What is refused for good has to be counted, whatever comes late beside it.
         if (types.contains(P::Write_Script)) {
