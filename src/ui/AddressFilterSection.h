@@ -10,7 +10,7 @@ class AddressFilterSection : public ScriptSection
     Q_OBJECT
 
 public:
-    AddressFilterSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent);
+    AddressFilterSection(const Ui::Setting_Script_Widget& form, const RelayInfo& relayInfo, QObject* parent);
 
     const QList<AddressButton>& buttons() const
     {

@@ -13,7 +13,7 @@ class TypeFilterSection : public ScriptSection
     Q_OBJECT
 
 public:
-    TypeFilterSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent);
+    TypeFilterSection(const Ui::Setting_Script_Widget& form, const RelayInfo& relayInfo, QObject* parent);
 
     void switched();
     void switchOff();
