@@ -1,6 +1,7 @@
 // What a step of the user costs in the whole window, over a unit of full size: from the click until all of it is on the
 // screen. A part of the window alone would be faster, since all parts share one layout and one style.
 
+#include <memory>
 #include <vector>
 
 #include <QApplication>
@@ -94,14 +95,15 @@ Figure terminalHidden(FullWindow& full)
 {
     Tree_Relay_Widget* const panel = full.panel;
     short address = 0;
-    QSharedPointer<GroupRelay> chosen;
+    const auto chosen = std::make_shared<QSharedPointer<GroupRelay>>();
     const QObject listener;
-    QObject::connect(
-        panel, &Tree_Relay_Widget::sig_changeRelay, &listener,
-        [&](const QSharedPointer<RelayInformation>&, const QSharedPointer<GroupRelay>& group) { chosen = group; });
+    QObject::connect(panel, &Tree_Relay_Widget::sig_changeRelay, &listener,
+                     [chosen](const QSharedPointer<RelayInformation>&, const QSharedPointer<GroupRelay>& group) {
+                         *chosen = group;
+                     });
     return untilPainted(
         QStringLiteral("a terminal of 31 open ones hidden, until painted"), 30, 33,
-        [&](int) { emit panel->sig_deleteGroupRelay(chosen); },
+        [&](int) { emit panel->sig_deleteGroupRelay(*chosen); },
         [&](int i) {
             if (i > 0) {
                 panel->sl_CreateNewGroupAndRelays(QStringLiteral("Terminal"), address,
@@ -110,7 +112,7 @@ Figure terminalHidden(FullWindow& full)
             }
             QTreeWidgetItem* const item = full.tree->topLevelItem(FullWindow::Terminals / 2);
             full.tree->setCurrentItem(item);
-            address = static_cast<short>(chosen->address);
+            address = static_cast<short>((*chosen)->address);
         });
 }
 

@@ -54,22 +54,26 @@ void Setting_Script_Widget::connectSections()
 
 void Setting_Script_Widget::connectControls()
 {
-    for (const QPushButton* button : trigger->channels()) {
+    const auto channels = trigger->channels();
+    for (const QPushButton* button : channels) {
         connect(button, &QPushButton::clicked, this, &Setting_Script_Widget::sl_buttonChannel_clicked);
     }
     for (const AddressButton& entry : addressFilter->buttons()) {
         connect(entry.button, &QPushButton::clicked, this, &Setting_Script_Widget::sl_addressButton_clicked);
     }
-    for (const QCheckBox* box : periods->days()) {
+    const auto days = periods->days();
+    for (const QCheckBox* box : days) {
         connect(box, &QCheckBox::clicked, this, &Setting_Script_Widget::sl_checkBoxDayOfWeek_clicked);
     }
-    for (const SpecialTimeFrame* frame : periods->times()) {
+    const auto times = periods->times();
+    for (const SpecialTimeFrame* frame : times) {
         connect(frame, &SpecialTimeFrame::sig_changedIndexMinute, this,
                 &Setting_Script_Widget::sl_spinBoxTimeMinute_changed);
         connect(frame, &SpecialTimeFrame::sig_changedIndexHour, this,
                 &Setting_Script_Widget::sl_spinBoxTimeHour_changed);
     }
-    for (const SpecialDateFrame* frame : periods->dates()) {
+    const auto dates = periods->dates();
+    for (const SpecialDateFrame* frame : dates) {
         connect(frame, &SpecialDateFrame::sig_changedValueDay, this, &Setting_Script_Widget::sl_spinBoxDateDay_changed);
         connect(frame, &SpecialDateFrame::sig_changedValueMonth, this,
                 &Setting_Script_Widget::sl_comboBoxDateMonth_changed);

@@ -416,7 +416,8 @@ void tst_Loading::escapeLeavesARunAlone()
 {
     Bench bench;
     bench.runTo(5);
-    for (QWidget* receiver : {static_cast<QWidget*>(bench.dialog), static_cast<QWidget*>(bench.abortButton())}) {
+    QWidget* const receivers[] = {bench.dialog, bench.abortButton()};
+    for (QWidget* receiver : receivers) {
         QTest::keyClick(receiver, Qt::Key_Escape);
         QVERIFY(bench.dialog->isVisible());
         QCOMPARE(bench.abortButton()->text(), QStringLiteral("Abort"));

@@ -4,6 +4,8 @@
 #include <QScrollBar>
 #include <QtTest>
 
+#include <memory>
+
 #include "Answers.h"
 #include "FormRecorder.h"
 #include "link/CoordinatorSearch.h"
@@ -1219,12 +1221,12 @@ void tst_FormChoiceCoordinator::anAutomaticSearchWaitsForTheLoadOfItsPort()
 {
     FormRecorder recorder({portA});
     Transmitter* const port = recorder.transmitters.at(0);
-    int answered = 0;
-    connect(port, &Transmitter::sig_SendAnswer, &recorder, [&answered] { ++answered; });
+    const auto answered = std::make_shared<int>(0);
+    connect(port, &Transmitter::sig_SendAnswer, &recorder, [answered] { ++*answered; });
     recorder.form.sl_setStatePort(port, StateSearching);
     recorder.form.sl_receiveAnswer(port, answers::timedOut(recorder.sent.last().request));
     recorder.form.sl_receiveAnswer(port, answers::timedOut(recorder.sent.last().request));
-    EVENTUALLY(answered == recorder.sent.size()); // the worker answers each of them as well
+    EVENTUALLY(*answered == recorder.sent.size()); // the worker answers each of them as well
     recorder.take();
     recorder.form.setFirmwareRunner([&](const FirmwarePort&) {
         QTest::qWait(1500); // the search is due a second after the last one

@@ -730,7 +730,8 @@ void tst_records::everyNumberBelowZeroIsTakenBackAsOneOfTwoDigits()
         script->timeFilter = {number, number, number, number};
         script->dateFilter = {number, number, number, number};
         model->readScriptRecords(model->makeScriptRecords());
-        for (const int taken : script->timeFilter + script->dateFilter) {
+        const QList<int> numbers = script->timeFilter + script->dateFilter;
+        for (const int taken : numbers) {
             QVERIFY2(taken >= 0 && taken <= 99, qPrintable(QString::number(number)));
         }
         const QByteArray settled = model->makeScriptRecords().at(0);

@@ -237,8 +237,8 @@ void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown()
 
 void tst_MainWindow::forms_that_block_the_window_offer_no_minimising()
 {
-    for (const QWidget* blocking :
-         {static_cast<QWidget*>(form()), static_cast<QWidget*>(window->findChild<FormWaiting*>())}) {
+    const QWidget* const blockingForms[] = {form(), window->findChild<FormWaiting*>()};
+    for (const QWidget* blocking : blockingForms) {
         const Qt::WindowFlags flags = blocking->windowFlags();
         QVERIFY((flags & Qt::WindowMinMaxButtonsHint) == 0);
         // On X11 the title alone would mean all buttons.
