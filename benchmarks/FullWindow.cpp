@@ -12,7 +12,7 @@
 #include "benchmarks/Units.h"
 #include "link/FormChoiceCoordinator.h"
 #include "model/RelayInfo.h"
-#include "ui/Tree_Relay_Widget.h"
+#include "ui/tree/Tree_Relay_Widget.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 class QListWidget;
 class QTableView;

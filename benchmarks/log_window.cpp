@@ -14,7 +14,7 @@
 #include "benchmarks/StandstillWatch.h"
 #include "benchmarks/Units.h"
 #include "simulator/UnitSimulator.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 int main(int argc, char* argv[])
 {

@@ -16,7 +16,7 @@
 #include "benchmarks/Figures.h"
 #include "benchmarks/FullWindow.h"
 #include "model/GroupRelay.h"
-#include "ui/Tree_Relay_Widget.h"
+#include "ui/tree/Tree_Relay_Widget.h"
 
 namespace
 {

@@ -12,8 +12,8 @@
 #include "benchmarks/Units.h"
 #include "model/RelayInfo.h"
 #include "simulator/UnitSimulator.h"
-#include "ui/MainWindow.h"
-#include "ui/Tree_Relay_Widget.h"
+#include "ui/window/MainWindow.h"
+#include "ui/tree/Tree_Relay_Widget.h"
 
 namespace
 {

@@ -8,7 +8,7 @@
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
 #include "texts/texts.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 namespace
 {

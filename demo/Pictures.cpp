@@ -12,8 +12,8 @@
 #include "ChainWatch.h"
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
-#include "ui/FormAddingTerminal.h"
-#include "ui/MainWindow.h"
+#include "ui/tree/FormAddingTerminal.h"
+#include "ui/window/MainWindow.h"
 
 namespace
 {

@@ -13,7 +13,7 @@
 #include "simulator/DemoInstallation.h"
 #include "simulator/UnitClock.h"
 #include "simulator/UnitSimulator.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 #include <QApplication>
 
 #include "link/endProcess.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 int main(int argc, char* argv[])
 {

@@ -19,7 +19,7 @@
 #include "simulator/LogGenerator.h"
 #include "simulator/UnitSimulator.h"
 #include "support/ScriptedDialogs.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 namespace
 {

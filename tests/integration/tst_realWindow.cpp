@@ -12,7 +12,7 @@
 
 #include "model/RelayInfo.h"
 #include "support/WindowOverUnit.h"
-#include "ui/FormAddingTerminal.h"
+#include "ui/tree/FormAddingTerminal.h"
 
 /// One round of work in a window on an X display, done by mouse and keyboard alone: every event comes from the X
 /// server, where xdotool puts it, and not from the program.

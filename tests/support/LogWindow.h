@@ -10,7 +10,7 @@
 
 #include "model/Device.h"
 #include "support/ScriptedDialogs.h"
-#include "ui/LogTab.h"
+#include "ui/log/LogTab.h"
 
 /// A table view of which another thread may ask whether it has a model.
 class WatchedTableView : public QTableView

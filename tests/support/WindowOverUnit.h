@@ -16,7 +16,7 @@
 #include "simulator/UnitSimulator.h"
 #include "support/ScriptedDialogs.h"
 #include "texts/texts.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 /// The main window over a simulated unit, its only port, with what tests ask of the two.
 class WindowOverUnit

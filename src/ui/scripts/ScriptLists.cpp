@@ -1,0 +1,362 @@
+#include "ui/scripts/ScriptLists.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QAbstractItemView>
+#include <QEvent>
+#include <QFontMetrics>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QListWidget>
+#include <QListWidgetItem>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QStyledItemDelegate>
+
+#include "model/RelayInfo.h"
+#include "model/tables.h"
+#include "ui/scripts/ScriptSummary.h"
+#include "widgets/ElidedLabel.h"
+#include "widgets/Look.h"
+
+namespace
+{
+
+constexpr int rowPadding = 3;
+
+/// The number counts from one and takes the room of two digits, so that the names of all rows begin alike.
+QString rowText(const ScriptInfo& script)
+{
+    return QStringLiteral("%1. %2").arg(QString::number(script.number + 1).rightJustified(2), script.name);
+}
+
+QString indentedRowText(const ScriptInfo& script)
+{
+    return QLatin1Char(' ') + rowText(script);
+}
+
+QString rowColor(const ScriptInfo& script)
+{
+    return look::rgba(script.notActive || !script.mode ? unsetColor() : script.mode->background);
+}
+
+void showRow(QLabel* label, const QString& text, const QString& color)
+{
+    const QString sheet =
+        QStringLiteral("QLabel{background-color: %1;} QToolTip {background-color: #F4F4F4}").arg(color);
+    label->setText(text);
+    look::applyStyleSheet(label, sheet);
+}
+
+/// Gives a row that is being dragged the look of its label, which the list itself doesn't draw.
+class RowDelegate : public QStyledItemDelegate
+{
+public:
+    explicit RowDelegate(QListWidget* parentList) : QStyledItemDelegate(parentList), list(parentList)
+    {
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        QWidget* label = list->indexWidget(index);
+        if (label != nullptr && painter->device()->devType() == QInternal::Pixmap) {
+            painter->drawPixmap(option.rect.topLeft(), label->grab());
+        }
+    }
+
+private:
+    QListWidget* list;
+};
+
+} // namespace
+
+bool ScriptLists::ScriptEntry::has(const QObject* part) const
+{
+    return label == part;
+}
+
+ScriptLists::ScriptLists(QSharedPointer<RelayInfo> info, QListWidget* allList, QListWidget* activeList, QObject* parent)
+    : QObject(parent), relayInfo(std::move(info)), all(allList), active(activeList)
+{
+    all->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    active->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    active->setDragDropMode(QAbstractItemView::InternalMove);
+    active->setItemDelegate(new RowDelegate(active));
+    active->installEventFilter(this);
+    connect(active->model(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex&, int firstRow, int lastRow) { dropEntries(firstRow, lastRow); });
+}
+
+ScriptLists::~ScriptLists() = default;
+
+void ScriptLists::rebuildAll()
+{
+    allScriptEntries.clear();
+    all->clear();
+    const QList<ScriptInfoPtr> scripts = relayInfo->scripts();
+    for (const ScriptInfoPtr& script : scripts) {
+        allScriptEntries.append(makeEntry(all, script, rowText(*script)));
+    }
+}
+
+void ScriptLists::rebuildActive(const QSharedPointer<RelayInformation>& output)
+{
+    currentRelay = output;
+    rebuildActive();
+}
+
+void ScriptLists::rebuildActive()
+{
+    const QSignalBlocker allBlocker(all);
+    {
+        // The rows go all at once, which isn't a choice that the other list has to follow.
+        const QSignalBlocker activeBlocker(active);
+        activeScriptEntries.clear();
+        active->clear();
+    }
+    if (!currentRelay) {
+        return;
+    }
+    for (const ScriptInfoPtr& script : std::as_const(currentRelay->activatedScripts)) {
+        activeScriptEntries.append(makeEntry(active, script, indentedRowText(*script)));
+    }
+    allCurrentChanged(all->currentItem());
+    allSelectionChanged();
+}
+
+ScriptLists::ScriptEntry ScriptLists::makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text)
+{
+    auto* label = new ElidedLabel;
+    label->setContentsMargins(rowPadding, rowPadding, rowPadding, rowPadding);
+    showRow(label, text, rowColor(*script));
+    label->installEventFilter(this);
+
+    auto* item = new QListWidgetItem;
+    item->setSizeHint({0, label->minimumSizeHint().height()});
+    list->addItem(item);
+    list->setItemWidget(item, label);
+    return {item, label, script};
+}
+
+void ScriptLists::selectFirstActive()
+{
+    if (!activeScriptEntries.isEmpty()) {
+        active->setCurrentRow(0, QItemSelectionModel::ClearAndSelect);
+    }
+}
+
+void ScriptLists::showNewScripts(const QSharedPointer<RelayInformation>& output, const ScriptInfoPtr& edited)
+{
+    rebuildAll();
+    rebuildActive(output);
+    const bool hasActive = !activeScriptEntries.isEmpty();
+    const Entries& entries = hasActive ? activeScriptEntries : allScriptEntries;
+    if (entries.isEmpty()) {
+        return;
+    }
+    refreshStates(edited);
+    (hasActive ? active : all)->setCurrentRow(0, QItemSelectionModel::ClearAndSelect);
+    emit scriptChosen(entries.first().script);
+}
+
+void ScriptLists::refreshStates(const ScriptInfoPtr& edited)
+{
+    for (const Entries* entries : {&activeScriptEntries, &allScriptEntries}) {
+        for (const ScriptEntry& entry : *entries) {
+            if (!entry.script || !entry.script->mode) {
+                continue;
+            }
+            const QString color = rowColor(*entry.script);
+            showRow(entry.label, indentedRowText(*entry.script), color);
+            if (entries == &allScriptEntries && entry.script == edited) {
+                emit editedColorChanged(color);
+            }
+        }
+    }
+}
+
+void ScriptLists::addSelected()
+{
+    bool added = false;
+    for (const ScriptEntry& entry : std::as_const(allScriptEntries)) {
+        const ScriptInfoPtr script = relayInfo->findScript(entry.script->number);
+        if (currentRelay && entry.item->isSelected() && !currentRelay->activatedScripts.contains(script)) {
+            currentRelay->activatedScripts.append(script);
+            added = true;
+        }
+    }
+    if (added) {
+        rebuildActive();
+    }
+    emit outputChanged();
+}
+
+void ScriptLists::removeSelected()
+{
+    // By row, since a script may stand in the list twice.
+    QList<ScriptInfoPtr> kept;
+    for (const ScriptEntry& entry : std::as_const(activeScriptEntries)) {
+        if (!entry.item->isSelected()) {
+            kept.append(entry.script);
+        }
+    }
+    if (currentRelay && kept.size() != activeScriptEntries.size()) {
+        currentRelay->activatedScripts = kept;
+        rebuildActive();
+    }
+    emit outputChanged();
+}
+
+void ScriptLists::allCurrentChanged(QListWidgetItem* current)
+{
+    mirrorCurrent(entryOf(allScriptEntries, current), activeScriptEntries, active);
+}
+
+void ScriptLists::activeCurrentChanged(QListWidgetItem* current)
+{
+    mirrorCurrent(entryOf(activeScriptEntries, current), allScriptEntries, all);
+}
+
+/// The entry with an item, a label or a script; null if there is none.
+template <typename Part>
+const ScriptLists::ScriptEntry* ScriptLists::entryOf(const Entries& entries, const Part& part)
+{
+    const auto found =
+        std::find_if(entries.cbegin(), entries.cend(), [&part](const ScriptEntry& entry) { return entry.has(part); });
+    return found == entries.cend() ? nullptr : &*found;
+}
+
+void ScriptLists::mirrorCurrent(const ScriptEntry* entry, const Entries& others, QListWidget* otherList)
+{
+    if (entry == nullptr) {
+        return;
+    }
+    const ScriptInfoPtr script = entry->script;
+    const QSignalBlocker blocker(otherList);
+    emit scriptChosen(script);
+    // The selection is mirrored for itself. Without a partner nothing is current there.
+    const ScriptEntry* partner = entryOf(others, script);
+    otherList->setCurrentItem(partner == nullptr ? nullptr : partner->item, QItemSelectionModel::NoUpdate);
+}
+
+void ScriptLists::allSelectionChanged()
+{
+    mirrorSelection(allScriptEntries, all, activeScriptEntries, active);
+}
+
+void ScriptLists::activeSelectionChanged()
+{
+    mirrorSelection(activeScriptEntries, active, allScriptEntries, all);
+}
+
+void ScriptLists::mirrorSelection(const Entries& entries, QListWidget* list, const Entries& others,
+                                  QListWidget* otherList)
+{
+    const QSignalBlocker blocker(list);
+    const QSignalBlocker otherBlocker(otherList);
+    if (list->currentItem() != nullptr && list->selectedItems().isEmpty()) {
+        list->currentItem()->setSelected(true);
+    }
+    for (const ScriptEntry& other : others) {
+        const bool selected = std::any_of(entries.cbegin(), entries.cend(), [&other](const ScriptEntry& entry) {
+            return entry.script == other.script && entry.item->isSelected();
+        });
+        other.item->setSelected(selected);
+    }
+}
+
+bool ScriptLists::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonDblClick:
+        return doubleClicked(watched);
+    case QEvent::ChildRemoved:
+        if (watched == active) {
+            storeOrder();
+        }
+        break;
+    case QEvent::ToolTip:
+        updateToolTip(watched);
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+bool ScriptLists::doubleClicked(const QObject* label)
+{
+    if (entryOf(allScriptEntries, label) != nullptr) {
+        addSelected();
+        return true;
+    }
+    if (entryOf(activeScriptEntries, label) != nullptr) {
+        removeSelected();
+        return true; // or the list would take it for a press on the row that has moved up under the mouse
+    }
+    return false;
+}
+
+/// The end of a drag: Qt's drag object, a child of the list, is gone, and the rows stand in their new order.
+void ScriptLists::storeOrder()
+{
+    if (!currentRelay) {
+        return;
+    }
+    const int count = currentRelay->activatedScripts.size();
+    if (activeScriptEntries.size() != count || active->count() != count) {
+        // A row was lost on the way; the model still has its script.
+        QMetaObject::invokeMethod(
+            this, [this] { rebuildActive(); }, Qt::QueuedConnection);
+        return;
+    }
+    bool swapped = false;
+    for (int i = 0; i < activeScriptEntries.size();) {
+        const int row = active->row(activeScriptEntries.at(i).item);
+        if (row == i) {
+            ++i;
+        } else {
+            activeScriptEntries.swapItemsAt(i, row);
+            swapped = true;
+        }
+    }
+    if (!swapped) {
+        return;
+    }
+    currentRelay->activatedScripts.clear();
+    for (const ScriptEntry& entry : std::as_const(activeScriptEntries)) {
+        currentRelay->activatedScripts.append(relayInfo->findScript(entry.script->number));
+    }
+}
+
+/// Rows are only removed by a drop that went wrong: no entry may outlive its row.
+void ScriptLists::dropEntries(int firstRow, int lastRow)
+{
+    for (int row = firstRow; row <= lastRow; ++row) {
+        const QListWidgetItem* item = active->item(row);
+        const auto gone = std::remove_if(activeScriptEntries.begin(), activeScriptEntries.end(),
+                                         [item](const ScriptEntry& entry) { return entry.has(item); });
+        activeScriptEntries.erase(gone, activeScriptEntries.end());
+    }
+}
+
+void ScriptLists::updateToolTip(const QObject* label)
+{
+    const ScriptEntry* asked = entryOf(allScriptEntries, label);
+    if (asked == nullptr) {
+        asked = entryOf(activeScriptEntries, label);
+    }
+    if (asked == nullptr) {
+        return;
+    }
+    const QString summary = scriptSummary(asked->script);
+    for (const Entries* entries : {&allScriptEntries, &activeScriptEntries}) {
+        for (const ScriptEntry& entry : *entries) {
+            if (entry.script == asked->script) {
+                entry.label->setToolTip(summary);
+            }
+        }
+    }
+}

@@ -1,0 +1,344 @@
+#include "ui/tree/Tree_Relay_Widget.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDebug>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "model/RelayInfo.h"
+#include "texts/texts.h"
+#include "ui/tree/NodeTree.h"
+#include "ui_Tree_Relay_Widget.h"
+
+namespace
+{
+
+// The head unit and 31 addresses of terminals.
+constexpr int maximumNodes = 32;
+
+} // namespace
+
+Tree_Relay_Widget::Tree_Relay_Widget(QSharedPointer<RelayInfo> info, QWidget* parent)
+    : QWidget(parent), ui(std::make_unique<Ui::Tree_Relay_Widget>()), m_info(std::move(info))
+{
+    ui->setupUi(this);
+    connect(ui->treeWidget, &QWidget::customContextMenuRequested, this, &Tree_Relay_Widget::sl_prepareMenu);
+}
+
+Tree_Relay_Widget::~Tree_Relay_Widget()
+{
+    clearNodes();
+}
+
+void Tree_Relay_Widget::fullUpdateTree(bool focusHeadUnit)
+{
+    if (!m_info) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) m_info is NULL to fullUpdateTree()");
+        return;
+    }
+    ui->treeWidget->setUpdatesEnabled(false);
+    updateStructTree();
+    fillTree();
+    refreshTree();
+    ui->treeWidget->levelRows(nodes);
+    for (const GroupNode& node : std::as_const(nodes)) {
+        node.item->setExpanded(node.group->expand);
+    }
+    setFocusOnNode(focusHeadUnit);
+    ui->treeWidget->setUpdatesEnabled(true);
+}
+
+void Tree_Relay_Widget::removeGoneNodes()
+{
+    const QList<GroupRelayPtr> groups = m_info->groups();
+    const auto isKept = [&groups](const GroupNode& node) { return groups.contains(node.group); };
+    if (std::count_if(nodes.cbegin(), nodes.cend(), isKept) != groups.size()) {
+        fullUpdateTree(false); // groups have come as well
+        return;
+    }
+    ui->treeWidget->setUpdatesEnabled(false);
+    storeExpanded();
+    endRename();
+    passCurrentGroupOn();
+    ui->treeWidget->selectionModel()->clear(); // or what moves up into the place of a selected row would be selected
+    const auto gone = std::stable_partition(nodes.begin(), nodes.end(), isKept);
+    std::for_each(gone, nodes.end(), [](const GroupNode& node) { delete node.item; });
+    nodes.erase(gone, nodes.end());
+    if (ui->treeWidget->topLevelItemCount() == nodes.size()) {
+        addButtonRow();
+    }
+    setFocusOnNode(false);
+    ui->treeWidget->setUpdatesEnabled(true);
+}
+
+void Tree_Relay_Widget::storeExpanded()
+{
+    for (const GroupNode& node : std::as_const(nodes)) {
+        if (node.item->treeWidget() != nullptr) {
+            node.group->expand = node.item->isExpanded();
+        }
+    }
+}
+
+void Tree_Relay_Widget::updateStructTree()
+{
+    storeExpanded();
+    passCurrentGroupOn();
+    clearNodes();
+    const QList<GroupRelayPtr> groups = m_info->groups();
+    if (groups.isEmpty()) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Group relays is EMPTY to updateStructTree()_(1)");
+        return;
+    }
+    const ParamItems outputStates = m_info->outputStates();
+    for (const GroupRelayPtr& listed : groups) {
+        const GroupRelayPtr group = listed ? m_info->findGroup(listed->address) : GroupRelayPtr();
+        if (!group) {
+            qDebug("RELAY : Tree_Relay_Widget : (ERROR) Group relays NOT FOUND to updateStructTree()_(2)");
+            continue;
+        }
+        GroupNode node = treeNodes::makeGroupNode(group, ui->treeWidget->viewport());
+        for (const RelayInformationPtr& relay : std::as_const(group->outputs)) {
+            node.outputs.append(treeNodes::makeOutputNode(relay, outputStates, node));
+        }
+        nodes.append(node);
+        treeNodes::postponePolish(node);
+    }
+}
+
+void Tree_Relay_Widget::passCurrentGroupOn()
+{
+    const QList<GroupRelayPtr> groups = m_info->groups();
+    if (!currentGroup || groups.contains(currentGroup)) {
+        return;
+    }
+    const auto isCurrent = [this](const GroupNode& node) { return node.group == currentGroup; };
+    const auto isKept = [&groups](const GroupNode& node) { return groups.contains(node.group); };
+    const auto gone = std::find_if(nodes.crbegin(), nodes.crend(), isCurrent);
+    const auto kept = std::find_if(gone, nodes.crend(), isKept);
+    // One without outputs has nothing to work on; then it is the head unit's turn.
+    currentGroup = kept == nodes.crend() || !kept->firstRelay() ? GroupRelayPtr() : kept->group;
+}
+
+void Tree_Relay_Widget::clearNodes()
+{
+    for (const GroupNode& node : std::as_const(nodes)) {
+        treeNodes::discard(node);
+    }
+    nodes.clear();
+    renameGroup = -1;
+    renameOutput = -1;
+}
+
+void Tree_Relay_Widget::fillTree()
+{
+    ui->treeWidget->clear();
+    for (const GroupNode& node : std::as_const(nodes)) {
+        ui->treeWidget->addNode(node);
+        node.label->installEventFilter(this);
+        node.edit->installEventFilter(this);
+        std::for_each(node.outputs.cbegin(), node.outputs.cend(),
+                      [this](const OutputNode& output) { connectOutput(output); });
+    }
+    if (nodes.size() < maximumNodes) {
+        addButtonRow();
+    }
+}
+
+void Tree_Relay_Widget::connectOutput(const OutputNode& node)
+{
+    node.label->installEventFilter(this);
+    node.edit->installEventFilter(this);
+    // By name, which tells the two signals currentIndexChanged() apart without a cast.
+    connect(node.comboStartState, SIGNAL(currentIndexChanged(int)), this, // clazy:exclude=old-style-connect
+            SLOT(sl_StartStateChanged(int)));
+    connect(node.checkReturn, SIGNAL(clicked()), this, // clazy:exclude=old-style-connect
+            SLOT(sl_ReturnStateClicked()));
+}
+
+void Tree_Relay_Widget::addButtonRow()
+{
+    connect(ui->treeWidget->addButtonRow(texts::treeAddTerminal()), &QPushButton::clicked, this,
+            &Tree_Relay_Widget::sl_pushButtonAddGroup_clicked);
+}
+
+void Tree_Relay_Widget::refreshTree()
+{
+    for (const GroupNode& node : std::as_const(nodes)) {
+        treeNodes::paintGroup(node);
+        for (const OutputNode& output : node.outputs) {
+            if (output.relay) {
+                treeNodes::paintOutput(output);
+            } else {
+                qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to refreshTree()");
+            }
+        }
+    }
+}
+
+void Tree_Relay_Widget::setFocusOnNode(bool headUnit)
+{
+    if (nodes.isEmpty()) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) structure is EMPTY to setFocusOnNode()");
+        return;
+    }
+    if (!nodes.first().group) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) HUBNA-NX-Q NOT FOUND to setFocusOnNode()");
+        return;
+    }
+    if (!currentGroup || headUnit) {
+        currentGroup = nodes.first().group;
+    }
+    const GroupRelayPtr chosen = currentGroup; // a terminal without outputs clears it when it is selected
+    for (const GroupNode& node : std::as_const(nodes)) {
+        if (node.group == chosen) {
+            ui->treeWidget->setCurrentItem(node.item);
+        }
+    }
+}
+
+void Tree_Relay_Widget::sl_refreshCurrentNodeTree()
+{
+    const GroupNode* selected = nullptr;
+    for (const GroupNode& node : std::as_const(nodes)) {
+        if (selected == nullptr && node.isSelected()) {
+            selected = &node;
+            repaintOutputs(node);
+        } else if (node.group == workGroup) {
+            // Another terminal is selected that has no outputs: those of this one are still worked on.
+            repaintOutputs(node);
+        }
+    }
+}
+
+void Tree_Relay_Widget::repaintOutputs(const GroupNode& node)
+{
+    for (const OutputNode& output : node.outputs) {
+        if (output.relay) {
+            treeNodes::paintOutput(output);
+        } else {
+            qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to sl_refreshCurrentNodeTree()_(%d)",
+                   node.item->isSelected() ? 1 : 2);
+        }
+    }
+}
+
+void Tree_Relay_Widget::on_treeWidget_itemSelectionChanged()
+{
+    for (const GroupNode& node : std::as_const(nodes)) {
+        if (node.item->isSelected()) {
+            selectGroup(node);
+            return;
+        }
+        for (const OutputNode& output : node.outputs) {
+            if (output.item->isSelected()) {
+                selectOutput(node, output);
+                return;
+            }
+        }
+    }
+}
+
+void Tree_Relay_Widget::selectOutput(const GroupNode& node, const OutputNode& output)
+{
+    if (!node.group) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Group relays NOT FOUND to "
+               "on_treeWidget_itemSelectionChanged()_(2)");
+        return;
+    }
+    if (!output.relay) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to on_treeWidget_itemSelectionChanged()_(2)");
+        return;
+    }
+    currentGroup = node.group;
+    workOn(output.relay, node.group);
+}
+
+void Tree_Relay_Widget::selectGroup(const GroupNode& node)
+{
+    if (!node.group) {
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Group relays NOT FOUND to "
+               "on_treeWidget_itemSelectionChanged()_(1)");
+        return;
+    }
+    currentGroup = node.group;
+    const RelayInformationPtr first = node.firstRelay();
+    if (!first) {
+        currentGroup.clear();
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to on_treeWidget_itemSelectionChanged()_(1)");
+        return;
+    }
+    workOn(first, node.group);
+}
+
+void Tree_Relay_Widget::workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group)
+{
+    workGroup = group;
+    emit sig_changeRelay(relay, group);
+}
+
+void Tree_Relay_Widget::sl_CreateNewGroupAndRelays(const QString& nameGroup, short addressGroup,
+                                                   const QStringList& namesRelays)
+{
+    currentGroup = m_info->addGroup(nameGroup, static_cast<quint16>(addressGroup));
+    for (const QString& name : namesRelays) {
+        m_info->addOutput(currentGroup, name);
+    }
+    fullUpdateTree(false);
+    scrollToCurrentGroup();
+}
+
+void Tree_Relay_Widget::scrollToCurrentGroup()
+{
+    for (const GroupNode& node : std::as_const(nodes)) {
+        if (node.group == currentGroup) {
+            // Where not all has room, the terminal itself and its first outputs count.
+            for (auto output = node.outputs.crbegin(); output != node.outputs.crend(); ++output) {
+                ui->treeWidget->scrollToItem(output->item);
+            }
+            ui->treeWidget->scrollToItem(node.item);
+        }
+    }
+}
+
+void Tree_Relay_Widget::sl_pushButtonAddGroup_clicked()
+{
+    emit sig_newGroupRelay();
+}
+
+void Tree_Relay_Widget::sl_StartStateChanged(int index)
+{
+    const OutputNode* node = senderOutput(sender());
+    if (node == nullptr) {
+        return;
+    }
+    treeNodes::paintStartState(node->comboStartState, index);
+    if (node->relay && index >= 0) {
+        node->relay->startState = m_info->outputStateAt(index);
+    }
+}
+
+void Tree_Relay_Widget::sl_ReturnStateClicked()
+{
+    const OutputNode* node = senderOutput(sender());
+    if (node != nullptr && node->relay) {
+        node->relay->returnStartState = node->checkReturn->isChecked();
+    }
+}
+
+const OutputNode* Tree_Relay_Widget::senderOutput(const QObject* control) const
+{
+    for (const GroupNode& node : nodes) {
+        for (const OutputNode& output : node.outputs) {
+            if (output.comboStartState == control || output.checkReturn == control) {
+                return &output;
+            }
+        }
+    }
+    return nullptr;
+}

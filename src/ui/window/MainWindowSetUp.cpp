@@ -1,0 +1,294 @@
+#include "ui/window/MainWindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDockWidget>
+#include <QScreen>
+#include <QStyle>
+#include <QStyleFactory>
+
+#include "firmware/protocol_boot.h"
+#include "link/FormChoiceCoordinator.h"
+#include "model/Device.h"
+#include "model/RelayInfo.h"
+#include "model/format.h"
+#include "texts/texts.h"
+#include "ui/window/ConfigurationFiles.h"
+#include "ui/window/FirmwareLoading.h"
+#include "ui/tree/FormAddingTerminal.h"
+#include "ui/log/LogTab.h"
+#include "ui/log/PacketLogger.h"
+#include "ui/scripts/ScriptLists.h"
+#include "ui/scripts/Setting_Script_Widget.h"
+#include "ui/window/StatusBar.h"
+#include "ui/tree/Tree_Relay_Widget.h"
+#include "ui_MainWindow.h"
+#include "widgets/Look.h"
+
+namespace
+{
+
+constexpr QSize normalSize(1023, 806);
+constexpr int hiddenTab = 1;
+constexpr int treeWidth = 266;
+constexpr int editorWidth = 415;
+constexpr int widthForDocks = 1000; ///< of a window in which both docks and the tabs have their room
+
+QString versionSuffix()
+{
+    return QStringLiteral(" (v.2.1) βeta");
+}
+
+QString titleBackground()
+{
+    return QStringLiteral("rgb(220,220,220)");
+}
+
+/// A dock that can be moved to any side but neither closed nor floated.
+QDockWidget* newDock(const QString& objectName, const QString& title, QMainWindow* window)
+{
+    auto* dock = new QDockWidget(title, window);
+    dock->setObjectName(objectName);
+    dock->setAllowedAreas(Qt::AllDockWidgetAreas);
+    dock->setFeatures(QDockWidget::DockWidgetMovable);
+    dock->setStyleSheet(look::dockTitleStyle(titleBackground()));
+    return dock;
+}
+
+} // namespace
+
+MainWindow::MainWindow(WindowSeams seams_, QWidget* parent)
+    : QMainWindow(parent), seams(std::move(seams_)), dialogs(seams.dialogs != nullptr ? *seams.dialogs : ownDialogs),
+      ui(std::make_unique<Ui::MainWindow>()), relayInfo(QSharedPointer<RelayInfo>::create()),
+      device(new Device([this](const QString& title, const QString& text) { dialogs.critical(nullptr, title, text); },
+                        this)),
+      formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now, &protocol_boot::parseAnswer}, this)),
+      statusSections(std::make_unique<StatusBar>())
+{
+    ui->setupUi(this);
+    setWindowTitle(texts::applicationTitle() + versionSuffix());
+    // Qt's own way out would first ask every form that is still open to close, and stay if one refused.
+    connect(qApp, &QGuiApplication::lastWindowClosed, this, [] { QCoreApplication::exit(0); });
+    setUpWindow();
+    setTexts();
+    ui->menu_3->deleteLater();
+    connectActions();
+    connectCoordinatorInfo();
+    connectEditors();
+    connectCoordinatorData();
+    connectFiles();
+    connectFirmware();
+    showReplacedModel();
+    formChoiceCoordinator->show();
+}
+
+void MainWindow::setUpWindow()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setFont(look::applicationFont());
+    setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, normalSize,
+                                    QGuiApplication::primaryScreen()->availableGeometry()));
+    offerTerminalTypes();
+    packetLogger = std::make_unique<PacketLogger>(ui->tableLogger, ui->pushButtonStopLog, ui->pushButtonClearLog,
+                                                  ui->checkBoxPeriodicRequest);
+    setUpScriptLists();
+    ui->tabWidget->setTabEnabled(hiddenTab, false);
+    ui->tabWidget->removeTab(hiddenTab);
+    ui->tabWidget->setCurrentIndex(0);
+    setUpDocks();
+    statusSections->install(ui->statusbar);
+    setUpLog();
+}
+
+void MainWindow::offerTerminalTypes()
+{
+    formAddingTerminal = new FormAddingTerminal(relayInfo, this);
+    bool firstExecutive = true;
+    for (int index = 0; index < device->deviceCount(); ++index) {
+        const QVariantList row = device->deviceRow(index);
+        const QString name = row.at(0).toString();
+        const auto terminalClass = row.at(1).value<quint8>();
+        const QStringList outputs = row.at(5).toStringList();
+        relayInfo->addTerminalType(index == 0, name, terminalClass, row.at(2).value<quint8>(),
+                                   row.at(3).value<quint8>(), row.at(4).value<quint8>(), outputs);
+        if (terminalClass == ExecutiveClass) {
+            formAddingTerminal->addTerminal(firstExecutive, name, outputs);
+            firstExecutive = false;
+        }
+    }
+}
+
+void MainWindow::setUpScriptLists()
+{
+    QFont bold = ui->labelTitleParamRelay->font();
+    bold.setBold(true);
+    ui->labelTitleParamRelay->setFont(bold);
+    ui->labelTitleParamRelay->setStyleSheet(look::titleStyle(titleBackground()));
+    scriptLists = new ScriptLists(relayInfo, ui->listWidgetAllScript, ui->listWidgetActivateScript, this);
+    scriptLists->rebuildAll();
+}
+
+void MainWindow::setUpDocks()
+{
+    dockTree = newDock(QStringLiteral("dockTree"), texts::headingOutputs(), this);
+    treeRelay = new Tree_Relay_Widget(relayInfo, dockTree);
+    dockTree->setWidget(treeRelay);
+    addDockWidget(Qt::LeftDockWidgetArea, dockTree);
+
+    dockScript = newDock(QStringLiteral("dockScript"), QString(), this);
+    settingScript = new Setting_Script_Widget(relayInfo, dockScript);
+    // The dock's title is bold, and a font is inherited.
+    QFont plain = look::applicationFont();
+    plain.setWeight(QFont::Normal);
+    settingScript->setFont(plain);
+    dockScript->setWidget(settingScript);
+    addDockWidget(Qt::RightDockWidgetArea, dockScript);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    // Widths that are asked for before the window is laid out are lost, and in a narrow window they are cut. Once they
+    // were given, what the user makes of them counts.
+    if (!docksHaveWidths && width() >= widthForDocks) {
+        docksHaveWidths = true;
+        resizeDocks({dockTree, dockScript}, {treeWidth, editorWidth}, Qt::Horizontal);
+    }
+}
+
+void MainWindow::setUpLog()
+{
+    logTab = std::make_unique<LogTab>(LogWidgets{this, ui->tableViewLogEvents, ui->labelCountRows}, *device, dialogs);
+    LogTab* const tab = logTab.get();
+    connect(tab, &LogTab::forceReading, formChoiceCoordinator, &FormChoiceCoordinator::forceLogReading);
+    connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, tab, &LogTab::expectMissingEvents);
+    connect(tab, &LogTab::newResult, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
+    connect(tab, &LogTab::sig_ReadLogEvents, this, &MainWindow::sig_ReadLogEvents);
+    connect(tab, &LogTab::sig_HideFormWaiting, this, &MainWindow::sig_HideFormWaiting);
+    connect(tab, &LogTab::sig_insertDataToTable, this, &MainWindow::sig_insertDataToTable);
+    connect(tab, &LogTab::sig_refreshTable, this, &MainWindow::sig_refreshTable);
+    connect(tab, &LogTab::sig_deleteDataFromTable, this, &MainWindow::sig_deleteDataFromTable);
+    connect(tab, &LogTab::sig_LoadOtherDB, this, &MainWindow::sig_LoadOtherDB);
+    connect(tab, &LogTab::sig_SaveOtherDB, this, &MainWindow::sig_SaveOtherDB);
+    // The window's own requests reach the database as the tab's do.
+    const DataBase* const dataBase = tab->database();
+    connect(this, &MainWindow::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);
+    connect(this, &MainWindow::sig_refreshTable, dataBase, &DataBase::sl_refreshModel);
+    connect(this, &MainWindow::sig_deleteDataFromTable, dataBase, &DataBase::sl_deleteDataFromTable);
+    connect(this, &MainWindow::sig_LoadOtherDB, dataBase, &DataBase::sl_connectOtherDataBase);
+    connect(this, &MainWindow::sig_SaveOtherDB, dataBase, &DataBase::sl_SaveDataBase);
+    tab->startDataBase();
+}
+
+void MainWindow::connectCoordinatorInfo()
+{
+    FormChoiceCoordinator* const form = formChoiceCoordinator;
+    connect(form, &FormChoiceCoordinator::sig_sendRequestOnForm, this, &MainWindow::sl_RequestInLog);
+    connect(form, &FormChoiceCoordinator::sig_sendAnswerOnForm, this, &MainWindow::sl_AnswerInLog);
+    connect(form, &FormChoiceCoordinator::sig_sendStatusSelectPortOnForm, this, &MainWindow::sl_ReceiveInfoCoordinator);
+    connect(form, &FormChoiceCoordinator::sig_sendDeviceTimeOnForm, this, &MainWindow::sl_ReceiveTimeInfo);
+    connect(form, &FormChoiceCoordinator::sig_sendEnableOperationOnForm, this, &MainWindow::sl_ReceiveEnableOperation);
+    connect(form, &FormChoiceCoordinator::sig_sendResultOperation, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
+    connect(form, &FormChoiceCoordinator::sig_ReadLogNotNeccessary, this, &MainWindow::sl_RestoreLogEvent);
+}
+
+void MainWindow::connectEditors()
+{
+    connect(treeRelay, &Tree_Relay_Widget::sig_newGroupRelay, this, &MainWindow::sl_runFormForAddGroupRelay);
+    connect(formAddingTerminal, &FormAddingTerminal::sig_addNewGroupRelay, treeRelay,
+            &Tree_Relay_Widget::sl_CreateNewGroupAndRelays);
+    connect(treeRelay, &Tree_Relay_Widget::sig_deleteGroupRelay, this, &MainWindow::sl_DeleteDeviceFromTree);
+    connect(treeRelay, &Tree_Relay_Widget::sig_deleteDisconnectedGroupRelays, this,
+            &MainWindow::sl_DeleteDisconnectDeviceFromTree);
+    connect(treeRelay, &Tree_Relay_Widget::sig_changeRelay, this, &MainWindow::sl_SetNewRelay);
+    connect(this, &MainWindow::sig_changeScript, settingScript, &Setting_Script_Widget::sl_SetNewScript);
+    connect(this, &MainWindow::sig_updateConnectList, settingScript, &Setting_Script_Widget::sl_UpDateConnectList);
+    connect(settingScript, &Setting_Script_Widget::sig_RefreshStateScriptInList, this,
+            &MainWindow::sl_refreshStateAllScript);
+    connect(this, &MainWindow::sig_changeStateRelay, treeRelay, &Tree_Relay_Widget::sl_refreshCurrentNodeTree);
+    connect(treeRelay, &Tree_Relay_Widget::sig_changeNameDevOrOutput, this, &MainWindow::sl_RefreshNameDevOrOutput);
+    connect(settingScript, &Setting_Script_Widget::sig_changeTitle, this, &MainWindow::sl_changeTitleSettingScript);
+
+    connect(scriptLists, &ScriptLists::scriptChosen, this, &MainWindow::sig_changeScript);
+    connect(scriptLists, &ScriptLists::outputChanged, this, &MainWindow::sig_changeStateRelay);
+    connect(scriptLists, &ScriptLists::editedColorChanged, this, &MainWindow::showColorOfEditedScript);
+}
+
+void MainWindow::connectCoordinatorData()
+{
+    FormChoiceCoordinator* const form = formChoiceCoordinator;
+    connect(this, &MainWindow::sig_WriteConfigAndScript, form,
+            &FormChoiceCoordinator::sl_PreOperationWriteConfigAndScript);
+    connect(this, &MainWindow::sig_WriteRealTime, form, &FormChoiceCoordinator::sl_SendRequestSyncTime);
+    connect(form, &FormChoiceCoordinator::sig_sendReadConfigOnForm, this, &MainWindow::sl_ReceiveConfig);
+    connect(form, &FormChoiceCoordinator::sig_sendReadScriptOnForm, this, &MainWindow::sl_ReceiveScript);
+    connect(form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, this, &MainWindow::sl_ReceiveConnectTerminal);
+    connect(this, &MainWindow::sig_HideFormWaiting, form, &FormChoiceCoordinator::sl_HideFormWaiting);
+    connect(this, &MainWindow::sig_ReadLogEvents, form, &FormChoiceCoordinator::sl_SendRequestBeginReadLog);
+    connect(form, &FormChoiceCoordinator::sig_sendReadLogOnForm, this, &MainWindow::sl_ReceiveDataEvents);
+}
+
+void MainWindow::connectFiles()
+{
+    configurationFiles = new ConfigurationFiles(relayInfo, &dialogs, this, this);
+    connect(configurationFiles, &ConfigurationFiles::result, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
+    connect(configurationFiles, &ConfigurationFiles::modelReplaced, this, &MainWindow::showReplacedModel);
+    connect(configurationFiles, &ConfigurationFiles::commentReplaced, this, &MainWindow::showComment);
+    connect(configurationFiles, &ConfigurationFiles::writeRequested, ui->actionWrite, &QAction::trigger);
+}
+
+void MainWindow::connectFirmware()
+{
+    firmwareLoading = new FirmwareLoading(formChoiceCoordinator, &dialogs, this, this);
+    connect(firmwareLoading, &FirmwareLoading::runningOnCurrentPort, this, &MainWindow::sig_LoadingFirmwareCurrentPort);
+    connect(this, &MainWindow::sig_LoadingFirmwareCurrentPort, formChoiceCoordinator,
+            &FormChoiceCoordinator::sl_CurrentLoadingFirmwareIsRunning);
+    connect(firmwareLoading, &FirmwareLoading::result, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
+    formChoiceCoordinator->setFirmwareRunner([this](const FirmwarePort& port) { firmwareLoading->loadOnPort(port); });
+}
+
+void MainWindow::setTexts()
+{
+    ui->menuSetting->setTitle(texts::headingDevice());
+    ui->menu->setTitle(texts::headingConfiguration());
+    ui->menu_2->setTitle(texts::headingLogEvents());
+    ui->menu_3->setTitle(texts::bindingMenu());
+    ui->action_Bind->setText(texts::bindingAction());
+
+    ui->actionRead->setText(texts::actionRead());
+    ui->actionWrite->setText(texts::actionWrite());
+    ui->actionLoad->setText(texts::actionLoad());
+    ui->actionSave->setText(texts::actionSave());
+    ui->actionFactorySetting->setText(texts::actionFactorySetting());
+    ui->actionSelectCoordinator->setText(texts::actionSelectCoordinator());
+    ui->actionSyncTime->setText(texts::actionSyncTime());
+    ui->actionFirmware->setText(texts::actionFirmware());
+    ui->actionReadLog->setText(texts::actionReadLog());
+    ui->actionLoadLog->setText(texts::actionLoadLog());
+    ui->actionSaveLog->setText(texts::actionSaveLog());
+
+    QTabWidget* const tabs = ui->tabWidget;
+    tabs->setTabText(tabs->indexOf(ui->tabSettingRelay), texts::tabOutputParameters());
+    tabs->setTabText(tabs->indexOf(ui->tabLogEvents), texts::tabLogEvents());
+    tabs->setTabText(tabs->indexOf(ui->tabLogger), texts::tabPacketLogger());
+
+    ui->labelTitleAllScript->setText(texts::listAvailableScripts());
+    ui->labelTitleActivateScript->setText(texts::listActiveScriptsFor());
+    ui->labelTitleComment->setText(texts::commentTitle());
+}
+
+void MainWindow::connectActions()
+{
+    connect(ui->actionSelectCoordinator, &QAction::triggered, formChoiceCoordinator, &QWidget::show);
+    connect(ui->actionRead, &QAction::triggered, this, &MainWindow::readConfiguration);
+    connect(ui->actionWrite, &QAction::triggered, this, &MainWindow::writeConfiguration);
+    connect(ui->actionLoad, &QAction::triggered, this, &MainWindow::sl_LoadAllDataFromFile);
+    connect(ui->actionSave, &QAction::triggered, this, &MainWindow::sl_SaveAllDataInFile);
+    connect(ui->actionFactorySetting, &QAction::triggered, this, &MainWindow::sl_SetFactorySetting);
+    connect(ui->actionFirmware, &QAction::triggered, this, &MainWindow::sl_LoadFirmWare);
+    connect(ui->actionReadLog, &QAction::triggered, this, &MainWindow::readLog);
+    connect(ui->actionLoadLog, &QAction::triggered, this, &MainWindow::sl_LoadLogFromFile);
+    connect(ui->actionSaveLog, &QAction::triggered, this, &MainWindow::sl_SaveLogInFile);
+    connect(ui->pushButtonAddScript, &QPushButton::clicked, this, &MainWindow::sl_AddScriptInActivateList);
+    connect(ui->pushButtonDeleteScript, &QPushButton::clicked, this, &MainWindow::sl_DeleteScriptFromActivateList);
+}

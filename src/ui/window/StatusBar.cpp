@@ -1,0 +1,186 @@
+#include "ui/window/StatusBar.h"
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPixmap>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include "domain/terminals.h"
+#include "texts/texts.h"
+#include "widgets/ElidedLabel.h"
+
+namespace
+{
+
+constexpr int lampSize = 24; ///< on the screen; leaves room for names of ports such as "ttyUSB10"
+
+template <typename Label = QLabel>
+Label* newLabel(const QString& objectName, const QString& text = {})
+{
+    auto* label = new Label;
+    label->setObjectName(objectName);
+    label->setText(text);
+    label->setTextFormat(Qt::AutoText);
+    return label;
+}
+
+QFrame* newSection(const QString& objectName)
+{
+    auto* section = new QFrame;
+    section->setObjectName(objectName);
+    section->setStyleSheet(QStringLiteral("QFrame{border: 1px solid black;} QLabel{border: 0px;}"));
+    return section;
+}
+
+template <typename Layout>
+Layout* newLayout(QFrame* section)
+{
+    auto* layout = new Layout(section);
+    layout->setContentsMargins(4, 2, 4, 2);
+    layout->setSpacing(4);
+    return layout;
+}
+
+QString bold(const QString& text)
+{
+    return QStringLiteral("<b>%1</b>").arg(text.toHtmlEscaped());
+}
+
+QString noValue()
+{
+    return QStringLiteral("-");
+}
+
+QString lampIcon(uchar lamp)
+{
+    switch (lamp) {
+    case StatusBar::LampNotConnected:
+        return QStringLiteral(":/icons/icons/red.png");
+    case StatusBar::LampConnected:
+        return QStringLiteral(":/icons/icons/green.png");
+    default:
+        return QStringLiteral(":/icons/icons/yellow.png");
+    }
+}
+
+} // namespace
+
+StatusBar::StatusBar()
+    : labelIconPort(newLabel(QStringLiteral("labelIconPort"))),
+      labelBaudrate(newLabel(QStringLiteral("labelBaudrate"), noValue())),
+      labelPortName(newLabel<ElidedLabel>(QStringLiteral("labelPortName"), noValue())),
+      labelCoordinator(newLabel(QStringLiteral("labelCoordinator"), bold(texts::statusNotConnected()))),
+      labelSerial(newLabel(QStringLiteral("labelSerial"), noValue())),
+      labelVersion(newLabel(QStringLiteral("labelVersion"), noValue())),
+      labelResult(newLabel(QStringLiteral("labelResult"))),
+      labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), noValue()))
+{
+    labelIconPort->setPixmap(QPixmap(lampIcon(LampNotConnected)));
+}
+
+void StatusBar::install(QStatusBar* bar)
+{
+    bar->setSizeGripEnabled(false);
+    bar->addWidget(portSection());
+    bar->addWidget(coordinatorSection());
+    bar->addWidget(timeSection());
+    bar->addWidget(resultSection(), 1);
+}
+
+QFrame* StatusBar::portSection() const
+{
+    // The picture is larger than the lamp, and the label higher; what is left in between is a square.
+    labelIconPort->setMaximumWidth(30);
+    labelIconPort->setFixedHeight(30);
+    constexpr int aboveLamp = (30 - lampSize) / 2;
+    labelIconPort->setContentsMargins(0, aboveLamp, 0, aboveLamp);
+    labelIconPort->setScaledContents(true);
+    labelIconPort->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    labelPortName->setElideMode(Qt::ElideMiddle);
+
+    QFrame* section = newSection(QStringLiteral("sectionPort"));
+    section->setFixedWidth(90);
+    auto* layout = newLayout<QGridLayout>(section);
+    layout->setContentsMargins(1, 2, 1, 2);
+    layout->setSpacing(2);
+    layout->setColumnMinimumWidth(0, lampSize);
+    layout->addWidget(labelIconPort, 0, 0, 2, 1);
+    layout->addWidget(labelPortName, 0, 1);
+    layout->addWidget(labelBaudrate, 1, 1);
+    layout->setColumnStretch(1, 1);
+    return section;
+}
+
+QFrame* StatusBar::coordinatorSection() const
+{
+    labelCoordinator->setFixedWidth(97);
+    labelCoordinator->setWordWrap(true);
+    labelCoordinator->setAlignment(Qt::AlignCenter);
+    labelCoordinator->setStyleSheet(QStringLiteral("QLabel { border-right: 1px solid black; }"));
+
+    QFrame* section = newSection(QStringLiteral("sectionCoordinator"));
+    section->setFixedWidth(250);
+    auto* layout = newLayout<QGridLayout>(section);
+    layout->addWidget(labelCoordinator, 0, 0, 2, 1);
+    layout->addWidget(new QLabel(texts::statusVersion()), 0, 1);
+    layout->addWidget(labelVersion, 0, 2);
+    layout->addWidget(new QLabel(texts::statusSerialNumber()), 1, 1);
+    layout->addWidget(labelSerial, 1, 2);
+    layout->setColumnStretch(2, 1);
+    return section;
+}
+
+QFrame* StatusBar::timeSection() const
+{
+    QFrame* section = newSection(QStringLiteral("sectionTime"));
+    auto* layout = newLayout<QVBoxLayout>(section);
+    layout->addWidget(new QLabel(texts::statusDeviceTime()));
+    layout->addWidget(labelDeviceTime);
+    return section;
+}
+
+QFrame* StatusBar::resultSection() const
+{
+    labelResult->setWordWrap(true);
+    // Results name files, and a file's name is no markup.
+    labelResult->setTextFormat(Qt::PlainText);
+
+    QFrame* section = newSection(QStringLiteral("sectionResult"));
+    section->setMinimumWidth(500);
+    newLayout<QVBoxLayout>(section)->addWidget(labelResult);
+    return section;
+}
+
+void StatusBar::showPort(uchar lamp, const QString& portName, const QString& baudrate, uchar address,
+                         const QString& serial, const QString& version)
+{
+    labelIconPort->setPixmap(QPixmap(lampIcon(lamp)));
+    QFont font = labelPortName->font();
+    font.setBold(true);
+    labelPortName->setFont(font); // the label measures by its font, not by the text's format
+    labelPortName->setText(bold(portName));
+    labelBaudrate->setText(bold(baudrate));
+    labelSerial->setText(bold(serial));
+    labelVersion->setText(bold(version));
+    labelCoordinator->setText(address == noCoordinator
+                                  ? bold(texts::statusNotConnected())
+                                  : texts::statusCoordinator() + QStringLiteral(" <b>%1</b>").arg(address));
+}
+
+void StatusBar::showDeviceTime(const QString& time)
+{
+    labelDeviceTime->setText(time);
+}
+
+void StatusBar::showResult(const QString& result)
+{
+    labelResult->setText(result);
+}
+
+QString StatusBar::result() const
+{
+    return labelResult->text();
+}

@@ -1,0 +1,592 @@
+#include <memory>
+
+#include <QApplication>
+#include <QLabel>
+#include <QListWidget>
+#include <QScrollBar>
+#include <QtTest>
+
+#include "model/RelayInfo.h"
+#include "ui/scripts/ScriptLists.h"
+#include "ui/scripts/ScriptSummary.h"
+
+namespace
+{
+
+const QString grey = QStringLiteral("rgba(187, 187, 187, 150)");
+
+QString rowStyle(const QString& color)
+{
+    return QStringLiteral("QLabel{background-color: %1;} QToolTip {background-color: #F4F4F4}").arg(color);
+}
+
+QList<int> numbersOf(const QList<ScriptInfoPtr>& scripts)
+{
+    QList<int> numbers;
+    for (const ScriptInfoPtr& script : scripts) {
+        numbers.append(script->number);
+    }
+    return numbers;
+}
+
+} // namespace
+
+class tst_ScriptLists : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void lists_select_many_and_the_active_one_is_dragged();
+    void all_list_shows_every_script();
+    void active_list_shows_the_scripts_of_the_output_in_their_order();
+    void rows_are_coloured_by_mode_or_grey_data();
+    void rows_are_coloured_by_mode_or_grey();
+    void no_output_empties_the_active_list();
+
+    void adding_takes_the_selected_scripts_in_the_order_of_the_list();
+    void adding_an_active_script_changes_nothing_but_is_told();
+    void removing_takes_the_selected_scripts();
+    void a_script_that_stands_twice_goes_by_its_row();
+    void a_script_that_stands_twice_is_selected_twice();
+    void without_an_output_adding_and_removing_are_only_told();
+    void double_click_in_the_all_list_adds();
+    void double_click_in_the_active_list_removes();
+    void fast_double_clicks_lose_nothing();
+
+    void chosen_row_is_reported_and_mirrored();
+    void chosen_row_without_a_partner_leaves_no_current_row();
+    void chosen_active_row_is_mirrored();
+    void selection_is_mirrored();
+    void selection_by_keys_is_mirrored();
+    void selection_of_active_rows_is_mirrored();
+    void current_row_stays_selected_when_nothing_else_is();
+    void rebuilt_active_list_follows_the_all_list();
+    void first_active_row_is_selected_alone();
+
+    void repainting_follows_name_mode_and_trigger();
+    void repainting_passes_over_scripts_without_a_mode();
+    void repainting_reports_the_colour_of_the_edited_script();
+    void new_scripts_select_the_first_active_row();
+    void new_scripts_select_the_first_row_of_all_without_active_ones();
+
+    void finished_drag_stores_the_order();
+    void lost_row_stops_the_storing_and_comes_back();
+    void no_row_can_be_dropped_onto();
+
+    void tooltip_is_the_summary_in_both_lists();
+    void odd_names_are_shown_as_they_are_data();
+    void odd_names_are_shown_as_they_are();
+
+private:
+    QLabel* label(QListWidget* list, int row) const
+    {
+        return qobject_cast<QLabel*>(list->itemWidget(list->item(row)));
+    }
+    QStringList texts(QListWidget* list) const;
+    QList<int> selectedRows(QListWidget* list) const;
+    void activate(const QList<int>& numbers);
+
+    QSharedPointer<RelayInfo> info;
+    RelayInformationPtr output;
+    std::unique_ptr<QWidget> window;
+    QListWidget* all = nullptr;
+    QListWidget* active = nullptr;
+    std::unique_ptr<ScriptLists> lists;
+    QList<int> chosen;
+    int outputChanges = 0;
+    QStringList colors;
+};
+
+void tst_ScriptLists::init()
+{
+    info = QSharedPointer<RelayInfo>::create();
+    output = info->groups().first()->outputs.first();
+    window = std::make_unique<QWidget>();
+    all = new QListWidget(window.get());
+    active = new QListWidget(window.get());
+    window->resize(420, 820);
+    active->setGeometry(0, 0, 200, 800);
+    all->setGeometry(210, 0, 200, 800);
+    lists = std::make_unique<ScriptLists>(info, all, active);
+    chosen.clear();
+    colors.clear();
+    outputChanges = 0;
+    connect(all, &QListWidget::currentItemChanged, lists.get(), &ScriptLists::allCurrentChanged);
+    connect(all, &QListWidget::itemSelectionChanged, lists.get(), &ScriptLists::allSelectionChanged);
+    connect(active, &QListWidget::currentItemChanged, lists.get(), &ScriptLists::activeCurrentChanged);
+    connect(active, &QListWidget::itemSelectionChanged, lists.get(), &ScriptLists::activeSelectionChanged);
+    connect(lists.get(), &ScriptLists::scriptChosen, this,
+            [this](const ScriptInfoPtr& script) { chosen.append(script->number); });
+    connect(lists.get(), &ScriptLists::outputChanged, this, [this] { ++outputChanges; });
+    connect(lists.get(), &ScriptLists::editedColorChanged, this, [this](const QString& rgba) { colors.append(rgba); });
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    lists->rebuildAll();
+    lists->rebuildActive(output);
+}
+
+void tst_ScriptLists::cleanup()
+{
+    lists.reset();
+    window.reset();
+    info.clear();
+}
+
+QStringList tst_ScriptLists::texts(QListWidget* list) const
+{
+    QStringList rows;
+    for (int row = 0; row < list->count(); ++row) {
+        rows.append(label(list, row)->text());
+    }
+    return rows;
+}
+
+QList<int> tst_ScriptLists::selectedRows(QListWidget* list) const
+{
+    QList<int> rows;
+    for (int row = 0; row < list->count(); ++row) {
+        if (list->item(row)->isSelected()) {
+            rows.append(row);
+        }
+    }
+    return rows;
+}
+
+/// Gives the output the scripts with these numbers, counted from 0.
+void tst_ScriptLists::activate(const QList<int>& numbers)
+{
+    output->activatedScripts.clear();
+    for (int number : numbers) {
+        output->activatedScripts.append(info->findScript(static_cast<quint8>(number)));
+    }
+    lists->rebuildActive(output);
+}
+
+void tst_ScriptLists::lists_select_many_and_the_active_one_is_dragged()
+{
+    QCOMPARE(all->selectionMode(), QAbstractItemView::ExtendedSelection);
+    QCOMPARE(active->selectionMode(), QAbstractItemView::ExtendedSelection);
+    QCOMPARE(active->dragDropMode(), QAbstractItemView::InternalMove);
+    QVERIFY(all->dragDropMode() != QAbstractItemView::InternalMove);
+}
+
+void tst_ScriptLists::all_list_shows_every_script()
+{
+    info->findScript(9)->name = QStringLiteral("Fan");
+    lists->rebuildAll();
+    QCOMPARE(all->count(), 32);
+    QCOMPARE(label(all, 0)->text(), QStringLiteral(" 1. Script"));
+    QCOMPARE(label(all, 9)->text(), QStringLiteral("10. Fan"));
+    QCOMPARE(label(all, 31)->text(), QStringLiteral("32. Script"));
+}
+
+void tst_ScriptLists::active_list_shows_the_scripts_of_the_output_in_their_order()
+{
+    activate({11, 0, 5});
+    QCOMPARE(texts(active), QStringList({QStringLiteral(" 12. Script"), QStringLiteral("  1. Script"),
+                                         QStringLiteral("  6. Script")}));
+}
+
+void tst_ScriptLists::rows_are_coloured_by_mode_or_grey_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<bool>("notActive");
+    QTest::addColumn<QString>("color");
+    QTest::newRow("no trigger") << 1 << true << grey;
+    QTest::newRow("deactivation") << 0 << false << QStringLiteral("rgba(255, 255, 255, 100)");
+    QTest::newRow("activation") << 1 << false << QStringLiteral("rgba(0, 255, 17, 150)");
+    QTest::newRow("pulsation") << 2 << false << QStringLiteral("rgba(255, 255, 0, 150)");
+    QTest::newRow("disable") << 4 << false << QStringLiteral("rgba(255, 0, 0, 150)");
+}
+
+void tst_ScriptLists::rows_are_coloured_by_mode_or_grey()
+{
+    QFETCH(int, mode);
+    QFETCH(bool, notActive);
+    QFETCH(QString, color);
+    const ScriptInfoPtr script = info->findScript(3);
+    script->mode = info->modeAt(mode);
+    script->notActive = notActive;
+    lists->rebuildAll();
+    activate({3});
+    QCOMPARE(label(all, 3)->styleSheet(), rowStyle(color));
+    QCOMPARE(label(active, 0)->styleSheet(), rowStyle(color));
+}
+
+void tst_ScriptLists::no_output_empties_the_active_list()
+{
+    activate({1, 2});
+    lists->rebuildActive({});
+    QCOMPARE(active->count(), 0);
+    QVERIFY(!all->signalsBlocked());
+}
+
+void tst_ScriptLists::adding_takes_the_selected_scripts_in_the_order_of_the_list()
+{
+    activate({30});
+    all->item(7)->setSelected(true);
+    all->item(2)->setSelected(true);
+    all->item(30)->setSelected(true);
+    lists->addSelected();
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({30, 2, 7}));
+    QCOMPARE(active->count(), 3);
+    QCOMPARE(selectedRows(active), QList<int>({0, 1, 2}));
+    QCOMPARE(selectedRows(all), QList<int>({2, 7, 30}));
+    QCOMPARE(outputChanges, 1);
+}
+
+void tst_ScriptLists::adding_an_active_script_changes_nothing_but_is_told()
+{
+    activate({4});
+    const QListWidgetItem* row = active->item(0);
+    all->setCurrentRow(4);
+    lists->addSelected();
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>{4});
+    QCOMPARE(active->item(0), row); // not even the list was rebuilt
+    QCOMPARE(outputChanges, 1);
+}
+
+void tst_ScriptLists::removing_takes_the_selected_scripts()
+{
+    activate({4, 8, 12});
+    active->clearSelection();
+    active->item(0)->setSelected(true);
+    active->item(2)->setSelected(true);
+    lists->removeSelected();
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>{8});
+    QCOMPARE(active->count(), 1);
+    QCOMPARE(outputChanges, 1);
+    activate({});
+    lists->removeSelected();
+    QCOMPARE(outputChanges, 2);
+}
+
+void tst_ScriptLists::a_script_that_stands_twice_goes_by_its_row()
+{
+    activate({3, 7, 3});
+    active->clearSelection();
+    active->setCurrentRow(2, QItemSelectionModel::ClearAndSelect);
+    lists->removeSelected();
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({3, 7}));
+}
+
+void tst_ScriptLists::a_script_that_stands_twice_is_selected_twice()
+{
+    activate({3, 7, 3});
+    all->setCurrentRow(3, QItemSelectionModel::ClearAndSelect);
+    QCOMPARE(selectedRows(active), QList<int>({0, 2}));
+    all->setCurrentRow(7, QItemSelectionModel::ClearAndSelect);
+    QCOMPARE(selectedRows(active), QList<int>({1}));
+}
+
+void tst_ScriptLists::without_an_output_adding_and_removing_are_only_told()
+{
+    lists->rebuildActive({});
+    all->setCurrentRow(4);
+    lists->addSelected();
+    QCOMPARE(outputChanges, 1);
+    lists->removeSelected();
+    QCOMPARE(outputChanges, 2);
+    QCOMPARE(active->count(), 0);
+    QVERIFY(output->activatedScripts.isEmpty());
+}
+
+void tst_ScriptLists::double_click_in_the_all_list_adds()
+{
+    QTest::mouseClick(label(all, 6), Qt::LeftButton);
+    QTest::mouseDClick(label(all, 6), Qt::LeftButton);
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>{6});
+    QCOMPARE(outputChanges, 1);
+    QCOMPARE(chosen.last(), 6);
+}
+
+void tst_ScriptLists::double_click_in_the_active_list_removes()
+{
+    activate({6, 7});
+    QTest::mouseClick(label(active, 0), Qt::LeftButton);
+    QTest::mouseDClick(label(active, 0), Qt::LeftButton);
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>{7});
+    // The row that has moved up under the mouse isn't chosen by the same click.
+    QCOMPARE(selectedRows(active), QList<int>());
+    QCOMPARE(chosen.last(), 6);
+}
+
+void tst_ScriptLists::fast_double_clicks_lose_nothing()
+{
+    for (int row = 0; row < 8; ++row) {
+        QTest::mouseClick(label(all, row), Qt::LeftButton);
+        QTest::mouseDClick(label(all, row), Qt::LeftButton);
+        QTest::mouseDClick(label(all, row), Qt::LeftButton);
+    }
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({0, 1, 2, 3, 4, 5, 6, 7}));
+    for (int count = 8; count > 0; --count) {
+        QTest::mouseClick(label(active, 0), Qt::LeftButton);
+        QTest::mouseDClick(label(active, 0), Qt::LeftButton);
+    }
+    QVERIFY(output->activatedScripts.isEmpty());
+    QCOMPARE(active->count(), 0);
+    QCOMPARE(all->count(), 32);
+}
+
+void tst_ScriptLists::chosen_row_is_reported_and_mirrored()
+{
+    activate({3, 9});
+    chosen.clear();
+    QTest::mouseClick(label(all, 9), Qt::LeftButton);
+    QCOMPARE(chosen, QList<int>{9});
+    QCOMPARE(active->currentRow(), 1);
+    QCOMPARE(selectedRows(active), QList<int>{1});
+}
+
+void tst_ScriptLists::chosen_row_without_a_partner_leaves_no_current_row()
+{
+    activate({3, 9});
+    all->setCurrentRow(9);
+    chosen.clear();
+    QTest::mouseClick(label(all, 10), Qt::LeftButton);
+    QCOMPARE(chosen, QList<int>{10});
+    QCOMPARE(active->currentRow(), -1);
+    QCOMPARE(selectedRows(active), QList<int>());
+}
+
+void tst_ScriptLists::chosen_active_row_is_mirrored()
+{
+    activate({3, 9});
+    active->setCurrentRow(0);
+    chosen.clear();
+    QTest::mouseClick(label(active, 1), Qt::LeftButton);
+    QCOMPARE(chosen, QList<int>{9});
+    QCOMPARE(all->currentRow(), 9);
+    QCOMPARE(selectedRows(all), QList<int>{9});
+    QTest::keyClick(active, Qt::Key_Up);
+    QCOMPARE(chosen, QList<int>({9, 3}));
+    QCOMPARE(all->currentRow(), 3);
+    QCOMPARE(selectedRows(all), QList<int>{3});
+}
+
+void tst_ScriptLists::selection_is_mirrored()
+{
+    activate({3, 9, 4});
+    QTest::mouseClick(label(all, 3), Qt::LeftButton);
+    QTest::mouseClick(label(all, 5), Qt::LeftButton, Qt::ShiftModifier);
+    QCOMPARE(selectedRows(all), QList<int>({3, 4, 5}));
+    QCOMPARE(selectedRows(active), QList<int>({0, 2}));
+    QTest::mouseClick(label(all, 9), Qt::LeftButton, Qt::ControlModifier);
+    QCOMPARE(selectedRows(active), QList<int>({0, 1, 2}));
+    QTest::mouseClick(label(all, 3), Qt::LeftButton, Qt::ControlModifier);
+    QCOMPARE(selectedRows(active), QList<int>({1, 2}));
+}
+
+void tst_ScriptLists::selection_by_keys_is_mirrored()
+{
+    activate({3, 4, 5});
+    all->setCurrentRow(3);
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(all, Qt::Key_Down, Qt::ShiftModifier);
+    }
+    QCOMPARE(selectedRows(all), QList<int>({3, 4, 5, 6}));
+    QCOMPARE(selectedRows(active), QList<int>({0, 1, 2}));
+    QCOMPARE(active->currentRow(), -1);
+    QTest::keyClick(all, Qt::Key_Up, Qt::ShiftModifier);
+    QCOMPARE(active->currentRow(), 2);
+    QCOMPARE(selectedRows(active), QList<int>({0, 1, 2}));
+    QTest::keyClick(all, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(selectedRows(active), QList<int>({0, 1, 2}));
+}
+
+void tst_ScriptLists::selection_of_active_rows_is_mirrored()
+{
+    activate({3, 9, 4});
+    QTest::mouseClick(label(active, 0), Qt::LeftButton);
+    QTest::mouseClick(label(active, 1), Qt::LeftButton, Qt::ControlModifier);
+    QCOMPARE(selectedRows(all), QList<int>({3, 9}));
+    QCOMPARE(all->currentRow(), 9);
+}
+
+void tst_ScriptLists::current_row_stays_selected_when_nothing_else_is()
+{
+    activate({3});
+    QTest::mouseClick(label(all, 3), Qt::LeftButton);
+    all->clearSelection();
+    QCOMPARE(selectedRows(all), QList<int>{3});
+    QCOMPARE(selectedRows(active), QList<int>{0});
+}
+
+void tst_ScriptLists::rebuilt_active_list_follows_the_all_list()
+{
+    all->setCurrentRow(9);
+    all->item(3)->setSelected(true);
+    chosen.clear();
+    activate({3, 7, 9});
+    QCOMPARE(chosen, QList<int>{9});
+    QCOMPARE(active->currentRow(), 2);
+    QCOMPARE(selectedRows(active), QList<int>({0, 2}));
+    QCOMPARE(selectedRows(all), QList<int>({3, 9}));
+}
+
+void tst_ScriptLists::first_active_row_is_selected_alone()
+{
+    all->setCurrentRow(9);
+    activate({3, 7, 9});
+    lists->selectFirstActive();
+    QCOMPARE(active->currentRow(), 0);
+    QCOMPARE(selectedRows(active), QList<int>{0});
+    QCOMPARE(selectedRows(all), QList<int>{3});
+    QCOMPARE(chosen.last(), 3);
+    activate({});
+    chosen.clear();
+    lists->selectFirstActive();
+    QVERIFY(chosen.size() <= 1);
+    QCOMPARE(active->currentRow(), -1);
+}
+
+void tst_ScriptLists::repainting_follows_name_mode_and_trigger()
+{
+    activate({3});
+    const ScriptInfoPtr script = info->findScript(3);
+    script->name = QStringLiteral("Fan");
+    script->mode = info->modeAt(1);
+    script->notActive = false;
+    lists->refreshStates({});
+    for (QLabel* row : {label(all, 3), label(active, 0)}) {
+        QCOMPARE(row->text(), QStringLiteral("  4. Fan"));
+        QCOMPARE(row->styleSheet(), rowStyle(QStringLiteral("rgba(0, 255, 17, 150)")));
+    }
+    QCOMPARE(label(all, 11)->text(), QStringLiteral(" 12. Script"));
+    QCOMPARE(label(all, 11)->styleSheet(), rowStyle(grey));
+}
+
+void tst_ScriptLists::repainting_passes_over_scripts_without_a_mode()
+{
+    const ScriptInfoPtr script = info->findScript(3);
+    script->name = QStringLiteral("Fan");
+    script->mode.clear();
+    lists->refreshStates(script);
+    QCOMPARE(label(all, 3)->text(), QStringLiteral(" 4. Script"));
+    QVERIFY(colors.isEmpty());
+    script->notActive = false;
+    lists->rebuildAll();
+    QCOMPARE(label(all, 3)->styleSheet(), rowStyle(grey));
+}
+
+void tst_ScriptLists::repainting_reports_the_colour_of_the_edited_script()
+{
+    activate({3});
+    lists->refreshStates(info->findScript(3));
+    QCOMPARE(colors, QStringList{grey});
+    lists->refreshStates({});
+    QCOMPARE(colors.size(), 1);
+}
+
+void tst_ScriptLists::new_scripts_select_the_first_active_row()
+{
+    activate({5, 2});
+    all->setCurrentRow(20);
+    info->findScript(5)->name = QStringLiteral("Fan");
+    chosen.clear();
+    lists->showNewScripts(output, info->findScript(20));
+    QCOMPARE(label(all, 5)->text(), QStringLiteral("  6. Fan"));
+    QCOMPARE(active->currentRow(), 0);
+    QCOMPARE(selectedRows(active), QList<int>{0});
+    QCOMPARE(selectedRows(all), QList<int>{5});
+    QCOMPARE(chosen, QList<int>({5, 5})); // by the selection, and once more in so many words
+    QCOMPARE(colors, QStringList{grey});
+}
+
+void tst_ScriptLists::new_scripts_select_the_first_row_of_all_without_active_ones()
+{
+    all->setCurrentRow(20);
+    chosen.clear();
+    lists->showNewScripts(output, {});
+    QCOMPARE(all->currentRow(), 0);
+    QCOMPARE(selectedRows(all), QList<int>{0});
+    QCOMPARE(chosen, QList<int>({0, 0}));
+}
+
+void tst_ScriptLists::finished_drag_stores_the_order()
+{
+    activate({3, 9, 4, 12});
+    active->model()->moveRow({}, 0, {}, 4);
+    active->model()->moveRow({}, 1, {}, 0);
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({3, 9, 4, 12}));
+    delete new QObject(active); // a child is gone, as Qt's drag object is at the end of a drag
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({4, 9, 12, 3}));
+    QCOMPARE(texts(all).size(), 32);
+    QCOMPARE(label(all, 0)->text(), QStringLiteral(" 1. Script"));
+    // The entries stand in the new order as well: what is removed now is what is seen.
+    active->clearSelection();
+    active->item(3)->setSelected(true);
+    lists->removeSelected();
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({4, 9, 12}));
+}
+
+void tst_ScriptLists::lost_row_stops_the_storing_and_comes_back()
+{
+    activate({3, 9, 4});
+    active->model()->moveRow({}, 2, {}, 0);
+    delete active->takeItem(2);
+    delete new QObject(active);
+    QCOMPARE(numbersOf(output->activatedScripts), QList<int>({3, 9, 4}));
+    all->setCurrentRow(9); // the script of the lost row
+    lists->refreshStates({});
+    QTRY_COMPARE(active->count(), 3);
+    QCOMPARE(texts(active), QStringList({QStringLiteral("  4. Script"), QStringLiteral(" 10. Script"),
+                                         QStringLiteral("  5. Script")}));
+}
+
+void tst_ScriptLists::no_row_can_be_dropped_onto()
+{
+    // Such a drop would replace the row; without it a drop on the middle of a row goes above or below it.
+    activate({3, 9});
+    for (int row = 0; row < active->count(); ++row) {
+        QVERIFY(!active->item(row)->flags().testFlag(Qt::ItemIsDropEnabled));
+        QVERIFY(active->item(row)->flags().testFlag(Qt::ItemIsDragEnabled));
+    }
+}
+
+void tst_ScriptLists::tooltip_is_the_summary_in_both_lists()
+{
+    activate({3});
+    const ScriptInfoPtr script = info->findScript(3);
+    script->name = QStringLiteral("<i>Fan</i>");
+    QHelpEvent event(QEvent::ToolTip, QPoint(1, 1), label(active, 0)->mapToGlobal(QPoint(1, 1)));
+    QVERIFY(!lists->eventFilter(label(active, 0), &event));
+    QCOMPARE(label(active, 0)->toolTip(), scriptSummary(script));
+    QCOMPARE(label(all, 3)->toolTip(), scriptSummary(script));
+    QVERIFY(label(all, 4)->toolTip().isEmpty());
+    // Each request asks anew.
+    script->name = QStringLiteral("Lamp");
+    QApplication::sendEvent(label(all, 3), &event);
+    QCOMPARE(label(active, 0)->toolTip(), scriptSummary(script));
+}
+
+void tst_ScriptLists::odd_names_are_shown_as_they_are_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("markup") << QStringLiteral("<b>x</b>&amp;<img src=a>");
+    QTest::newRow("place markers") << QStringLiteral("%1 %2 %n");
+    QTest::newRow("ampersand") << QStringLiteral("R&D");
+    QTest::newRow("other scripts") << QStringLiteral("Сценарий \u0645\u0631\u062d\u0628\u0627 \U0001F525");
+    QTest::newRow("200 letters") << QString(200, QLatin1Char('W'));
+}
+
+void tst_ScriptLists::odd_names_are_shown_as_they_are()
+{
+    QFETCH(QString, name);
+    info->findScript(0)->name = name;
+    lists->rebuildAll();
+    activate({0});
+    QCOMPARE(label(all, 0)->text(), QStringLiteral(" 1. ") + name);
+    QCOMPARE(label(active, 0)->text(), QStringLiteral("  1. ") + name);
+    QCOMPARE(label(active, 0)->textFormat(), Qt::PlainText);
+    QVERIFY(label(all, 0)->width() <= all->viewport()->width());
+    QVERIFY(!all->horizontalScrollBar()->isVisible());
+    QCOMPARE(label(all, 0)->height(), label(all, 1)->height());
+}
+
+QTEST_MAIN(tst_ScriptLists)
+#include "tst_ScriptLists.moc"

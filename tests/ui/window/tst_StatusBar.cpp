@@ -1,0 +1,257 @@
+#include <QApplication>
+#include <QFrame>
+#include <QHelpEvent>
+#include <QLabel>
+#include <QMainWindow>
+#include <QStatusBar>
+#include <QToolTip>
+#include <QtTest>
+
+#include "ui/window/StatusBar.h"
+#include "widgets/Look.h"
+
+namespace
+{
+
+QImage lamp(const QString& name)
+{
+    return QPixmap(QStringLiteral(":/icons/icons/") + name).toImage();
+}
+
+} // namespace
+
+class tst_StatusBar : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QApplication::setFont(look::applicationFont());
+    }
+    void init();
+    void cleanup();
+
+    void begins_without_a_coordinator_and_without_placeholders();
+    void sections_stand_in_order_with_their_widths_and_frames();
+    void labels_of_a_section_stand_where_they_should();
+    void lamp_follows_the_state_of_the_port_data();
+    void lamp_follows_the_state_of_the_port();
+    void values_of_the_port_are_bold();
+    void name_of_the_port_is_whole_in_its_section_data();
+    void name_of_the_port_is_whole_in_its_section();
+    void long_name_of_a_port_is_elided_in_the_middle();
+    void coordinator_is_shown_by_its_address_data();
+    void coordinator_is_shown_by_its_address();
+    void time_and_result_are_shown_as_they_are();
+    void a_long_result_wraps();
+
+private:
+    QLabel* label(const char* name) const
+    {
+        return window->findChild<QLabel*>(QLatin1String(name));
+    }
+    QImage pictureOfName() const
+    {
+        return section("sectionPort")->grab(label("labelPortName")->geometry()).toImage();
+    }
+    void showPort(const QString& name)
+    {
+        status->showPort(1, name, QStringLiteral("57600"), 1, QStringLiteral("2"), QStringLiteral("1.02"));
+        QCoreApplication::processEvents();
+    }
+    QFrame* section(const char* name) const
+    {
+        return window->findChild<QFrame*>(QLatin1String(name));
+    }
+
+    std::unique_ptr<QMainWindow> window;
+    std::unique_ptr<StatusBar> status;
+};
+
+void tst_StatusBar::init()
+{
+    window = std::make_unique<QMainWindow>();
+    status = std::make_unique<StatusBar>();
+    status->install(window->statusBar());
+    window->resize(1300, 300);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void tst_StatusBar::cleanup()
+{
+    status.reset();
+    window.reset();
+}
+
+void tst_StatusBar::begins_without_a_coordinator_and_without_placeholders()
+{
+    QCOMPARE(label("labelIconPort")->pixmap(Qt::ReturnByValue).toImage(), lamp(QStringLiteral("red.png")));
+    QCOMPARE(label("labelCoordinator")->text(), QStringLiteral("<b>Coordinator not connected</b>"));
+    for (const char* name : {"labelPortName", "labelBaudrate", "labelSerial", "labelVersion", "labelDeviceTime"}) {
+        QCOMPARE(label(name)->text(), QStringLiteral("-"));
+    }
+    QCOMPARE(label("labelResult")->text(), QString());
+}
+
+void tst_StatusBar::sections_stand_in_order_with_their_widths_and_frames()
+{
+    QFrame* const port = section("sectionPort");
+    QFrame* const coordinator = section("sectionCoordinator");
+    QFrame* const time = section("sectionTime");
+    QFrame* const result = section("sectionResult");
+    QCOMPARE(port->width(), 90);
+    QCOMPARE(coordinator->width(), 250);
+    QVERIFY(result->width() >= 500);
+    QVERIFY(port->x() < coordinator->x());
+    QVERIFY(coordinator->x() < time->x());
+    QVERIFY(time->x() < result->x());
+    for (const QFrame* frame : {port, coordinator, time, result}) {
+        QCOMPARE(frame->styleSheet(), QStringLiteral("QFrame{border: 1px solid black;} QLabel{border: 0px;}"));
+    }
+
+    const int timeWidth = time->width();
+    const int resultWidth = result->width();
+    window->resize(1500, 300);
+    QTRY_COMPARE(result->width(), resultWidth + 200);
+    QCOMPARE(time->width(), timeWidth);
+    QCOMPARE(result->minimumWidth(), 500);
+}
+
+void tst_StatusBar::labels_of_a_section_stand_where_they_should()
+{
+    QVERIFY(label("labelIconPort")->width() <= 30);
+    QVERIFY(label("labelIconPort")->height() >= 30);
+    QVERIFY(label("labelIconPort")->geometry().right() < label("labelPortName")->x());
+    QVERIFY(label("labelPortName")->geometry().bottom() < label("labelBaudrate")->y());
+    QCOMPARE(label("labelCoordinator")->width(), 97);
+    QVERIFY(label("labelCoordinator")->wordWrap());
+    QCOMPARE(label("labelCoordinator")->styleSheet(), QStringLiteral("QLabel { border-right: 1px solid black; }"));
+    QVERIFY(label("labelVersion")->geometry().bottom() < label("labelSerial")->y());
+    QVERIFY(label("labelVersion")->x() > label("labelCoordinator")->geometry().right());
+
+    QStringList captions;
+    const auto allCaptions = window->findChildren<QLabel*>();
+    for (const QLabel* caption : allCaptions) {
+        captions.append(caption->text());
+    }
+    QVERIFY(captions.contains(QStringLiteral("Version:")));
+    QVERIFY(captions.contains(QStringLiteral("Serial number:")));
+    QVERIFY(captions.contains(QStringLiteral("Device time:")));
+}
+
+void tst_StatusBar::lamp_follows_the_state_of_the_port_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QString>("icon");
+    QTest::newRow("watched, not connected") << 0 << "red.png";
+    QTest::newRow("watched, connected") << 1 << "green.png";
+    QTest::newRow("not watched") << 2 << "yellow.png";
+    QTest::newRow("anything else") << 200 << "yellow.png";
+}
+
+void tst_StatusBar::lamp_follows_the_state_of_the_port()
+{
+    QFETCH(const int, state);
+    QFETCH(const QString, icon);
+    status->showPort(static_cast<uchar>(state), QStringLiteral("COM1"), QStringLiteral("57600"), 1, QStringLiteral("2"),
+                     QStringLiteral("1.02"));
+    const QImage shown = label("labelIconPort")->pixmap(Qt::ReturnByValue).toImage();
+    QVERIFY(!shown.isNull());
+    QCOMPARE(shown, lamp(icon));
+}
+
+void tst_StatusBar::values_of_the_port_are_bold()
+{
+    status->showPort(1, QStringLiteral("COM7"), QStringLiteral("57600"), 3, QStringLiteral("4711"),
+                     QStringLiteral("2.05"));
+    QCOMPARE(label("labelPortName")->text(), QStringLiteral("<b>COM7</b>"));
+    QCOMPARE(label("labelBaudrate")->text(), QStringLiteral("<b>57600</b>"));
+    QCOMPARE(label("labelSerial")->text(), QStringLiteral("<b>4711</b>"));
+    QCOMPARE(label("labelVersion")->text(), QStringLiteral("<b>2.05</b>"));
+}
+
+void tst_StatusBar::name_of_the_port_is_whole_in_its_section_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"ttyUSB0", "ttyUSB10", "ttyACM0", "COM256", "pts/12"}) {
+        QTest::newRow(name) << QString::fromLatin1(name);
+    }
+}
+
+void tst_StatusBar::name_of_the_port_is_whole_in_its_section()
+{
+    QFETCH(const QString, name);
+    showPort(name);
+    QLabel* const shown = label("labelPortName");
+    const int widthInSection = shown->width();
+    const QImage inSection = pictureOfName();
+    // With more room nothing comes to light that the section's width has hidden.
+    section("sectionPort")->setFixedWidth(300);
+    QTRY_VERIFY(shown->width() > 2 * widthInSection);
+    const QImage withMoreRoom = pictureOfName();
+    QCOMPARE(withMoreRoom.copy(inSection.rect()), inSection);
+    const QImage rest = withMoreRoom.copy(withMoreRoom.rect().adjusted(widthInSection, 0, 0, 0));
+    QImage nothing = rest;
+    nothing.fill(rest.pixelColor(rest.rect().bottomRight()));
+    QCOMPARE(rest, nothing);
+}
+
+void tst_StatusBar::long_name_of_a_port_is_elided_in_the_middle()
+{
+    const QString name = QStringLiteral("ttyVirtualPort17");
+    QLabel* const shown = label("labelPortName");
+    showPort(name);
+    const QImage elided = pictureOfName();
+    const QString expected = shown->fontMetrics().elidedText(name, Qt::ElideMiddle, shown->width());
+    QVERIFY(expected.endsWith(QLatin1Char('7')));
+    showPort(expected);
+    QCOMPARE(elided, pictureOfName());
+
+    showPort(name);
+    QHelpEvent hover(QEvent::ToolTip, QPoint(2, 2), shown->mapToGlobal(QPoint(2, 2)));
+    QApplication::sendEvent(shown, &hover);
+    QVERIFY(QToolTip::text().contains(name));
+    QToolTip::hideText();
+}
+
+void tst_StatusBar::coordinator_is_shown_by_its_address_data()
+{
+    QTest::addColumn<int>("address");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("address") << 3 << "Coordinator <b>3</b>";
+    QTest::newRow("address 0 is an address") << 0 << "Coordinator <b>0</b>";
+    QTest::newRow("address 254 is an address") << 254 << "Coordinator <b>254</b>";
+    QTest::newRow("255 means none") << 255 << "<b>Coordinator not connected</b>";
+}
+
+void tst_StatusBar::coordinator_is_shown_by_its_address()
+{
+    QFETCH(const int, address);
+    QFETCH(const QString, text);
+    status->showPort(0, QStringLiteral("COM7"), QStringLiteral("-"), static_cast<uchar>(address), QStringLiteral("-"),
+                     QStringLiteral("-"));
+    QCOMPARE(label("labelCoordinator")->text(), text);
+}
+
+void tst_StatusBar::time_and_result_are_shown_as_they_are()
+{
+    status->showDeviceTime(QStringLiteral("--:--:-- --.--.----"));
+    QCOMPARE(label("labelDeviceTime")->text(), QStringLiteral("--:--:-- --.--.----"));
+    status->showResult(QStringLiteral("Saved to\n/tmp/<b>.cfg"));
+    QCOMPARE(status->result(), QStringLiteral("Saved to\n/tmp/<b>.cfg"));
+    QCOMPARE(label("labelResult")->textFormat(), Qt::PlainText);
+}
+
+void tst_StatusBar::a_long_result_wraps()
+{
+    QVERIFY(label("labelResult")->wordWrap());
+    const int width = window->width();
+    status->showResult(QStringLiteral("many words ").repeated(60));
+    QTest::qWait(0);
+    QCOMPARE(window->width(), width);
+}
+
+QTEST_MAIN(tst_StatusBar)
+#include "tst_StatusBar.moc"
