@@ -1,9 +1,9 @@
 #include "benchmarks/Figures.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 #include <utility>
-
-#include <QElapsedTimer>
 
 Benchmark::Benchmark(QString benchmarkName, Run benchmarkRun)
     : name(std::move(benchmarkName)), run(std::move(benchmarkRun))

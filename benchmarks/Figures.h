@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QString>
+
 #include <functional>
 #include <vector>
-
-#include <QString>
 
 /// One line of the table: what was measured, its reference from the same run, and the bar.
 struct Figure

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <chrono>
-#include <cstdio>
-
 #include <QApplication>
 #include <QEvent>
 #include <QTimer>
 #include <QWidget>
+
+#include <chrono>
+#include <cstdio>
 
 /// Ends the process once a window has been painted for the first time, and prints the milliseconds that have passed
 /// since the moment in the first argument, a steady clock's count of nanoseconds that the parent process took before it

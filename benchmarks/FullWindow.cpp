@@ -1,5 +1,10 @@
 #include "benchmarks/FullWindow.h"
 
+#include "benchmarks/Units.h"
+#include "link/FormChoiceCoordinator.h"
+#include "model/RelayInfo.h"
+#include "ui/tree/Tree_Relay_Widget.h"
+
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QEvent>
@@ -8,11 +13,6 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTreeWidget>
-
-#include "benchmarks/Units.h"
-#include "link/FormChoiceCoordinator.h"
-#include "model/RelayInfo.h"
-#include "ui/tree/Tree_Relay_Widget.h"
 
 namespace
 {

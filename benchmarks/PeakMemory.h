@@ -1,8 +1,8 @@
 #pragma once
 
-#include <sys/resource.h>
-
 #include <QtGlobal>
+
+#include <sys/resource.h>
 
 /// The most memory that this process ever had in use, in KiB.
 inline qint64 peakMemory()

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <algorithm>
-
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
+
+#include <algorithm>
 
 /// Notes the longest time between two turns of the event loop of the thread that creates it.
 class StandstillWatch : public QObject

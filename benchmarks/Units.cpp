@@ -1,9 +1,9 @@
 #include "benchmarks/Units.h"
 
-#include <QRandomGenerator>
-
 #include "model/RelayInfo.h"
 #include "simulator/LogGenerator.h"
+
+#include <QRandomGenerator>
 
 namespace units
 {

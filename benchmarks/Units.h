@@ -1,9 +1,9 @@
 #pragma once
 
+#include "simulator/UnitState.h"
+
 #include <QByteArrayList>
 #include <QSharedPointer>
-
-#include "simulator/UnitState.h"
 
 class RelayInfo;
 

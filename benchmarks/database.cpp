@@ -1,18 +1,18 @@
 // The event log: decoding, and its way into the table against the import of the same rows by the sqlite3 shell.
 
-#include <memory>
+#include "eventlog/DataBase.h"
 
-#include <utility>
+#include "benchmarks/Figures.h"
+#include "benchmarks/Units.h"
+#include "eventlog/LogEvents.h"
+#include "model/Device.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QThread>
 
-#include "benchmarks/Figures.h"
-#include "benchmarks/Units.h"
-#include "eventlog/DataBase.h"
-#include "eventlog/LogEvents.h"
-#include "model/Device.h"
+#include <memory>
+#include <utility>
 
 namespace
 {

@@ -1,11 +1,11 @@
-#include <cstdio>
+#include "benchmarks/FirstPaint.h"
+#include "benchmarks/PeakMemory.h"
 
 #include <QApplication>
 #include <QMainWindow>
 #include <QStyleFactory>
 
-#include "benchmarks/FirstPaint.h"
-#include "benchmarks/PeakMemory.h"
+#include <cstdio>
 
 /// An empty window of the program's style: the reference for the time to the first paint and for memory.
 int main(int argc, char* argv[])

@@ -1,21 +1,21 @@
 // What one exchange costs apart from the wire: the time between two requests of a reading through worker and form, less
 // that of the same bytes in a loop of write, poll and read on a pseudo-terminal of the same kind.
 
+#include "benchmarks/Figures.h"
+#include "benchmarks/Units.h"
+#include "link/FormChoiceCoordinator.h"
+#include "link/protocol_HUBN_NX_Q.h"
+#include "simulator/UnitSimulator.h"
+
+#include <QEventLoop>
+#include <QFile>
+
 #include <chrono>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
-
-#include <QEventLoop>
-#include <QFile>
-
-#include "benchmarks/Figures.h"
-#include "benchmarks/Units.h"
-#include "link/FormChoiceCoordinator.h"
-#include "link/protocol_HUBN_NX_Q.h"
-#include "simulator/UnitSimulator.h"
 
 namespace
 {

@@ -1,12 +1,12 @@
 // A configuration of 32 terminals and 32 scripts, to a file and back, without the disk's own time: the files lie where
 // the system keeps its temporary ones, and the reference is the same bytes written or read in one go there.
 
-#include <QFile>
-#include <QSaveFile>
-
 #include "benchmarks/Figures.h"
 #include "benchmarks/Units.h"
 #include "model/RelayInfo.h"
+
+#include <QFile>
+#include <QSaveFile>
 
 namespace
 {

@@ -1,10 +1,10 @@
 // A whole log in the window: how soon its rows are there, and what memory it takes above an empty window.
 
-#include <QCoreApplication>
-#include <QProcess>
-
 #include "benchmarks/Figures.h"
 #include "benchmarks/FirstPaint.h"
+
+#include <QCoreApplication>
+#include <QProcess>
 
 namespace
 {

@@ -1,8 +1,11 @@
 // Reads a whole log into the window and prints a line of three numbers: milliseconds from its last byte to its rows in
 // the view, the longest standstill of the event loop in that time, and the peak memory of the process in KiB.
 
-#include <chrono>
-#include <cstdio>
+#include "benchmarks/PeakMemory.h"
+#include "benchmarks/StandstillWatch.h"
+#include "benchmarks/Units.h"
+#include "simulator/UnitSimulator.h"
+#include "ui/window/MainWindow.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -10,11 +13,8 @@
 #include <QTableView>
 #include <QTimer>
 
-#include "benchmarks/PeakMemory.h"
-#include "benchmarks/StandstillWatch.h"
-#include "benchmarks/Units.h"
-#include "simulator/UnitSimulator.h"
-#include "ui/window/MainWindow.h"
+#include <chrono>
+#include <cstdio>
 
 int main(int argc, char* argv[])
 {

@@ -1,13 +1,13 @@
-#include <algorithm>
-#include <cstdio>
+#include "benchmarks/Figures.h"
+#include "widgets/Look.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 
-#include "benchmarks/Figures.h"
-#include "widgets/Look.h"
+#include <algorithm>
+#include <cstdio>
 
 namespace
 {

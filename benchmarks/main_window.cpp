@@ -1,7 +1,7 @@
-#include <QApplication>
-
 #include "benchmarks/FirstPaint.h"
 #include "ui/window/MainWindow.h"
+
+#include <QApplication>
 
 /// The program's window without any serial port, for the time to its first paint.
 int main(int argc, char* argv[])

@@ -1,10 +1,10 @@
 // From the start of the process to the first paint of its window, against an empty window of the same style.
 
-#include <QCoreApplication>
-#include <QProcess>
-
 #include "benchmarks/Figures.h"
 #include "benchmarks/FirstPaint.h"
+
+#include <QCoreApplication>
+#include <QProcess>
 
 namespace
 {

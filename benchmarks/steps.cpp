@@ -1,8 +1,10 @@
 // What a step of the user costs in the whole window, over a unit of full size: from the click until all of it is on the
 // screen. A part of the window alone would be faster, since all parts share one layout and one style.
 
-#include <memory>
-#include <vector>
+#include "benchmarks/Figures.h"
+#include "benchmarks/FullWindow.h"
+#include "model/GroupRelay.h"
+#include "ui/tree/Tree_Relay_Widget.h"
 
 #include <QApplication>
 #include <QListWidget>
@@ -13,10 +15,8 @@
 #include <QTableWidget>
 #include <QTreeWidget>
 
-#include "benchmarks/Figures.h"
-#include "benchmarks/FullWindow.h"
-#include "model/GroupRelay.h"
-#include "ui/tree/Tree_Relay_Widget.h"
+#include <memory>
+#include <vector>
 
 namespace
 {

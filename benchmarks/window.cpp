@@ -1,19 +1,19 @@
 // What the window costs its user: how long the event loop stands still while a unit is read, how fast views are
 // rebuilt.
 
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QEventLoop>
-#include <QTableWidget>
-#include <QTimer>
-
 #include "benchmarks/Figures.h"
 #include "benchmarks/StandstillWatch.h"
 #include "benchmarks/Units.h"
 #include "model/RelayInfo.h"
 #include "simulator/UnitSimulator.h"
-#include "ui/window/MainWindow.h"
 #include "ui/tree/Tree_Relay_Widget.h"
+#include "ui/window/MainWindow.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTableWidget>
+#include <QTimer>
 
 namespace
 {

@@ -1,20 +1,20 @@
 // How close the program comes to the pace of the wire: the unit's side keeps ten bit times a byte in both directions,
 // so what is missing to 1 is the program's own time between an answer and the next request.
 
-#include <algorithm>
-#include <chrono>
-#include <iterator>
-
-#include <QEventLoop>
-#include <QFile>
-#include <QTimer>
-
 #include "benchmarks/Figures.h"
 #include "benchmarks/Units.h"
 #include "firmware/Loading.h"
 #include "firmware/protocol_boot.h"
 #include "link/FormChoiceCoordinator.h"
 #include "simulator/UnitSimulator.h"
+
+#include <QEventLoop>
+#include <QFile>
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
 
 namespace
 {

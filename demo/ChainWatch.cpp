@@ -1,14 +1,14 @@
 #include "ChainWatch.h"
 
-#include <QLabel>
-#include <QTableView>
-
-#include <cstdio>
-
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
 #include "texts/texts.h"
 #include "ui/window/MainWindow.h"
+
+#include <QLabel>
+#include <QTableView>
+
+#include <cstdio>
 
 namespace
 {

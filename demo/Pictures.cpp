@@ -1,5 +1,11 @@
 #include "Pictures.h"
 
+#include "ChainWatch.h"
+#include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
+#include "ui/tree/FormAddingTerminal.h"
+#include "ui/window/MainWindow.h"
+
 #include <QApplication>
 #include <QDockWidget>
 #include <QHelpEvent>
@@ -8,12 +14,6 @@
 #include <QTabWidget>
 #include <QToolTip>
 #include <QTreeWidget>
-
-#include "ChainWatch.h"
-#include "link/FormChoiceCoordinator.h"
-#include "link/FormWaiting.h"
-#include "ui/tree/FormAddingTerminal.h"
-#include "ui/window/MainWindow.h"
 
 namespace
 {

@@ -1,3 +1,11 @@
+#include "ChainWatch.h"
+#include "Pictures.h"
+#include "link/endProcess.h"
+#include "simulator/DemoInstallation.h"
+#include "simulator/UnitClock.h"
+#include "simulator/UnitSimulator.h"
+#include "ui/window/MainWindow.h"
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
@@ -6,14 +14,6 @@
 #include <QTextStream>
 
 #include <cstdio>
-
-#include "ChainWatch.h"
-#include "Pictures.h"
-#include "link/endProcess.h"
-#include "simulator/DemoInstallation.h"
-#include "simulator/UnitClock.h"
-#include "simulator/UnitSimulator.h"
-#include "ui/window/MainWindow.h"
 
 namespace
 {

@@ -1,11 +1,11 @@
 // Writes the file of default settings that is delivered beside the program: makeDefaultSettings FILE
 
-#include <cstdio>
+#include "defaultSettings.h"
+#include "model/RelayInfo.h"
 
 #include <QCoreApplication>
 
-#include "defaultSettings.h"
-#include "model/RelayInfo.h"
+#include <cstdio>
 
 int main(int argc, char* argv[])
 {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+
 #include <fcntl.h>
 #include <stdlib.h> // NOLINT(modernize-deprecated-headers): posix_openpt and its kin are not in <cstdlib>
 #include <sys/ioctl.h>

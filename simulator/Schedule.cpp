@@ -2,10 +2,10 @@
 
 #include <QSocketNotifier>
 
+#include <thread>
+
 #include <sys/timerfd.h>
 #include <unistd.h>
-
-#include <thread>
 
 namespace
 {

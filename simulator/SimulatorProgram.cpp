@@ -13,6 +13,7 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+
 #include <sys/signalfd.h>
 #include <unistd.h>
 

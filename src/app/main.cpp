@@ -1,7 +1,7 @@
-#include <QApplication>
-
 #include "link/endProcess.h"
 #include "ui/window/MainWindow.h"
+
+#include <QApplication>
 
 int main(int argc, char* argv[])
 {

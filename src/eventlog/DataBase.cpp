@@ -1,5 +1,9 @@
 #include "eventlog/DataBase.h"
 
+#include "domain/debugLine.h"
+#include "eventlog/LogTable.h"
+#include "texts/texts.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -8,10 +12,6 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUuid>
-
-#include "domain/debugLine.h"
-#include "eventlog/LogTable.h"
-#include "texts/texts.h"
 
 namespace
 {

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "eventlog/ErrorDataBase.h"
+#include "eventlog/EventOfTable.h"
+#include "eventlog/SqlModel.h"
+
 #include <QList>
 #include <QObject>
 #include <QSqlDatabase>
 #include <QString>
-
-#include "eventlog/ErrorDataBase.h"
-#include "eventlog/EventOfTable.h"
-#include "eventlog/SqlModel.h"
 
 /// The event log in an SQLite file, and the worker that alone touches it.
 ///

@@ -1,16 +1,16 @@
 #include "eventlog/EventDecoder.h"
 
-#include <algorithm>
-
-#include <QStringList>
-#include <QVariantList>
-
 #include "domain/bcd.h"
 #include "domain/byteAt.h"
 #include "domain/terminals.h"
 #include "eventlog/EventTexts.h"
 #include "model/Device.h"
 #include "texts/texts.h"
+
+#include <QStringList>
+#include <QVariantList>
+
+#include <algorithm>
 
 namespace
 {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "eventlog/EventInfo.h"
+
 #include <QByteArray>
 #include <QList>
-
-#include "eventlog/EventInfo.h"
 
 class Device;
 

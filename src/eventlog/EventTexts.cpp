@@ -1,11 +1,11 @@
 #include "eventlog/EventTexts.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "domain/terminals.h"
 #include "eventlog/EventInfo.h"
 #include "texts/texts.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace
 {

@@ -1,11 +1,11 @@
 #include "eventlog/LogEvents.h"
 
-#include <algorithm>
+#include "eventlog/EventDecoder.h"
+#include "texts/texts.h"
 
 #include <QDebug>
 
-#include "eventlog/EventDecoder.h"
-#include "texts/texts.h"
+#include <algorithm>
 
 namespace
 {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QByteArrayList>
-#include <QList>
-
 #include "eventlog/EventInfo.h"
 #include "eventlog/EventOfTable.h"
+
+#include <QByteArrayList>
+#include <QList>
 
 class Device;
 

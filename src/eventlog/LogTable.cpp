@@ -1,16 +1,16 @@
 #include "eventlog/LogTable.h"
 
-#include <algorithm>
-#include <charconv>
-#include <iterator>
+#include "eventlog/EventOfTable.h"
+#include "texts/texts.h"
 
 #include <QLatin1String>
 #include <QSqlField>
 #include <QSqlRecord>
 #include <QStringList>
 
-#include "eventlog/EventOfTable.h"
-#include "texts/texts.h"
+#include <algorithm>
+#include <charconv>
+#include <iterator>
 
 namespace logtable
 {

@@ -1,11 +1,11 @@
 #include "firmware/FirmwareFile.h"
 
-#include <QDir>
-#include <QFile>
-
 #include "firmware/protocol_boot.h"
 #include "texts/texts.h"
 #include "widgets/Dialogs.h"
+
+#include <QDir>
+#include <QFile>
 
 // In no header: only a test has files of its own to be read.
 std::optional<FirmwareFile> readFirmwareFile(QFile& file, QWidget* parent, Dialogs& dialogs)

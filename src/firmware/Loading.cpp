@@ -1,15 +1,15 @@
 #include "firmware/Loading.h"
 
-#include <QColor>
-#include <QKeyEvent>
-#include <QShowEvent>
-
 #include "domain/terminals.h"
 #include "firmware/protocol_boot.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
 #include "ui_Loading.h"
 #include "widgets/Look.h"
+
+#include <QColor>
+#include <QKeyEvent>
+#include <QShowEvent>
 
 namespace
 {

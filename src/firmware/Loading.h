@@ -1,12 +1,12 @@
 #pragma once
 
+#include "link/message.h"
+
 #include <QByteArray>
 #include <QDialog>
 #include <QString>
 
 #include <memory>
-
-#include "link/message.h"
 
 class protocol_boot;
 

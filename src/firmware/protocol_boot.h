@@ -1,10 +1,10 @@
 #pragma once
 
+#include "link/message.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QObject>
-
-#include "link/message.h"
 
 /// Speaks to the bootloader of the head unit: cuts a firmware image into a fixed sequence of requests, hands them out
 /// one at a time, and parses the answers. The image is opaque and passes as it stands.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QByteArrayList>
-
 #include "link/DeviceOperation.h"
+
+#include <QByteArrayList>
 
 /// Reads all outputs, 8 of the head unit and 2 of each address 1 to 31, and then all 32 scripts: 102 steps.
 ///

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QByteArrayList>
-
 #include "link/DeviceOperation.h"
+
+#include <QByteArrayList>
 
 /// Writes output records and then script records, one step each. A step that fails is counted.
 class ConfigurationWriting : public DeviceOperation

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QString>
-
 #include "domain/terminals.h"
 #include "link/message.h"
+
+#include <QString>
 
 /// What a coordinator says of itself.
 struct CoordinatorInfo

@@ -1,5 +1,10 @@
 #pragma once
 
+#include "domain/terminals.h"
+#include "link/StatePort.h"
+#include "link/message.h"
+#include "widgets/Form.h"
+
 #include <QByteArrayList>
 #include <QDateTime>
 #include <QStringList>
@@ -8,11 +13,6 @@
 #include <array>
 #include <functional>
 #include <memory>
-
-#include "domain/terminals.h"
-#include "link/StatePort.h"
-#include "link/message.h"
-#include "widgets/Form.h"
 
 class ConfigurationReading;
 class ConfigurationWriting;

@@ -1,8 +1,7 @@
-#include "link/FormChoiceCoordinator.h"
-
 #include "link/ConfigurationReading.h"
 #include "link/ConfigurationWriting.h"
 #include "link/DeviceTime.h"
+#include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
 #include "link/LogReading.h"
 #include "link/PortRow.h"

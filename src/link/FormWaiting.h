@@ -1,10 +1,10 @@
 #pragma once
 
+#include "widgets/Form.h"
+
 #include <QElapsedTimer>
 
 #include <memory>
-
-#include "widgets/Form.h"
 
 QT_BEGIN_NAMESPACE
 namespace Ui

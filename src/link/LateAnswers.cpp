@@ -1,10 +1,10 @@
 #include "link/LateAnswers.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "link/message.h"
 #include "link/protocol_HUBN_NX_Q.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace
 {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QByteArrayList>
-
 #include "link/DeviceOperation.h"
+
+#include <QByteArrayList>
 
 /// Reads the unit's log from its beginning, in blocks of up to four records, if its counter differs from that of the
 /// reading before.

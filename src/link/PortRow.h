@@ -1,11 +1,11 @@
 #pragma once
 
+#include "domain/terminals.h"
+#include "link/message.h"
+
 #include <QString>
 
 #include <functional>
-
-#include "domain/terminals.h"
-#include "link/message.h"
 
 class QCheckBox;
 class QObject;

@@ -1,8 +1,8 @@
 #include "link/StatePort.h"
 
-#include <iterator>
-
 #include "texts/texts.h"
+
+#include <iterator>
 
 namespace
 {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "domain/terminals.h"
+#include "link/DeviceOperation.h"
+
 #include <QByteArrayList>
 
 #include <array>
-
-#include "domain/terminals.h"
-#include "link/DeviceOperation.h"
 
 /// Asks which terminals the unit knows: the addresses in use of each of the five channel classes, then a record of
 /// each terminal.

@@ -1,13 +1,13 @@
 #include "link/Transmitter.h"
 
+#include "link/protocol_HUBN_NX_Q.h"
+
 #include <QDebug>
 #include <QThread>
 #include <QTimer>
 
 #include <algorithm>
 #include <utility>
-
-#include "link/protocol_HUBN_NX_Q.h"
 
 namespace
 {

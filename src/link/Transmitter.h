@@ -1,5 +1,9 @@
 #pragma once
 
+#include "link/LateAnswers.h"
+#include "link/StatePort.h"
+#include "link/message.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QObject>
@@ -8,10 +12,6 @@
 #include <deque>
 #include <functional>
 #include <optional>
-
-#include "link/LateAnswers.h"
-#include "link/StatePort.h"
-#include "link/message.h"
 
 class QTimer;
 

@@ -1,9 +1,9 @@
 #include "link/protocol_HUBN_NX_Q.h"
 
+#include "domain/terminals.h"
+
 #include <iterator>
 #include <string_view>
-
-#include "domain/terminals.h"
 
 namespace
 {

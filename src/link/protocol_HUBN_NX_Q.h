@@ -1,9 +1,9 @@
 #pragma once
 
+#include "link/message.h"
+
 #include <QByteArray>
 #include <QObject>
-
-#include "link/message.h"
 
 /// The packet format of the head unit and its coordinator: builders for every request, and the parser of answers.
 ///

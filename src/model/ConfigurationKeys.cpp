@@ -1,10 +1,10 @@
 #include "model/ConfigurationKeys.h"
 
-#include <algorithm>
-#include <limits>
-
 #include "model/ScriptRules.h"
 #include "model/firstOf.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace
 {

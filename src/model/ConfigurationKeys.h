@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QList>
-#include <QString>
-
 #include "model/GroupRelay.h"
 #include "model/ScriptInfo.h"
 #include "model/tables.h"
+
+#include <QList>
+#include <QString>
 
 /// A line of a configuration file: a key with its value.
 struct ConfigurationEntry

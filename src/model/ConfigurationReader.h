@@ -1,10 +1,10 @@
 #pragma once
 
+#include "model/ConfigurationKeys.h"
+
 #include <QList>
 #include <QString>
 #include <QStringRef>
-
-#include "model/ConfigurationKeys.h"
 
 /// Reads the text of a configuration file into groups and scripts that were reset before.
 ///

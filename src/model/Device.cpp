@@ -1,12 +1,12 @@
 #include "model/Device.h"
 
+#include "model/catalogue.h"
+#include "texts/texts.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QSaveFile>
 #include <QTextStream>
-
-#include "model/catalogue.h"
-#include "texts/texts.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <functional>
+#include "model/TerminalType.h"
 
 #include <QList>
 #include <QObject>
@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVariantList>
 
-#include "model/TerminalType.h"
+#include <functional>
 
 /// One model of the catalogue.
 struct DeviceRecord : TerminalIdentity

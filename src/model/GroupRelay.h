@@ -1,11 +1,11 @@
 #pragma once
 
+#include "model/ParamItem.h"
+#include "model/ScriptInfo.h"
+
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
-
-#include "model/ParamItem.h"
-#include "model/ScriptInfo.h"
 
 /// One output (relay) of a terminal or of the head unit.
 struct RelayInformation

@@ -1,7 +1,5 @@
 #include "model/RecordReader.h"
 
-#include <QtEndian>
-
 #include "domain/bcd.h"
 #include "domain/byteAt.h"
 #include "model/ScriptRules.h"
@@ -9,6 +7,8 @@
 #include "model/format.h"
 #include "model/recordLayout.h"
 #include "texts/texts.h"
+
+#include <QtEndian>
 
 using namespace recordLayout;
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QByteArrayList>
-#include <QList>
-
 #include "model/GroupRelay.h"
 #include "model/ScriptInfo.h"
 #include "model/TerminalType.h"
 #include "model/tables.h"
+
+#include <QByteArrayList>
+#include <QList>
 
 /// Reads the records of the device into groups and scripts that were reset before. Records that are too short are
 /// passed over; bytes that mean nothing leave what the reset left.

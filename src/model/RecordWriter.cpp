@@ -1,11 +1,11 @@
 #include "model/RecordWriter.h"
 
-#include <QtEndian>
-
 #include "domain/bcd.h"
 #include "model/ScriptRules.h"
 #include "model/recordLayout.h"
 #include "model/tables.h"
+
+#include <QtEndian>
 
 using namespace recordLayout;
 

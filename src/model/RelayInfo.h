@@ -1,16 +1,16 @@
 #pragma once
 
-#include <QByteArrayList>
-#include <QList>
-#include <QObject>
-#include <QString>
-#include <QStringList>
-
 #include "model/GroupRelay.h"
 #include "model/ParamItem.h"
 #include "model/ScriptInfo.h"
 #include "model/TerminalType.h"
 #include "model/tables.h"
+
+#include <QByteArrayList>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
 
 /// The configuration model: the head unit and its terminals, their outputs, the 32 scripts, and the lookup tables from
 /// which every parameter takes its value, text, icon and colour.

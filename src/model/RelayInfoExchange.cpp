@@ -1,14 +1,14 @@
 // The model as records of the device, as a configuration file, and back.
 
-#include <QFile>
-#include <QSaveFile>
-#include <QTextStream>
-
 #include "model/ConfigurationReader.h"
 #include "model/ConfigurationWriter.h"
 #include "model/RecordReader.h"
 #include "model/RecordWriter.h"
 #include "model/RelayInfo.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QTextStream>
 
 namespace
 {

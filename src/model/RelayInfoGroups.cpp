@@ -1,11 +1,11 @@
 // The model's groups, outputs, scripts and terminal types: how they are made, reset and removed.
 
-#include <algorithm>
-
 #include "model/RelayInfo.h"
 #include "model/firstOf.h"
 #include "model/format.h"
 #include "texts/texts.h"
+
+#include <algorithm>
 
 namespace
 {

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "model/ParamItem.h"
+#include "model/TerminalType.h"
+#include "texts/texts.h"
+
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
 #include <QVector>
-
-#include "model/ParamItem.h"
-#include "model/TerminalType.h"
-#include "texts/texts.h"
 
 /// One of the 32 scripts of the head unit: when which state is reported, by whom and when, and what the output does.
 ///

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QList>
-#include <QString>
-
 #include "model/ParamItem.h"
 #include "model/ScriptInfo.h"
 #include "model/StateFamily.h"
 #include "model/TerminalType.h"
+
+#include <QList>
+#include <QString>
 
 /// What ties the fields of a script together: its trigger, the channels and the flag "not active" that follow from it,
 /// and the terminal filter that has to fit it. All are plain functions on the record, without a widget; the editor

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "domain/terminals.h"
+#include "texts/texts.h"
+
 #include <QColor>
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
-
-#include "domain/terminals.h"
-#include "texts/texts.h"
 
 /// The four numbers that name the model of a terminal. They are compared together.
 struct TerminalIdentity

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <algorithm>
-
 #include <QList>
+
+#include <algorithm>
 
 /// The first record of a list that a test accepts, else null.
 template <typename Pointer, typename Fits>

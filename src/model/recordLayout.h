@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
+#include "model/ScriptInfo.h"
 
 #include <QtGlobal>
 
-#include "model/ScriptInfo.h"
+#include <cstddef>
 
 /// Where the fields stand in the records of the device, for their reader and their writer. Numbers of several bytes are
 /// little-endian.

@@ -1,12 +1,12 @@
 #include "model/tables.h"
 
-#include <algorithm>
-#include <iterator>
-#include <numeric>
-
 #include "model/StateFamily.h"
 #include "model/firstOf.h"
 #include "texts/texts.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
 
 namespace
 {

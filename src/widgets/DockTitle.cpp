@@ -1,14 +1,14 @@
 #include "widgets/DockTitle.h"
 
-#include <functional>
-#include <utility>
+#include "widgets/Look.h"
 
 #include <QCoreApplication>
 #include <QDockWidget>
 #include <QEvent>
 #include <QProxyStyle>
 
-#include "widgets/Look.h"
+#include <functional>
+#include <utility>
 
 namespace
 {

@@ -1,5 +1,7 @@
 #include "widgets/ElidedLabel.h"
 
+#include "widgets/Look.h"
+
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QPainter>
@@ -7,8 +9,6 @@
 #include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QToolTip>
-
-#include "widgets/Look.h"
 
 ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent)
 {

@@ -1,6 +1,13 @@
 // One run of the program over a simulated unit that ends by closing its window: an operation and a moment are drawn
 // from a seed. tools/close-anytime starts it many times; all that counts is how the process ends.
 
+#include "link/FormChoiceCoordinator.h"
+#include "link/endProcess.h"
+#include "simulator/LogGenerator.h"
+#include "simulator/UnitSimulator.h"
+#include "support/ScriptedDialogs.h"
+#include "ui/window/MainWindow.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QDir>
@@ -13,13 +20,6 @@
 
 #include <array>
 #include <cstdio>
-
-#include "link/FormChoiceCoordinator.h"
-#include "link/endProcess.h"
-#include "simulator/LogGenerator.h"
-#include "simulator/UnitSimulator.h"
-#include "support/ScriptedDialogs.h"
-#include "ui/window/MainWindow.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
-#include <QTest>
-
 #include "domain/bcd.h"
+
+#include <QTest>
 
 class tst_bcd : public QObject
 {

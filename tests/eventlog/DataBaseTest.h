@@ -1,9 +1,6 @@
 #pragma once
 
-#include <csignal>
-#include <memory>
-
-#include <sys/resource.h>
+#include "eventlog/DataBase.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,7 +10,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "eventlog/DataBase.h"
+#include <csignal>
+#include <memory>
+
+#include <sys/resource.h>
 
 inline const QString workingFile = QStringLiteral("Log.db");
 

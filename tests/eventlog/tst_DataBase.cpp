@@ -1,11 +1,10 @@
 #include "DataBaseTest.h"
-
-#include <QSqlDatabase>
-#include <QSqlQuery>
-
 #include "eventlog/LogTable.h"
 #include "support/DebugLines.h"
 #include "support/OrdinaryUser.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 /// The worker from its start to its end: the table and its rows.
 class tst_DataBase : public DataBaseTest

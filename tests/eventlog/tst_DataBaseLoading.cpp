@@ -1,11 +1,10 @@
 #include "DataBaseTest.h"
+#include "support/DebugLines.h"
+#include "support/OrdinaryUser.h"
 
 #include <QPointer>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-
-#include "support/DebugLines.h"
-#include "support/OrdinaryUser.h"
 
 /// The log as it comes from a file, whatever that is.
 class tst_DataBaseLoading : public DataBaseTest

@@ -1,5 +1,4 @@
 #include "DataBaseTest.h"
-
 #include "support/DebugLines.h"
 #include "support/OrdinaryUser.h"
 

@@ -1,13 +1,13 @@
-#include <limits>
+#include "eventlog/LogEvents.h"
+#include "model/Device.h"
+#include "support/DebugLines.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "eventlog/LogEvents.h"
-#include "model/Device.h"
-#include "support/DebugLines.h"
+#include <limits>
 
 namespace
 {

@@ -1,9 +1,9 @@
+#include "eventlog/EventOfTable.h"
+#include "eventlog/LogTable.h"
+
 #include <QSqlField>
 #include <QSqlRecord>
 #include <QTest>
-
-#include "eventlog/EventOfTable.h"
-#include "eventlog/LogTable.h"
 
 class tst_LogTable : public QObject
 {

@@ -1,9 +1,9 @@
+#include "eventlog/SqlModel.h"
+
 #include <QAbstractItemModelTester>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
-
-#include "eventlog/SqlModel.h"
 
 class tst_SqlModel : public QObject
 {

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "firmware/Loading.h"
+
 #include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
-
-#include "firmware/Loading.h"
 
 inline QString fileName()
 {

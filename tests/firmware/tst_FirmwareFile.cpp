@@ -1,10 +1,9 @@
-#include <QtTest>
-
-#include <QTemporaryDir>
-
 #include "firmware/FirmwareFile.h"
 #include "support/OrdinaryUser.h"
 #include "support/ScriptedDialogs.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
 
 std::optional<FirmwareFile> readFirmwareFile(QFile& file, QWidget* parent, Dialogs& dialogs);
 

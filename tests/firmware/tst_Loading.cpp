@@ -1,10 +1,9 @@
-#include <QtTest>
+#include "firmware/LoadingBench.h"
+#include "link/protocol_HUBN_NX_Q.h"
 
 #include <QHelpEvent>
 #include <QToolTip>
-
-#include "firmware/LoadingBench.h"
-#include "link/protocol_HUBN_NX_Q.h"
+#include <QtTest>
 
 namespace
 {

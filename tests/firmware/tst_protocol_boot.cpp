@@ -1,9 +1,8 @@
-#include <QtTest>
-
-#include <QRandomGenerator>
-
 #include "firmware/protocol_boot.h"
 #include "support/AnswerFrames.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
 
 using frames::hex;
 

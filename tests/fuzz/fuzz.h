@@ -1,13 +1,13 @@
 #pragma once
 
+#include <QByteArray>
+#include <QByteArrayList>
+#include <QString>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
-
-#include <QByteArray>
-#include <QByteArrayList>
-#include <QString>
 
 /// What a fuzzer has to offer: it is called with one input after the other.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -1,12 +1,12 @@
 // Any bytes as the catalogue of models: bad lines cost themselves, and what is read can be offered as terminal types.
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
 #include "fuzz/fuzz.h"
 #include "model/Device.h"
 #include "model/RelayInfo.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 
 namespace
 {

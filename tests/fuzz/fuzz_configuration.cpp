@@ -1,13 +1,13 @@
 // Any bytes as a configuration file: the reader survives, the model stays sound, and what it then writes is what it
 // reads.
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include "fuzz/fuzz.h"
 #include "model/ConfigurationWriter.h"
 #include "model/RelayInfo.h"
 #include "support/ModelInvariants.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace
 {

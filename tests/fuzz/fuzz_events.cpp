@@ -1,11 +1,11 @@
 // Any bytes as records of the event log: each whole one gives rows, and every row can go to the database.
 
-#include <algorithm>
-#include <limits>
-
 #include "eventlog/EventDecoder.h"
 #include "eventlog/LogEvents.h"
 #include "fuzz/fuzz.h"
+
+#include <algorithm>
+#include <limits>
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,3 +1,7 @@
+#include "simulator/LogGenerator.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
+
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QFile>
@@ -7,10 +11,6 @@
 #include <QTableWidget>
 #include <QTreeWidget>
 #include <QtTest>
-
-#include "simulator/LogGenerator.h"
-#include "support/WindowOverUnit.h"
-#include "support/threadedTestMain.h"
 
 namespace
 {

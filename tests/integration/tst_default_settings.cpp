@@ -1,11 +1,11 @@
+#include "model/RelayInfo.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include "model/RelayInfo.h"
-#include "support/WindowOverUnit.h"
-#include "support/threadedTestMain.h"
 
 /// The delivered default settings on their way from the file through the window into a unit.
 class tst_default_settings : public QObject

@@ -1,10 +1,10 @@
-#include <QLabel>
-#include <QTableView>
-#include <QtTest>
-
 #include "simulator/DemoInstallation.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
+
+#include <QLabel>
+#include <QTableView>
+#include <QtTest>
 
 namespace
 {

@@ -1,4 +1,8 @@
-#include <QtTest>
+#include "firmware/Loading.h"
+#include "firmware/protocol_boot.h"
+#include "link/Transmitter.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
 
 #include <QEventLoop>
 #include <QFile>
@@ -9,12 +13,7 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QThread>
-
-#include "firmware/Loading.h"
-#include "firmware/protocol_boot.h"
-#include "link/Transmitter.h"
-#include "support/WindowOverUnit.h"
-#include "support/threadedTestMain.h"
+#include <QtTest>
 
 namespace
 {

@@ -1,10 +1,3 @@
-#include <QtTest>
-
-#include <QPointer>
-#include <QRandomGenerator>
-#include <QRegularExpression>
-#include <QSet>
-
 #include "firmware/Loading.h"
 #include "firmware/protocol_boot.h"
 #include "link/FormRecorder.h"
@@ -14,6 +7,12 @@
 #include "support/Eventually.h"
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
+
+#include <QPointer>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSet>
+#include <QtTest>
 
 namespace
 {

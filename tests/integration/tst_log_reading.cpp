@@ -1,4 +1,10 @@
-#include <limits>
+#include "eventlog/LogEvents.h"
+#include "model/Device.h"
+#include "simulator/LogGenerator.h"
+#include "support/DebugLines.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
+#include "texts/texts.h"
 
 #include <QAction>
 #include <QDir>
@@ -9,13 +15,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "eventlog/LogEvents.h"
-#include "model/Device.h"
-#include "simulator/LogGenerator.h"
-#include "support/DebugLines.h"
-#include "support/WindowOverUnit.h"
-#include "support/threadedTestMain.h"
-#include "texts/texts.h"
+#include <limits>
 
 namespace
 {

@@ -1,4 +1,6 @@
-#include <QtTest>
+#include "model/RelayInfo.h"
+#include "support/WindowOverUnit.h"
+#include "ui/tree/FormAddingTerminal.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -9,10 +11,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QTreeWidget>
-
-#include "model/RelayInfo.h"
-#include "support/WindowOverUnit.h"
-#include "ui/tree/FormAddingTerminal.h"
+#include <QtTest>
 
 /// One round of work in a window on an X display, done by mouse and keyboard alone: every event comes from the X
 /// server, where xdotool puts it, and not from the program.

@@ -1,12 +1,12 @@
+#include "model/RelayInfo.h"
+#include "support/WindowOverUnit.h"
+#include "support/threadedTestMain.h"
+
 #include <QFile>
 #include <QLoggingCategory>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
-
-#include "model/RelayInfo.h"
-#include "support/WindowOverUnit.h"
-#include "support/threadedTestMain.h"
 
 namespace
 {

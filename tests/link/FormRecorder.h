@@ -1,5 +1,9 @@
 #pragma once
 
+#include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
+#include "link/Transmitter.h"
+
 #include <QCheckBox>
 #include <QProgressBar>
 #include <QPushButton>
@@ -7,10 +11,6 @@
 #include <QVector>
 
 #include <algorithm>
-
-#include "link/FormChoiceCoordinator.h"
-#include "link/FormWaiting.h"
-#include "link/Transmitter.h"
 
 /// A coordinator form over ports that the test names, with everything that it emits, in order, one line each, and with
 /// the parts of its table at hand.

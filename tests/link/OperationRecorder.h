@@ -1,11 +1,11 @@
 #pragma once
 
+#include "link/DeviceOperation.h"
+#include "link/message.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QVector>
-
-#include "link/DeviceOperation.h"
-#include "link/message.h"
 
 /// Everything that an operation does, in order, one word or line each; requests as "send TYPE".
 class OperationRecorder : public QObject

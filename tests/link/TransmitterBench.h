@@ -1,15 +1,15 @@
 #pragma once
 
+#include "link/Transmitter.h"
+#include "link/protocol_HUBN_NX_Q.h"
+#include "simulator/PseudoTerminal.h"
+#include "support/AnswerFrames.h"
+
 #include <QElapsedTimer>
 #include <QSerialPort>
 #include <QtTest>
 
 #include <functional>
-
-#include "link/Transmitter.h"
-#include "link/protocol_HUBN_NX_Q.h"
-#include "simulator/PseudoTerminal.h"
-#include "support/AnswerFrames.h"
 
 constexpr int ends = 20000; ///< ms; generous, for busy machines
 

@@ -1,10 +1,10 @@
-#include <QtTest>
-
 #include "Answers.h"
 #include "OperationRecorder.h"
 #include "link/ConfigurationReading.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
+
+#include <QtTest>
 
 namespace
 {

@@ -1,16 +1,16 @@
-#include <QSemaphore>
-#include <QSerialPort>
-#include <QtTest>
-
-#include <array>
-#include <memory>
-
 #include "FormRecorder.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "simulator/PseudoTerminal.h"
 #include "simulator/UnitSimulator.h"
 #include "support/Eventually.h"
 #include "support/threadedTestMain.h"
+
+#include <QSemaphore>
+#include <QSerialPort>
+#include <QtTest>
+
+#include <array>
+#include <memory>
 
 namespace
 {

@@ -1,8 +1,8 @@
-#include <QtTest>
-
 #include "Answers.h"
 #include "link/CoordinatorSearch.h"
 #include "link/protocol_HUBN_NX_Q.h"
+
+#include <QtTest>
 
 using Verdict = CoordinatorSearch::Verdict;
 using Step = CoordinatorSearch::Step;

@@ -1,10 +1,10 @@
-#include <QtTest>
-
 #include "FormRecorder.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "simulator/UnitSimulator.h"
 #include "support/Eventually.h"
 #include "support/threadedTestMain.h"
+
+#include <QtTest>
 
 namespace
 {

@@ -1,8 +1,8 @@
-#include <QtTest>
-
 #include "Answers.h"
 #include "link/DeviceTime.h"
 #include "link/protocol_HUBN_NX_Q.h"
+
+#include <QtTest>
 
 class tst_DeviceTime : public QObject
 {

@@ -1,11 +1,3 @@
-#include <QHeaderView>
-#include <QLabel>
-#include <QScreen>
-#include <QScrollBar>
-#include <QtTest>
-
-#include <memory>
-
 #include "Answers.h"
 #include "FormRecorder.h"
 #include "link/CoordinatorSearch.h"
@@ -14,6 +6,14 @@
 #include "support/Eventually.h"
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollBar>
+#include <QtTest>
+
+#include <memory>
 
 namespace
 {

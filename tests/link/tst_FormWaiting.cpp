@@ -1,10 +1,10 @@
+#include "link/FormWaiting.h"
+
 #include <QAbstractButton>
 #include <QLabel>
 #include <QProgressBar>
 #include <QScreen>
 #include <QtTest>
-
-#include "link/FormWaiting.h"
 
 namespace
 {

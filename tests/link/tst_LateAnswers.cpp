@@ -1,10 +1,10 @@
-#include <QtTest>
-
-#include <chrono>
-
 #include "link/LateAnswers.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "support/AnswerFrames.h"
+
+#include <QtTest>
+
+#include <chrono>
 
 namespace
 {

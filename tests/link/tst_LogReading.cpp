@@ -1,11 +1,11 @@
-#include <QtTest>
-
 #include "Answers.h"
 #include "OperationRecorder.h"
 #include "link/LogReading.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "support/DebugLines.h"
 #include "texts/texts.h"
+
+#include <QtTest>
 
 namespace
 {

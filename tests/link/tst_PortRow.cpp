@@ -1,3 +1,6 @@
+#include "link/PortRow.h"
+#include "link/Transmitter.h"
+
 #include <QCheckBox>
 #include <QLayout>
 #include <QPushButton>
@@ -5,9 +8,6 @@
 #include <QThread>
 #include <QTimer>
 #include <QtTest>
-
-#include "link/PortRow.h"
-#include "link/Transmitter.h"
 
 class tst_PortRow : public QObject
 {

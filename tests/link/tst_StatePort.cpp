@@ -1,6 +1,6 @@
-#include <QtTest>
-
 #include "link/StatePort.h"
+
+#include <QtTest>
 
 class tst_StatePort : public QObject
 {

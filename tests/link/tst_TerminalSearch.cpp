@@ -1,9 +1,9 @@
-#include <QtTest>
-
 #include "Answers.h"
 #include "OperationRecorder.h"
 #include "link/TerminalSearch.h"
 #include "link/protocol_HUBN_NX_Q.h"
+
+#include <QtTest>
 
 namespace
 {

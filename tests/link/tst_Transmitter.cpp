@@ -1,13 +1,12 @@
-#include <QtTest>
+#include "link/TransmitterBench.h"
+#include "support/DebugLines.h"
 
 #include <QSocketNotifier>
 #include <QThread>
+#include <QtTest>
 
 #include <cerrno>
 #include <memory>
-
-#include "link/TransmitterBench.h"
-#include "support/DebugLines.h"
 
 using frames::hex;
 using P = protocol_HUBN_NX_Q;

@@ -1,10 +1,10 @@
-#include <QtTest>
-
-#include <chrono>
-
 #include "firmware/protocol_boot.h"
 #include "link/LateAnswers.h"
 #include "link/TransmitterBench.h"
+
+#include <QtTest>
+
+#include <chrono>
 
 namespace
 {

@@ -1,8 +1,8 @@
+#include "link/message.h"
+
 #include <QtTest>
 
 #include <functional>
-
-#include "link/message.h"
 
 namespace
 {

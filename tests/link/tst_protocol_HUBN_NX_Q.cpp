@@ -1,9 +1,8 @@
-#include <QtTest>
-
-#include <QRandomGenerator>
-
 #include "link/protocol_HUBN_NX_Q.h"
 #include "support/AnswerFrames.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
 
 using frames::hex;
 using P = protocol_HUBN_NX_Q;

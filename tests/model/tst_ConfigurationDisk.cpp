@@ -1,10 +1,6 @@
-#include <csignal>
-#include <memory>
-
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "model/RelayInfo.h"
+#include "support/ModelInvariants.h"
+#include "support/RandomModel.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -12,9 +8,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/RelayInfo.h"
-#include "support/ModelInvariants.h"
-#include "support/RandomModel.h"
+#include <csignal>
+#include <memory>
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {

@@ -1,15 +1,15 @@
-#include <memory>
-#include <tuple>
+#include "model/RelayInfo.h"
+#include "model/ScriptRules.h"
+#include "support/ModelInvariants.h"
+#include "support/RandomModel.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/RelayInfo.h"
-#include "model/ScriptRules.h"
-#include "support/ModelInvariants.h"
-#include "support/RandomModel.h"
+#include <memory>
+#include <tuple>
 
 using EditFunction = void (*)(RelayInfo&, ScriptInfo&);
 

@@ -1,11 +1,11 @@
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
 #include "defaultSettings.h"
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "support/ModelInvariants.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
 
 namespace
 {

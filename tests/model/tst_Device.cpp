@@ -1,12 +1,12 @@
-#include <memory>
+#include "model/Device.h"
+#include "support/DebugLines.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/Device.h"
-#include "support/DebugLines.h"
+#include <memory>
 
 namespace
 {

@@ -1,7 +1,7 @@
+#include "model/RelayInfo.h"
+
 #include <QSet>
 #include <QTest>
-
-#include "model/RelayInfo.h"
 
 namespace
 {

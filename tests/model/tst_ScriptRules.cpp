@@ -1,11 +1,11 @@
-#include <memory>
-
-#include <QTest>
-
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "model/tables.h"
 #include "support/RandomModel.h"
+
+#include <QTest>
+
+#include <memory>
 
 using scriptRules::StateKind;
 using scriptRules::TypeFilter;

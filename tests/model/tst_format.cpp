@@ -1,7 +1,7 @@
+#include "model/format.h"
+
 #include <QColor>
 #include <QTest>
-
-#include "model/format.h"
 
 /// Display texts.
 class tst_format : public QObject

@@ -1,15 +1,15 @@
-#include <algorithm>
-#include <memory>
-#include <tuple>
-
-#include <QTest>
-
 #include "domain/bcd.h"
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "model/tables.h"
 #include "support/ModelInvariants.h"
 #include "support/RandomModel.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <memory>
+#include <tuple>
 
 namespace
 {

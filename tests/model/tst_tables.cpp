@@ -1,7 +1,7 @@
+#include "model/RelayInfo.h"
+
 #include <QColor>
 #include <QTest>
-
-#include "model/RelayInfo.h"
 
 Q_DECLARE_METATYPE(ParamItemPtr)
 

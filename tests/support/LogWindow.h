@@ -1,16 +1,16 @@
 #pragma once
 
-#include <atomic>
-#include <memory>
+#include "model/Device.h"
+#include "support/ScriptedDialogs.h"
+#include "ui/log/LogTab.h"
 
 #include <QLabel>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <QWidget>
 
-#include "model/Device.h"
-#include "support/ScriptedDialogs.h"
-#include "ui/log/LogTab.h"
+#include <atomic>
+#include <memory>
 
 /// A table view of which another thread may ask whether it has a model.
 class WatchedTableView : public QTableView

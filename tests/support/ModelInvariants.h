@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QString>
-
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
+
+#include <QString>
 
 /// What holds for every model, whatever was read into it. Returns the first thing that doesn't hold, or nothing.
 inline QString brokenInvariant(const RelayInfo& model)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <QtGlobal>
+
+#include <unistd.h>
 
 /// As long as it lives permissions count, which root could ignore. The test asserts isOrdinary, owns it on its stack
 /// and runs on one thread; files of a test have to be within the reach of everybody then, their directory included.

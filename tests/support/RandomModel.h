@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QRandomGenerator>
-#include <QString>
-
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "model/tables.h"
+
+#include <QRandomGenerator>
+#include <QString>
 
 /// Fills models with configurations as an engineer or a device could make them, from a seed: the same seed gives the
 /// same configuration on every machine.

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "widgets/Dialogs.h"
+
 #include <QList>
 #include <QStringList>
-
-#include "widgets/Dialogs.h"
 
 /// Dialogs that answer by themselves: each question takes the next prepared answer (none left means cancelled), and
 /// everything that was shown is kept.

@@ -1,8 +1,11 @@
 #pragma once
 
-#include <algorithm>
-#include <functional>
-#include <memory>
+#include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
+#include "simulator/UnitSimulator.h"
+#include "support/ScriptedDialogs.h"
+#include "texts/texts.h"
+#include "ui/window/MainWindow.h"
 
 #include <QAction>
 #include <QEventLoop>
@@ -11,12 +14,9 @@
 #include <QStringList>
 #include <QTimer>
 
-#include "link/FormChoiceCoordinator.h"
-#include "link/FormWaiting.h"
-#include "simulator/UnitSimulator.h"
-#include "support/ScriptedDialogs.h"
-#include "texts/texts.h"
-#include "ui/window/MainWindow.h"
+#include <algorithm>
+#include <functional>
+#include <memory>
 
 /// The main window over a simulated unit, its only port, with what tests ask of the two.
 class WindowOverUnit

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "link/endProcess.h"
+
 #include <QApplication>
 #include <QTest>
-
-#include "link/endProcess.h"
 
 /// main() of a test that leaves ports' threads running, which ends as the program's own main() does.
 #define HUBN_THREADED_TEST_MAIN(TestObject)                                                                            \

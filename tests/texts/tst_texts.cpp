@@ -1,8 +1,8 @@
+#include "texts/texts.h"
+
 #include <QtTest>
 
 #include <iterator>
-
-#include "texts/texts.h"
 
 namespace
 {

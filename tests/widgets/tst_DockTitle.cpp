@@ -1,11 +1,11 @@
+#include "widgets/DockTitle.h"
+#include "widgets/Look.h"
+
 #include <QDockWidget>
 #include <QLabel>
 #include <QMainWindow>
 #include <QVBoxLayout>
 #include <QtTest>
-
-#include "widgets/DockTitle.h"
-#include "widgets/Look.h"
 
 class tst_DockTitle : public QObject
 {

@@ -1,10 +1,10 @@
+#include "widgets/ElidedLabel.h"
+
 #include <QApplication>
 #include <QHelpEvent>
 #include <QTextDocument>
 #include <QToolTip>
 #include <QtTest>
-
-#include "widgets/ElidedLabel.h"
 
 class tst_ElidedLabel : public QObject
 {

@@ -1,6 +1,6 @@
-#include <QtTest>
-
 #include "widgets/Form.h"
+
+#include <QtTest>
 
 class tst_Form : public QObject
 {

@@ -1,9 +1,9 @@
+#include "widgets/Look.h"
+
 #include <QComboBox>
 #include <QLabel>
 #include <QTextDocument>
 #include <QtTest>
-
-#include "widgets/Look.h"
 
 class tst_Look : public QObject
 {

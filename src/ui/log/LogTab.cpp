@@ -1,16 +1,16 @@
 #include "ui/log/LogTab.h"
 
+#include "domain/debugLine.h"
+#include "eventlog/LogTable.h"
+#include "texts/texts.h"
+#include "widgets/Dialogs.h"
+
 #include <QAbstractItemView>
 #include <QFile>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QTableView>
-
-#include "domain/debugLine.h"
-#include "eventlog/LogTable.h"
-#include "texts/texts.h"
-#include "widgets/Dialogs.h"
 
 namespace
 {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <functional>
+#include "eventlog/DataBase.h"
+#include "eventlog/LogEvents.h"
 
 #include <QByteArrayList>
 #include <QList>
@@ -10,8 +11,7 @@
 #include <QString>
 #include <QThread>
 
-#include "eventlog/DataBase.h"
-#include "eventlog/LogEvents.h"
+#include <functional>
 
 class Device;
 class Dialogs;

@@ -1,6 +1,6 @@
 #include "ui/log/PacketLogger.h"
 
-#include <array>
+#include "texts/texts.h"
 
 #include <QByteArray>
 #include <QCheckBox>
@@ -10,7 +10,7 @@
 #include <QString>
 #include <QTableWidget>
 
-#include "texts/texts.h"
+#include <array>
 
 namespace
 {

@@ -1,10 +1,10 @@
 #include "ui/pickers/SpecialDateFrame.h"
 
-#include <iterator>
+#include "ui_SpecialDateFrame.h"
 
 #include <QComboBox>
 
-#include "ui_SpecialDateFrame.h"
+#include <iterator>
 
 namespace
 {

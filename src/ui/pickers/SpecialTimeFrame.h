@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include <QFrame>
 #include <QList>
+
+#include <memory>
 
 namespace Ui
 {

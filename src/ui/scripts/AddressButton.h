@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/TerminalType.h"
+
 #include <QSharedPointer>
 #include <QString>
-
-#include "model/TerminalType.h"
 
 class QPushButton;
 

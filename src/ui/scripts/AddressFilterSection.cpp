@@ -1,12 +1,12 @@
 #include "ui/scripts/AddressFilterSection.h"
 
-#include <QPushButton>
-
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "texts/texts.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
+
+#include <QPushButton>
 
 namespace
 {

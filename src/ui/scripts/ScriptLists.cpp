@@ -1,7 +1,10 @@
 #include "ui/scripts/ScriptLists.h"
 
-#include <algorithm>
-#include <utility>
+#include "model/RelayInfo.h"
+#include "model/tables.h"
+#include "ui/scripts/ScriptSummary.h"
+#include "widgets/ElidedLabel.h"
+#include "widgets/Look.h"
 
 #include <QAbstractItemView>
 #include <QEvent>
@@ -14,11 +17,8 @@
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
 
-#include "model/RelayInfo.h"
-#include "model/tables.h"
-#include "ui/scripts/ScriptSummary.h"
-#include "widgets/ElidedLabel.h"
-#include "widgets/Look.h"
+#include <algorithm>
+#include <utility>
 
 namespace
 {

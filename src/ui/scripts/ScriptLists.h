@@ -1,12 +1,12 @@
 #pragma once
 
+#include "model/GroupRelay.h"
+#include "model/ScriptInfo.h"
+
 #include <QList>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
-
-#include "model/GroupRelay.h"
-#include "model/ScriptInfo.h"
 
 class QLabel;
 class QListWidget;

@@ -1,13 +1,13 @@
 #include "ui/scripts/ScriptSection.h"
 
+#include "texts/texts.h"
+#include "widgets/Look.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
-
-#include "texts/texts.h"
-#include "widgets/Look.h"
 
 ScriptSection::ScriptSection(const Ui::Setting_Script_Widget& form, QObject* parent) : QObject(parent), ui(form)
 {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <initializer_list>
-#include <utility>
+#include "model/ScriptInfo.h"
 
 #include <QObject>
 #include <QString>
 
-#include "model/ScriptInfo.h"
+#include <initializer_list>
+#include <utility>
 
 class QCheckBox;
 class QComboBox;

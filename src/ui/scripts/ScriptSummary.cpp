@@ -1,12 +1,12 @@
 #include "ui/scripts/ScriptSummary.h"
 
-#include <QColor>
-#include <QStringList>
-
 #include "model/ScriptRules.h"
 #include "model/tables.h"
 #include "texts/texts.h"
 #include "widgets/Look.h"
+
+#include <QColor>
+#include <QStringList>
 
 namespace
 {

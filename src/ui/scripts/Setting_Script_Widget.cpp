@@ -1,19 +1,19 @@
 #include "ui/scripts/Setting_Script_Widget.h"
 
-#include <QListView>
-#include <QPushButton>
-#include <QWheelEvent>
-
 #include "texts/texts.h"
+#include "ui/pickers/SpecialDateFrame.h"
+#include "ui/pickers/SpecialTimeFrame.h"
 #include "ui/scripts/AddressFilterSection.h"
 #include "ui/scripts/GeneralSection.h"
 #include "ui/scripts/PeriodsSection.h"
-#include "ui/pickers/SpecialDateFrame.h"
-#include "ui/pickers/SpecialTimeFrame.h"
 #include "ui/scripts/TriggerSection.h"
 #include "ui/scripts/TypeFilterSection.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
+
+#include <QListView>
+#include <QPushButton>
+#include <QWheelEvent>
 
 namespace
 {

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <memory>
+#include "model/RelayInfo.h"
+#include "model/ScriptInfo.h"
 
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
 #include <QWidget>
 
-#include "model/RelayInfo.h"
-#include "model/ScriptInfo.h"
+#include <memory>
 
 class AddressFilterSection;
 class GeneralSection;

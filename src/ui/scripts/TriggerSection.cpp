@@ -1,14 +1,14 @@
 #include "ui/scripts/TriggerSection.h"
 
-#include <QCoreApplication>
-#include <QMouseEvent>
-#include <QPushButton>
-#include <QSignalBlocker>
-
 #include "model/RelayInfo.h"
 #include "texts/texts.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QSignalBlocker>
 
 using scriptRules::StateKind;
 using scriptRules::TypeFilter;

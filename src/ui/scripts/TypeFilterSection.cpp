@@ -1,16 +1,16 @@
 #include "ui/scripts/TypeFilterSection.h"
 
-#include <algorithm>
-
-#include <QScopedValueRollback>
-#include <QSignalBlocker>
-
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "texts/texts.h"
 #include "ui/scripts/PlainPartsStyle.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
+
+#include <QScopedValueRollback>
+#include <QSignalBlocker>
+
+#include <algorithm>
 
 namespace
 {

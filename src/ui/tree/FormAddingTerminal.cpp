@@ -1,7 +1,9 @@
 #include "ui/tree/FormAddingTerminal.h"
 
-#include <algorithm>
-#include <utility>
+#include "model/RelayInfo.h"
+#include "texts/texts.h"
+#include "ui_FormAddingTerminal.h"
+#include "widgets/Look.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -14,10 +16,8 @@
 #include <QSpinBox>
 #include <QStyle>
 
-#include "model/RelayInfo.h"
-#include "texts/texts.h"
-#include "ui_FormAddingTerminal.h"
-#include "widgets/Look.h"
+#include <algorithm>
+#include <utility>
 
 namespace
 {

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
+#include "widgets/Form.h"
 
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
 
-#include "widgets/Form.h"
+#include <memory>
 
 class QLabel;
 class QLineEdit;

@@ -1,5 +1,9 @@
 #include "ui/tree/NodeTree.h"
 
+#include "ui/tree/NodeFrame.h"
+#include "ui/tree/TreeNodes.h"
+#include "widgets/Look.h"
+
 #include <QFrame>
 #include <QHeaderView>
 #include <QIcon>
@@ -7,10 +11,6 @@
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
-
-#include "ui/tree/NodeFrame.h"
-#include "ui/tree/TreeNodes.h"
-#include "widgets/Look.h"
 
 namespace
 {

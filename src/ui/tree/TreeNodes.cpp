@@ -1,6 +1,10 @@
 #include "ui/tree/TreeNodes.h"
 
-#include <algorithm>
+#include "model/format.h"
+#include "texts/texts.h"
+#include "ui/tree/NodeFrame.h"
+#include "widgets/ElidedLabel.h"
+#include "widgets/Look.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -16,11 +20,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include "model/format.h"
-#include "texts/texts.h"
-#include "ui/tree/NodeFrame.h"
-#include "widgets/ElidedLabel.h"
-#include "widgets/Look.h"
+#include <algorithm>
 
 namespace
 {

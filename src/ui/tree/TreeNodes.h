@@ -1,12 +1,12 @@
 #pragma once
 
+#include "model/GroupRelay.h"
+#include "model/ParamItem.h"
+
 #include <QList>
 #include <QSharedPointer>
 #include <QSize>
 #include <QString>
-
-#include "model/GroupRelay.h"
-#include "model/ParamItem.h"
 
 class NodeFrame;
 class QCheckBox;

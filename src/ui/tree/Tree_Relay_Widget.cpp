@@ -1,7 +1,9 @@
 #include "ui/tree/Tree_Relay_Widget.h"
 
-#include <algorithm>
-#include <utility>
+#include "model/RelayInfo.h"
+#include "texts/texts.h"
+#include "ui/tree/NodeTree.h"
+#include "ui_Tree_Relay_Widget.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -10,10 +12,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "model/RelayInfo.h"
-#include "texts/texts.h"
-#include "ui/tree/NodeTree.h"
-#include "ui_Tree_Relay_Widget.h"
+#include <algorithm>
+#include <utility>
 
 namespace
 {

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
+#include "ui/tree/TreeNodes.h"
 
 #include <QList>
 #include <QSharedPointer>
 #include <QStringList>
 #include <QWidget>
 
-#include "ui/tree/TreeNodes.h"
+#include <memory>
 
 class QKeyEvent;
 class QPoint;

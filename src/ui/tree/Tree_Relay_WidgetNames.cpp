@@ -1,5 +1,10 @@
 // The context menu of the nodes, and the renaming that begins there or with a double click.
 
+#include "texts/texts.h"
+#include "ui/tree/NodeTree.h"
+#include "ui/tree/Tree_Relay_Widget.h"
+#include "ui_Tree_Relay_Widget.h"
+
 #include <QEvent>
 #include <QFocusEvent>
 #include <QIcon>
@@ -7,11 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-
-#include "texts/texts.h"
-#include "ui/tree/NodeTree.h"
-#include "ui/tree/Tree_Relay_Widget.h"
-#include "ui_Tree_Relay_Widget.h"
 
 namespace
 {

@@ -1,10 +1,10 @@
 #include "ui/window/FirmwareLoading.h"
 
-#include <QIcon>
-
 #include "firmware/FirmwareFile.h"
 #include "firmware/Loading.h"
 #include "link/FormChoiceCoordinator.h"
+
+#include <QIcon>
 
 namespace
 {

@@ -1,26 +1,26 @@
 #include "ui/window/MainWindow.h"
 
-#include <QDockWidget>
-#include <QSignalBlocker>
-
 #include "link/FormChoiceCoordinator.h"
 #include "model/Device.h"
 #include "model/RelayInfo.h"
 #include "model/format.h"
 #include "texts/texts.h"
-#include "ui/window/ConfigurationFiles.h"
-#include "ui/window/FirmwareLoading.h"
-#include "ui/tree/FormAddingTerminal.h"
 #include "ui/log/LogTab.h"
 #include "ui/log/PacketLogger.h"
 #include "ui/scripts/ScriptLists.h"
 #include "ui/scripts/Setting_Script_Widget.h"
-#include "ui/window/StatusBar.h"
+#include "ui/tree/FormAddingTerminal.h"
 #include "ui/tree/Tree_Relay_Widget.h"
+#include "ui/window/ConfigurationFiles.h"
+#include "ui/window/FirmwareLoading.h"
+#include "ui/window/StatusBar.h"
 #include "ui/window/resultLine.h"
 #include "ui_MainWindow.h"
 #include "widgets/DockTitle.h"
 #include "widgets/Look.h"
+
+#include <QDockWidget>
+#include <QSignalBlocker>
 
 MainWindow::~MainWindow() = default;
 

@@ -1,7 +1,10 @@
 #pragma once
 
-#include <functional>
-#include <memory>
+#include "eventlog/ErrorDataBase.h"
+#include "eventlog/EventOfTable.h"
+#include "model/GroupRelay.h"
+#include "model/ScriptInfo.h"
+#include "widgets/Dialogs.h"
 
 #include <QByteArrayList>
 #include <QDateTime>
@@ -9,11 +12,8 @@
 #include <QSharedPointer>
 #include <QStringList>
 
-#include "eventlog/ErrorDataBase.h"
-#include "eventlog/EventOfTable.h"
-#include "model/GroupRelay.h"
-#include "model/ScriptInfo.h"
-#include "widgets/Dialogs.h"
+#include <functional>
+#include <memory>
 
 class ConfigurationFiles;
 class Device;

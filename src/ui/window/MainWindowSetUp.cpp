@@ -1,4 +1,21 @@
+#include "firmware/protocol_boot.h"
+#include "link/FormChoiceCoordinator.h"
+#include "model/Device.h"
+#include "model/RelayInfo.h"
+#include "model/format.h"
+#include "texts/texts.h"
+#include "ui/log/LogTab.h"
+#include "ui/log/PacketLogger.h"
+#include "ui/scripts/ScriptLists.h"
+#include "ui/scripts/Setting_Script_Widget.h"
+#include "ui/tree/FormAddingTerminal.h"
+#include "ui/tree/Tree_Relay_Widget.h"
+#include "ui/window/ConfigurationFiles.h"
+#include "ui/window/FirmwareLoading.h"
 #include "ui/window/MainWindow.h"
+#include "ui/window/StatusBar.h"
+#include "ui_MainWindow.h"
+#include "widgets/Look.h"
 
 #include <QAction>
 #include <QApplication>
@@ -6,24 +23,6 @@
 #include <QScreen>
 #include <QStyle>
 #include <QStyleFactory>
-
-#include "firmware/protocol_boot.h"
-#include "link/FormChoiceCoordinator.h"
-#include "model/Device.h"
-#include "model/RelayInfo.h"
-#include "model/format.h"
-#include "texts/texts.h"
-#include "ui/window/ConfigurationFiles.h"
-#include "ui/window/FirmwareLoading.h"
-#include "ui/tree/FormAddingTerminal.h"
-#include "ui/log/LogTab.h"
-#include "ui/log/PacketLogger.h"
-#include "ui/scripts/ScriptLists.h"
-#include "ui/scripts/Setting_Script_Widget.h"
-#include "ui/window/StatusBar.h"
-#include "ui/tree/Tree_Relay_Widget.h"
-#include "ui_MainWindow.h"
-#include "widgets/Look.h"
 
 namespace
 {

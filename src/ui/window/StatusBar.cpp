@@ -1,5 +1,9 @@
 #include "ui/window/StatusBar.h"
 
+#include "domain/terminals.h"
+#include "texts/texts.h"
+#include "widgets/ElidedLabel.h"
+
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -7,10 +11,6 @@
 #include <QPixmap>
 #include <QStatusBar>
 #include <QVBoxLayout>
-
-#include "domain/terminals.h"
-#include "texts/texts.h"
-#include "widgets/ElidedLabel.h"
 
 namespace
 {

@@ -1,9 +1,9 @@
 #include "ui/window/resultLine.h"
 
+#include "texts/texts.h"
+
 #include <algorithm>
 #include <initializer_list>
-
-#include "texts/texts.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <optional>
-
 #include <QString>
+
+#include <optional>
 
 /// The rules of the one line that reports every operation.
 ///

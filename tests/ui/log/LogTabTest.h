@@ -1,6 +1,7 @@
 #pragma once
 
-#include <memory>
+#include "support/DebugLines.h"
+#include "support/LogWindow.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -9,8 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "support/DebugLines.h"
-#include "support/LogWindow.h"
+#include <memory>
 
 constexpr int waitTime = 30000;
 

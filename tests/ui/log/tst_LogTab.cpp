@@ -6,6 +6,7 @@
 #include <QItemSelectionModel>
 #include <QPointer>
 #include <QRandomGenerator>
+
 #include <atomic>
 #include <functional>
 

@@ -1,3 +1,6 @@
+#include "texts/texts.h"
+#include "ui/log/PacketLogger.h"
+
 #include <QCheckBox>
 #include <QDateTime>
 #include <QHeaderView>
@@ -7,9 +10,6 @@
 
 #include <algorithm>
 #include <vector>
-
-#include "texts/texts.h"
-#include "ui/log/PacketLogger.h"
 
 namespace
 {

@@ -1,10 +1,10 @@
+#include "ui/pickers/SpecialDateFrame.h"
+#include "ui/pickers/SpecialSpinBox.h"
+
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QTest>
-
-#include "ui/pickers/SpecialDateFrame.h"
-#include "ui/pickers/SpecialSpinBox.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
+#include "ui/pickers/SpecialSpinBox.h"
+
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
-
-#include "ui/pickers/SpecialSpinBox.h"
 
 class tst_SpecialSpinBox : public QObject
 {

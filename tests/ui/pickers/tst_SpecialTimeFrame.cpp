@@ -1,10 +1,10 @@
+#include "ui/pickers/SpecialSpinBox.h"
+#include "ui/pickers/SpecialTimeFrame.h"
+
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
-
-#include "ui/pickers/SpecialSpinBox.h"
-#include "ui/pickers/SpecialTimeFrame.h"
 
 namespace
 {

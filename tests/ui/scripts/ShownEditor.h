@@ -1,5 +1,11 @@
 #pragma once
 
+#include "model/RelayInfo.h"
+#include "support/RandomModel.h"
+#include "texts/texts.h"
+#include "ui/pickers/SpecialSpinBox.h"
+#include "ui/scripts/Setting_Script_Widget.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -8,12 +14,6 @@
 #include <QSpinBox>
 #include <QStyleFactory>
 #include <QTest>
-
-#include "model/RelayInfo.h"
-#include "support/RandomModel.h"
-#include "texts/texts.h"
-#include "ui/scripts/Setting_Script_Widget.h"
-#include "ui/pickers/SpecialSpinBox.h"
 
 /// A model with a small catalogue, and an editor over it whose controls are reached by object name. What the editor
 /// reports is counted and kept.

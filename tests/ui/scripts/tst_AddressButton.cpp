@@ -1,6 +1,6 @@
-#include <QTest>
-
 #include "ui/scripts/AddressButton.h"
+
+#include <QTest>
 
 class tst_AddressButton : public QObject
 {

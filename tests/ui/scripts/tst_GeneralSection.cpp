@@ -1,6 +1,6 @@
-#include <QLineEdit>
-
 #include "ui/scripts/ShownEditor.h"
+
+#include <QLineEdit>
 
 /// Name, mode, delay and duration of a script, as the editor shows and edits them.
 class tst_GeneralSection : public QObject

@@ -1,11 +1,11 @@
+#include "ui/scripts/PlainPartsStyle.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QImage>
 #include <QSpinBox>
 #include <QStyleFactory>
 #include <QTest>
-
-#include "ui/scripts/PlainPartsStyle.h"
 
 class tst_PlainPartsStyle : public QObject
 {

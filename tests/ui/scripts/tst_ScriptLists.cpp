@@ -1,4 +1,6 @@
-#include <memory>
+#include "model/RelayInfo.h"
+#include "ui/scripts/ScriptLists.h"
+#include "ui/scripts/ScriptSummary.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -6,9 +8,7 @@
 #include <QScrollBar>
 #include <QtTest>
 
-#include "model/RelayInfo.h"
-#include "ui/scripts/ScriptLists.h"
-#include "ui/scripts/ScriptSummary.h"
+#include <memory>
 
 namespace
 {

@@ -1,9 +1,9 @@
-#include <QTextDocument>
-#include <QtTest>
-
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "ui/scripts/ScriptSummary.h"
+
+#include <QTextDocument>
+#include <QtTest>
 
 namespace
 {

@@ -1,3 +1,7 @@
+#include "model/ScriptRules.h"
+#include "ui/pickers/SpecialSpinBox.h"
+#include "ui/scripts/ShownEditor.h"
+
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -7,10 +11,6 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 #include <QtTest/qtestspontaneevent.h>
-
-#include "model/ScriptRules.h"
-#include "ui/scripts/ShownEditor.h"
-#include "ui/pickers/SpecialSpinBox.h"
 
 /// The script editor as a whole: its captions and lists, showing a script, going from one to the next.
 class tst_Setting_Script_Widget : public QObject

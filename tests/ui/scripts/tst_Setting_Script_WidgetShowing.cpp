@@ -1,7 +1,7 @@
 #include "model/ScriptRules.h"
-#include "ui/scripts/ShownEditor.h"
 #include "ui/pickers/SpecialDateFrame.h"
 #include "ui/pickers/SpecialTimeFrame.h"
+#include "ui/scripts/ShownEditor.h"
 
 /// Looking never edits: scripts as a unit could send them, shown and left again, keep the bytes of their record, but
 /// for the exceptions that have a function here. Under a filter by type the state takes the name that the filter's

@@ -1,8 +1,8 @@
-#include <QRadioButton>
-#include <QSignalSpy>
-
 #include "model/ScriptRules.h"
 #include "ui/scripts/ShownEditor.h"
+
+#include <QRadioButton>
+#include <QSignalSpy>
 
 /// What triggers a script, as the editor shows and edits it: channel state, channels and terminal states.
 class tst_TriggerSection : public QObject

@@ -1,7 +1,7 @@
-#include <QRadioButton>
-
 #include "model/ScriptRules.h"
 #include "ui/scripts/ShownEditor.h"
+
+#include <QRadioButton>
 
 /// The filter by type of terminal, as the editor shows and edits it, and what it does to the trigger.
 class tst_TypeFilterSection : public QObject

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <memory>
+#include "model/RelayInfo.h"
+#include "ui/tree/Tree_Relay_Widget.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,8 +12,7 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "model/RelayInfo.h"
-#include "ui/tree/Tree_Relay_Widget.h"
+#include <memory>
 
 /// A model and a tree over it on the screen, anew for each test; what the tree reports is counted and kept. The nodes'
 /// widgets are reached by the places of their items.

@@ -1,4 +1,5 @@
-#include <memory>
+#include "model/RelayInfo.h"
+#include "ui/tree/FormAddingTerminal.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -7,8 +8,7 @@
 #include <QSpinBox>
 #include <QtTest>
 
-#include "model/RelayInfo.h"
-#include "ui/tree/FormAddingTerminal.h"
+#include <memory>
 
 class tst_FormAddingTerminal : public QObject
 {

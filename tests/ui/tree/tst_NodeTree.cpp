@@ -1,10 +1,10 @@
+#include "ui/tree/NodeFrame.h"
+#include "ui/tree/NodeTree.h"
+
 #include <QLabel>
 #include <QScrollBar>
 #include <QVBoxLayout>
 #include <QtTest>
-
-#include "ui/tree/NodeFrame.h"
-#include "ui/tree/NodeTree.h"
 
 namespace
 {

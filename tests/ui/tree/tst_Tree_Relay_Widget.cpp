@@ -1,10 +1,10 @@
-#include <QScrollBar>
-#include <QtTest>
-
 #include "support/DebugLines.h"
 #include "ui/tree/NodeFrame.h"
 #include "ui/tree/NodeTree.h"
 #include "ui/tree/ShownTree.h"
+
+#include <QScrollBar>
+#include <QtTest>
 
 namespace
 {

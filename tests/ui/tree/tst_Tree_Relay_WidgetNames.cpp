@@ -1,5 +1,5 @@
-#include <functional>
-#include <memory>
+#include "ui/tree/NodeTree.h"
+#include "ui/tree/ShownTree.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -8,8 +8,8 @@
 #include <QTimer>
 #include <QtTest>
 
-#include "ui/tree/NodeTree.h"
-#include "ui/tree/ShownTree.h"
+#include <functional>
+#include <memory>
 
 namespace
 {

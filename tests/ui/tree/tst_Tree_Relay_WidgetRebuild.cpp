@@ -1,8 +1,8 @@
-#include <QtTest>
-
 #include "support/DebugLines.h"
 #include "ui/tree/NodeFrame.h"
 #include "ui/tree/ShownTree.h"
+
+#include <QtTest>
 
 /// What is selected, open and told when nodes are chosen, come and go.
 class tst_Tree_Relay_WidgetRebuild : public ShownTree

@@ -1,13 +1,13 @@
-#include <memory>
+#include "model/RelayInfo.h"
+#include "support/ScriptedDialogs.h"
+#include "ui/window/ConfigurationFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/RelayInfo.h"
-#include "support/ScriptedDialogs.h"
-#include "ui/window/ConfigurationFiles.h"
+#include <memory>
 
 /// The three operations on configuration files: what they ask, what they show and in which order.
 class tst_ConfigurationFiles : public QObject

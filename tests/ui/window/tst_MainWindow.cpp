@@ -1,3 +1,10 @@
+#include "link/FormChoiceCoordinator.h"
+#include "link/FormWaiting.h"
+#include "support/ScriptedDialogs.h"
+#include "texts/texts.h"
+#include "ui/window/MainWindow.h"
+#include "widgets/Look.h"
+
 #include <QCheckBox>
 #include <QDockWidget>
 #include <QLabel>
@@ -11,13 +18,6 @@
 #include <QTableWidget>
 #include <QTextEdit>
 #include <QtTest>
-
-#include "link/FormChoiceCoordinator.h"
-#include "link/FormWaiting.h"
-#include "support/ScriptedDialogs.h"
-#include "texts/texts.h"
-#include "ui/window/MainWindow.h"
-#include "widgets/Look.h"
 
 /// The window alone, without any port: what it looks like at start, and how it passes on what the form reports.
 class tst_MainWindow : public QObject

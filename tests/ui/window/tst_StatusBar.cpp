@@ -1,3 +1,6 @@
+#include "ui/window/StatusBar.h"
+#include "widgets/Look.h"
+
 #include <QApplication>
 #include <QFrame>
 #include <QHelpEvent>
@@ -6,9 +9,6 @@
 #include <QStatusBar>
 #include <QToolTip>
 #include <QtTest>
-
-#include "ui/window/StatusBar.h"
-#include "widgets/Look.h"
 
 namespace
 {

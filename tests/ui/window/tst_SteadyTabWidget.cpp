@@ -1,10 +1,10 @@
+#include "ui/window/SteadyTabWidget.h"
+
 #include <QLabel>
 #include <QPaintEvent>
 #include <QTabBar>
 #include <QVBoxLayout>
 #include <QtTest>
-
-#include "ui/window/SteadyTabWidget.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
-#include <QtTest>
-
 #include "texts/texts.h"
 #include "ui/window/resultLine.h"
+
+#include <QtTest>
 
 namespace
 {

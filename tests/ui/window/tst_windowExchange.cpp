@@ -1,3 +1,11 @@
+#include "link/FormChoiceCoordinator.h"
+#include "support/ScriptedDialogs.h"
+#include "texts/texts.h"
+#include "ui/scripts/Setting_Script_Widget.h"
+#include "ui/tree/FormAddingTerminal.h"
+#include "ui/tree/Tree_Relay_Widget.h"
+#include "ui/window/MainWindow.h"
+
 #include <QAction>
 #include <QComboBox>
 #include <QDockWidget>
@@ -10,14 +18,6 @@
 #include <QTextEdit>
 #include <QTreeWidget>
 #include <QtTest>
-
-#include "link/FormChoiceCoordinator.h"
-#include "support/ScriptedDialogs.h"
-#include "texts/texts.h"
-#include "ui/tree/FormAddingTerminal.h"
-#include "ui/window/MainWindow.h"
-#include "ui/scripts/Setting_Script_Widget.h"
-#include "ui/tree/Tree_Relay_Widget.h"
 
 namespace
 {

@@ -1,4 +1,7 @@
-#include <memory>
+#include "link/FormChoiceCoordinator.h"
+#include "support/ScriptedDialogs.h"
+#include "texts/texts.h"
+#include "ui/window/MainWindow.h"
 
 #include <QAction>
 #include <QDir>
@@ -11,10 +14,7 @@
 #include <QTreeWidget>
 #include <QtTest>
 
-#include "link/FormChoiceCoordinator.h"
-#include "support/ScriptedDialogs.h"
-#include "texts/texts.h"
-#include "ui/window/MainWindow.h"
+#include <memory>
 
 /// Configuration files in the window, without any port: what the menu's actions ask, load and show.
 class tst_windowFiles : public QObject
