@@ -1,5 +1,7 @@
 #include "simulator/LogGenerator.h"
 
+#include "simulator/bcd.h"
+
 #include <algorithm>
 #include <array>
 
@@ -47,20 +49,15 @@ constexpr std::array<Kind, 29> kinds{{
     {13, 1, 0x10, 0x10}, {14, 1, 0x10, 0x10}, {15, 15, 0xFF, 0xFF},                      //
 }};
 
-int bcd(int value)
-{
-    return (value / 10 % 10) << 4 | value % 10;
-}
-
 /* The four time bytes: minute, hour, day, month, with the bits of the year in their upper ends. */
 QByteArray timeBytes(const QDateTime& time)
 {
-    const int year = bcd(time.date().year() % 100);
+    const int year = toBcd(time.date().year() % 100);
     QByteArray bytes;
-    bytes.append(char(bcd(time.time().minute()) | (year & 0x80)));
-    bytes.append(char(bcd(time.time().hour()) | (year << 1 & 0xC0)));
-    bytes.append(char(bcd(time.date().day()) | (year << 3 & 0xC0)));
-    bytes.append(char(bcd(time.date().month()) | (year << 5 & 0xE0)));
+    bytes.append(char(toBcd(time.time().minute()) | (year & 0x80)));
+    bytes.append(char(toBcd(time.time().hour()) | (year << 1 & 0xC0)));
+    bytes.append(char(toBcd(time.date().day()) | (year << 3 & 0xC0)));
+    bytes.append(char(toBcd(time.date().month()) | (year << 5 & 0xE0)));
     return bytes;
 }
 
@@ -268,7 +265,7 @@ QByteArray LogGenerator::channelData(Source& source, int channel)
     } else if (temperature) {
         for (int sensor = 0; sensor < 2; ++sensor) {
             data.append(char(random.bounded(4) == 0 ? 0x80 : 0));
-            data.append(char(bcd(random.bounded(now == 1 ? 60 : 15, now == 1 ? 90 : 30))));
+            data.append(char(toBcd(random.bounded(now == 1 ? 60 : 15, now == 1 ? 90 : 30))));
         }
     } else if (source.terminalClass == 4) {
         data[0] = char(channel << 4 | (before & 3) << 2 | (now & 3));

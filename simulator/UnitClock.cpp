@@ -1,23 +1,13 @@
 #include "simulator/UnitClock.h"
 
+#include "simulator/bcd.h"
+
 #include <array>
 
 namespace
 {
 constexpr int Length = 7;
 constexpr int DaysOfWeek = 7;
-
-char bcd(int value)
-{
-    return char((value / 10 % 10) << 4 | value % 10);
-}
-
-/* -1 if one of the digits isn't one. */
-int fromBcd(char byte)
-{
-    const auto value = static_cast<quint8>(byte);
-    return value >> 4 > 9 || (value & 0x0F) > 9 ? -1 : (value >> 4) * 10 + (value & 0x0F);
-}
 
 /* The reading of the clock on the wall, put into a scale without summer time. */
 QDateTime localNow()
@@ -44,10 +34,9 @@ QByteArray UnitClock::encoded(const QDateTime& time)
 {
     const QDate date = time.date();
     QByteArray bytes;
-    for (const char byte :
-         {bcd(time.time().second()), bcd(time.time().minute()), bcd(time.time().hour()), bcd(date.day()),
-          char(date.dayOfWeek() % DaysOfWeek), bcd(date.month()), bcd(date.year())}) {
-        bytes.append(byte);
+    for (const int byte : {toBcd(time.time().second()), toBcd(time.time().minute()), toBcd(time.time().hour()),
+                           toBcd(date.day()), date.dayOfWeek() % DaysOfWeek, toBcd(date.month()), toBcd(date.year())}) {
+        bytes.append(char(byte));
     }
     return bytes;
 }

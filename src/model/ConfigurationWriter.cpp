@@ -81,7 +81,7 @@ QString scriptName(const ParamTables&, const ScriptInfo& script)
     return oneLine(script.name);
 }
 
-QString scriptNumber(const ParamTables&, const ScriptInfo& script)
+QString numberOfScript(const ParamTables&, const ScriptInfo& script)
 {
     return QString::number(script.number);
 }
@@ -136,7 +136,7 @@ QString typeField(const ParamTables&, const ScriptInfo& script)
 
 constexpr Key<ScriptValue> scriptKeys[] = {
     {"Name", scriptName},
-    {"Number", scriptNumber},
+    {"Number", numberOfScript},
     {"StateChannelNumber", statePosition},
     {"StateChannelValue", stateValue},
     {"NumberChannels", positions<&ScriptInfo::numberChannels>},

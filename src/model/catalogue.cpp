@@ -5,7 +5,7 @@
 namespace
 {
 
-struct Model
+struct TerminalModel
 {
     const char* name;
     const char* localName;
@@ -17,7 +17,7 @@ struct Model
 };
 
 // In file order: of two models with equal numbers the first one names an event.
-constexpr Model models[] = {
+constexpr TerminalModel models[] = {
     {"HUBN-NX-QTR", "ХАБН-НХ-КТР", 0x0, 0x4, 0x22, 0x1F, 1},
     {"HUBN-NX-QTR vers.1", "ХАБН-НХ-КТР вер.1", 0x0, 0x5, 0x23, 0x1F, 1},
     {"HUBN-NX-QTR vers.2", "ХАБН-НХ-КТР вер.2", 0x0, 0xA, 0x23, 0x1F, 1},
@@ -78,7 +78,7 @@ QString hex(int value)
     return QStringLiteral("0x") + QString::number(value, 16).toUpper();
 }
 
-QString line(const char* name, const Model& model, const QString& outputName)
+QString line(const char* name, const TerminalModel& model, const QString& outputName)
 {
     QStringList fields = {hex(model.terminalClass), hex(model.version), hex(model.type), hex(model.characteristic)};
     for (int i = 0; i < model.outputs; ++i) {
@@ -96,7 +96,7 @@ namespace catalogue
 QString english()
 {
     QString text;
-    for (const Model& model : models) {
+    for (const TerminalModel& model : models) {
         text += line(model.name, model, QStringLiteral("Output"));
     }
     return text;
@@ -105,7 +105,7 @@ QString english()
 QString russian()
 {
     QString text;
-    for (const Model& model : models) {
+    for (const TerminalModel& model : models) {
         text += line(model.localName, model, QStringLiteral("Выход"));
     }
     return text;
