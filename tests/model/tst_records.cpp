@@ -817,7 +817,7 @@ void tst_records::missingRowsAreWrittenAsZero()
 
 void tst_records::randomConfigurationsComeBackEqual()
 {
-    for (quint32 seed = 0; seed < 1000; ++seed) {
+    for (quint32 seed = 0; seed < 400; ++seed) {
         RelayInfo first;
         RandomModel::addTerminalTypes(first);
         RandomModel(seed).fill(first);
@@ -845,10 +845,17 @@ void tst_records::randomScriptRecordsComeBackNormalized()
 {
     RandomModel random(1);
     RandomModel::addTerminalTypes(*model);
-    for (int i = 0; i < 20000; ++i) {
-        const QByteArray record = random.bytes(22);
-        readScript(*model, record);
-        QCOMPARE(writeScript(*model, record.at(0) & 31).toHex(' '), normalized(record).toHex(' '));
+    for (int seen = 0; seen < 20000; seen += 32) {
+        QByteArrayList records;
+        for (int number = 0; number < 32; ++number) {
+            records.append(random.bytes(22));
+            records.last()[0] = char((records.constLast().at(0) & 0xE0) | number);
+        }
+        model->readScriptRecords(records);
+        const QByteArrayList written = model->makeScriptRecords();
+        for (int number = 0; number < 32; ++number) {
+            QCOMPARE(written.at(number).toHex(' '), normalized(records.at(number)).toHex(' '));
+        }
     }
 }
 
