@@ -32,5 +32,5 @@ double milliseconds(const std::function<void()>& call)
     QElapsedTimer timer;
     timer.start();
     call();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    return double(timer.nsecsElapsed()) / 1e6;
 }

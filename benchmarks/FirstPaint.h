@@ -32,7 +32,7 @@ protected:
             // After the paint event itself, which this filter sees before the window does.
             QTimer::singleShot(0, window, [] {
                 const qint64 started = QCoreApplication::arguments().value(1).toLongLong();
-                std::printf("%f\n", static_cast<double>(now() - started) / 1e6);
+                std::printf("%f\n", double(now() - started) / 1e6);
                 std::fflush(stdout);
                 QCoreApplication::quit();
             });

@@ -42,17 +42,17 @@ FullWindow::FullWindow()
     // Closed without a port, it puts the actions of the unit out of use, and a change of the tab reads no log.
     window.findChild<FormChoiceCoordinator*>()->close();
 
-    units::fullModel(OutputsOfTerminal)->saveToFile(configuration());
-    window.sl_ReceiveConnectTerminal(units::terminalRecords(Terminals));
+    units::fullModel(outputsOfTerminal)->saveToFile(configuration());
+    window.sl_ReceiveConnectTerminal(units::terminalRecords(terminalCount));
     window.sl_LoadAllDataFromFile();
     tree->expandAll();
 
-    for (int i = 0; i < Rows; ++i) {
+    for (int i = 0; i < rowCount; ++i) {
         window.sl_RequestInLog(QDateTime::currentDateTime(), QByteArray::fromHex("c18601000301070035aa"), false);
         window.sl_AnswerInLog(QDateTime::currentDateTime(), QByteArray(70, '\x55'), false);
     }
-    window.sl_ReceiveDataEvents(units::logRecords(Rows), true);
-    while (log->model() == nullptr || log->model()->rowCount() < Rows) {
+    window.sl_ReceiveDataEvents(units::logRecords(rowCount), true);
+    while (log->model() == nullptr || log->model()->rowCount() < rowCount) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     settle();

@@ -14,9 +14,9 @@ class Tree_Relay_Widget;
 class FullWindow
 {
 public:
-    static constexpr int Terminals = 31;
-    static constexpr int OutputsOfTerminal = 2;
-    static constexpr int Rows = 2000;
+    static constexpr int terminalCount = 31;
+    static constexpr int outputsOfTerminal = 2;
+    static constexpr int rowCount = 2000;
 
     FullWindow();
     ~FullWindow() = default;

@@ -15,7 +15,7 @@ public:
         timer.setTimerType(Qt::PreciseTimer);
         timer.setInterval(1);
         connect(&timer, &QTimer::timeout, this, [this] {
-            longest = std::max(longest, static_cast<double>(clock.nsecsElapsed()) / 1e6 - 1);
+            longest = std::max(longest, double(clock.nsecsElapsed()) / 1e6 - 1);
             clock.restart();
         });
         clock.start();

@@ -14,9 +14,9 @@ UnitState installation(int logRecords)
     for (int i = 0; i < 10; ++i) {
         const int terminalClass = i % 5;
         unit.terminals.append(
-            UnitTerminal::make(static_cast<quint8>(i + 1), terminalClass, 1, 0x41, 0x20, terminalClass == 2 ? 8 : 7));
+            UnitTerminal::make(quint8(i + 1), terminalClass, 1, 0x41, 0x20, terminalClass == 2 ? 8 : 7));
     }
-    unit.log = LogRing(LogRing::MaximumCapacity);
+    unit.log = LogRing(LogRing::maximumCapacity);
     unit.log.append(units::logRecords(logRecords));
     return unit;
 }
@@ -32,8 +32,7 @@ QByteArrayList terminalRecords(int count)
     constexpr int lengthForTwoOutputs = 8;
     QByteArrayList records;
     for (int address = 1; address <= count; ++address) {
-        records.append(
-            UnitTerminal::make(static_cast<quint8>(address), executive, 1, 0x41, 0x20, lengthForTwoOutputs).infoRecord);
+        records.append(UnitTerminal::make(quint8(address), executive, 1, 0x41, 0x20, lengthForTwoOutputs).infoRecord);
     }
     return records;
 }

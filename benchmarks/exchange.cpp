@@ -55,7 +55,7 @@ bool pollLoop(const QString& portName, const QVector<UnitRequest>& pattern)
 
     bool good = true;
     for (const UnitRequest& request : pattern) {
-        good = good && write(line, request.frame.constData(), static_cast<size_t>(request.frame.size())) > 0;
+        good = good && write(line, request.frame.constData(), size_t(request.frame.size())) > 0;
         for (qint64 left = request.answer.size(); good && left > 0;) {
             pollfd wait = {line, POLLIN, 0};
             char buffer[512];

@@ -35,7 +35,7 @@ template <typename Step, typename Prepare>
 Figure untilPainted(const QString& what, int steps, double bar, Step step, Prepare prepare)
 {
     std::vector<double> times;
-    times.reserve(static_cast<std::size_t>(steps));
+    times.reserve(std::size_t(steps));
     for (int i = 0; i < steps; ++i) {
         prepare(i);
         FullWindow::settle();
@@ -78,7 +78,7 @@ Figure scriptChosen(const FullWindow& full)
 
 Figure outputChosen(const FullWindow& full)
 {
-    full.tree->scrollToItem(full.tree->topLevelItem(FullWindow::Terminals / 2), QAbstractItemView::PositionAtTop);
+    full.tree->scrollToItem(full.tree->topLevelItem(FullWindow::terminalCount / 2), QAbstractItemView::PositionAtTop);
     FullWindow::settle();
     QList<QWidget*> frames;
     for (QTreeWidgetItem* item = full.tree->itemAt(0, 0); item != nullptr; item = full.tree->itemBelow(item)) {
@@ -110,9 +110,9 @@ Figure terminalHidden(FullWindow& full)
                                                   {QStringLiteral("Output"), QStringLiteral("Output")});
                 full.tree->expandAll();
             }
-            QTreeWidgetItem* const item = full.tree->topLevelItem(FullWindow::Terminals / 2);
+            QTreeWidgetItem* const item = full.tree->topLevelItem(FullWindow::terminalCount / 2);
             full.tree->setCurrentItem(item);
-            address = static_cast<short>((*chosen)->address);
+            address = short((*chosen)->address);
         });
 }
 

@@ -64,9 +64,9 @@ Figure rebuilding()
         QElapsedTimer timer;
         timer.start();
         tree.fullUpdateTree(true);
-        rebuilt.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        rebuilt.push_back(double(timer.nsecsElapsed()) / 1e6);
         QApplication::processEvents();
-        painted.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        painted.push_back(double(timer.nsecsElapsed()) / 1e6);
     }
     return simple(QStringLiteral("tree of 32 terminals with 8 outputs each rebuilt"), median(rebuilt),
                   QStringLiteral("%1 ms, until painted").arg(median(painted), 0, 'f', 1), 60);

@@ -47,7 +47,7 @@ double wireTime(const QVector<UnitRequest>& requests)
     for (const UnitRequest& request : requests) {
         bytes += request.frame.size() + request.answer.size();
     }
-    return static_cast<double>(bytes) * 10 * 1000 / baudRate;
+    return double(bytes) * 10 * 1000 / baudRate;
 }
 
 /// Runs an operation of the form over a paced unit and compares the time between its first request and its end with the
@@ -67,7 +67,7 @@ Figure overTheWire(const QString& what, UnitSimulator& unit, const std::function
     }
     // A request is noted once its last byte is there; its own way over the wire lies before the note.
     const double measured = std::chrono::duration<double, std::milli>(stopped - requests.first().received).count() +
-                            static_cast<double>(requests.first().frame.size()) * 10 * 1000 / baudRate;
+                            double(requests.first().frame.size()) * 10 * 1000 / baudRate;
     const double wire = wireTime(requests);
     return {what,
             QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
@@ -136,7 +136,7 @@ Figure firmware()
     auto* loading = new Loading;
     QByteArray image(imageSize, '\0');
     for (int i = 0; i < image.size(); ++i) {
-        image[i] = static_cast<char>(i * 7);
+        image[i] = char(i * 7);
     }
     loading->setParameters(form.currentAddress(), form.currentBaudrate(), QStringLiteral("image.crypt"), image);
     QObject::connect(loading, &Loading::sig_SendMessage, &form, &FormChoiceCoordinator::sl_SendRequestOnCurrentPort);

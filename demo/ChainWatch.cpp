@@ -12,8 +12,8 @@
 
 namespace
 {
-constexpr int LookInterval = 50;
-constexpr qint64 LongestChain = 180000;
+constexpr int lookInterval = 50;
+constexpr qint64 longestChain = 180000;
 } // namespace
 
 ChainWatch::ChainWatch(MainWindow& mainWindow)
@@ -26,7 +26,7 @@ ChainWatch::ChainWatch(MainWindow& mainWindow)
     connect(window.findChild<FormChoiceCoordinator*>(), &FormChoiceCoordinator::sig_sendResultOperation, this,
             &ChainWatch::hearResult);
     connect(&timer, &QTimer::timeout, this, &ChainWatch::look);
-    timer.start(LookInterval);
+    timer.start(lookInterval);
     running.start();
 }
 
@@ -43,20 +43,20 @@ void ChainWatch::hearResult(const QString& text)
     }
 }
 
-/* Not every line comes from the coordinator form; files and database have theirs. */
+/// Not every line comes from the coordinator form; files and database have theirs.
 void ChainWatch::look()
 {
     if (resultLine->text() != printed) {
         printed = resultLine->text();
         output << printed << Qt::endl;
     }
-    if (!ended && (hasEnded() || running.hasExpired(LongestChain))) {
+    if (!ended && (hasEnded() || running.hasExpired(longestChain))) {
         ended = true;
         emit chainEnded(fault());
     }
 }
 
-/* The busy form goes a moment before the database's thread has the rows ready for the table; then they are counted. */
+/// The busy form goes a moment before the database's thread has the rows ready for the table; then they are counted.
 bool ChainWatch::hasEnded() const
 {
     return !logOutcome.isEmpty() && !isBusy() && !countRows->text().isEmpty();

@@ -17,13 +17,13 @@
 
 namespace
 {
-constexpr int BusyInterval = 60;  // often enough to meet each text of the busy form with its bar on the way
-constexpr int StepInterval = 400; // for a window to be shown and painted
+constexpr int busyInterval = 60;  // often enough to meet each text of the busy form with its bar on the way
+constexpr int stepInterval = 400; // for a window to be shown and painted
 
-/* A script of the installation with filters and dates, for a summary that has something to say. */
-constexpr int SummarizedScript = 11;
+/// A script of the installation with filters and dates, for a summary that has something to say.
+constexpr int summarizedScript = 11;
 
-constexpr int ExpandedTerminals = 3;
+constexpr int expandedTerminals = 3;
 
 QString fileName(const QString& objectName)
 {
@@ -36,7 +36,7 @@ Pictures::Pictures(MainWindow& mainWindow, const ChainWatch& chainWatch, const Q
     : window(mainWindow), watch(chainWatch), directory(target)
 {
     connect(&timer, &QTimer::timeout, this, &Pictures::lookAtBusyForm);
-    timer.start(BusyInterval);
+    timer.start(busyInterval);
 }
 
 void Pictures::takeAll()
@@ -44,7 +44,7 @@ void Pictures::takeAll()
     timer.disconnect(this);
     connect(&timer, &QTimer::timeout, this, &Pictures::nextStep);
     addSteps();
-    timer.start(StepInterval);
+    timer.start(stepInterval);
 }
 
 void Pictures::addSteps()
@@ -61,7 +61,7 @@ void Pictures::addSteps()
     steps.emplace_back([this] { saveSummary(); });
 }
 
-/* The tab of the log asks the unit whether it has changed, which the busy form accompanies. */
+/// The tab of the log asks the unit whether it has changed, which the busy form accompanies.
 void Pictures::addTabSteps()
 {
     auto* const tabs = window.findChild<QTabWidget*>(QStringLiteral("tabWidget"));
@@ -87,13 +87,13 @@ void Pictures::addFormSteps()
     });
 }
 
-/* The executive terminals behind the head unit, which takes all the room at first. */
+/// The executive terminals behind the head unit, which takes all the room at first.
 void Pictures::addTreeSteps()
 {
     auto* const tree = window.findChild<QTreeWidget*>(QStringLiteral("treeWidget"));
     steps.emplace_back([tree] {
         tree->topLevelItem(0)->setExpanded(false);
-        for (int index = 1; index < qMin(ExpandedTerminals + 1, tree->topLevelItemCount()); ++index) {
+        for (int index = 1; index < qMin(expandedTerminals + 1, tree->topLevelItemCount()); ++index) {
             tree->topLevelItem(index)->setExpanded(true);
         }
     });
@@ -123,12 +123,12 @@ void Pictures::lookAtBusyForm()
     }
 }
 
-/* As if the mouse rested on the script's row. */
+/// As if the mouse rested on the script's row.
 void Pictures::showSummary()
 {
     auto* const list = window.findChild<QListWidget*>(QStringLiteral("listWidgetAllScript"));
-    list->scrollToItem(list->item(SummarizedScript));
-    QWidget* const row = list->itemWidget(list->item(SummarizedScript));
+    list->scrollToItem(list->item(summarizedScript));
+    QWidget* const row = list->itemWidget(list->item(summarizedScript));
     const QPoint centre = row->rect().center();
     QHelpEvent rest(QEvent::ToolTip, centre, row->mapToGlobal(centre));
     QApplication::sendEvent(row, &rest);

@@ -12,27 +12,25 @@ class ChainWatch;
 class MainWindow;
 class QWidget;
 
-/*
- * Saves pictures of the program into a directory, numbered in the order in which they were taken: the busy form as
- * often as its text changes while the automatic chain runs, and then, one after the other, the coordinator form, the
- * window with each of its tabs, its docks, the executive terminals of the tree, the add-terminal form and the summary
- * of a script. Lives on the GUI thread and goes before the window.
- */
+/// Saves pictures of the program into a directory, numbered in the order in which they were taken: the busy form as
+/// often as its text changes while the automatic chain runs, and then, one after the other, the coordinator form, the
+/// window with each of its tabs, its docks, the executive terminals of the tree, the add-terminal form and the summary
+/// of a script. Lives on the GUI thread and goes before the window.
 class Pictures : public QObject
 {
     Q_OBJECT
 public:
     Pictures(MainWindow& window, const ChainWatch& watch, const QDir& target);
 
-    /* Takes the pictures of the finished window; to be called after the chain. */
+    /// Takes the pictures of the finished window; to be called after the chain.
     void takeAll();
 
 signals:
-    /* `fault` is empty if every picture could be saved. */
+    /// `fault` is empty if every picture could be saved.
     void taken(const QString& fault);
 
 private:
-    /* One thing to do, with time for the window to show it before the next. */
+    /// One thing to do, with time for the window to show it before the next.
     using Step = std::function<void()>;
 
     void addSteps();

@@ -17,8 +17,8 @@
 
 namespace
 {
-constexpr int Events = 1200;
-constexpr QSize PictureSize(1366, 800);
+constexpr int events = 1200;
+constexpr QSize pictureSize(1366, 800);
 
 const char* const explanation = R"(The Configuration Manager HUBN-NX-Q over a simulated unit.
 
@@ -31,7 +31,7 @@ int complain(const QString& text)
     return 1;
 }
 
-/* The rules of the --fault options; false, with the reason printed, if one makes no sense. */
+/// The rules of the --fault options; false, with the reason printed, if one makes no sense.
 bool readFaults(const QStringList& texts, QVector<UnitFault>& rules)
 {
     for (const QString& text : texts) {
@@ -46,7 +46,7 @@ bool readFaults(const QStringList& texts, QVector<UnitFault>& rules)
     return true;
 }
 
-/* Waits for the chain to end, takes the pictures, and leaves with what came of it. */
+/// Waits for the chain to end, takes the pictures, and leaves with what came of it.
 int runForPictures(MainWindow& window, ChainWatch& watch, const QDir& target)
 {
     Pictures pictures(window, watch, target);
@@ -59,7 +59,7 @@ int runForPictures(MainWindow& window, ChainWatch& watch, const QDir& target)
         fault = fault.isEmpty() ? pictureFault : fault;
         QCoreApplication::quit();
     });
-    window.resize(PictureSize);
+    window.resize(pictureSize);
     window.show();
     QApplication::exec();
     return fault.isEmpty() ? 0 : complain(fault);
@@ -104,7 +104,7 @@ int run(int argc, char* argv[])
         return complain(QStringLiteral("can't use %1").arg(target.path()));
     }
 
-    UnitSimulator unit(demoInstallation(1, Events, UnitClock::now(0)));
+    UnitSimulator unit(demoInstallation(1, events, UnitClock::now(0)));
     if (!unit.isValid()) {
         return complain(unit.errorString());
     }

@@ -17,7 +17,7 @@ struct Script
     quint8 mode;
     quint8 duration;
     TerminalClass terminalClass;
-    quint8 state; ///< ParamItem::NotActive: faults of any terminal instead
+    quint8 state; ///< ParamItem::notActiveCode: faults of any terminal instead
 };
 
 /// One output of the head unit with the positions of its scripts.
@@ -32,7 +32,7 @@ constexpr Script scripts[] = {
     {"Alarm button: siren", 3, 0, InterfaceClass, 0x01},
     {"High level alarm: siren", 2, 0, AnalogClass, 1},
     {"Test button: siren for 3 seconds", 1, 3, InterfaceClass, 0x08},
-    {"Fault of a terminal: fault lamp", 1, 0, SensorClass, ParamItem::NotActive},
+    {"Fault of a terminal: fault lamp", 1, 0, SensorClass, ParamItem::notActiveCode},
     {"Short of a loop: fault lamp", 2, 0, SensorClass, 2},
     {"Tamper of a loop: fault lamp", 2, 0, SensorClass, 3},
     {"Arm button: armed lamp on", 1, 0, InterfaceClass, 0x02},
@@ -44,7 +44,7 @@ void fillScript(const RelayInfo& model, const Script& from, ScriptInfo& script)
     script.name = QString::fromLatin1(from.name);
     script.mode = findByCode(model.modes(), from.mode);
     script.duration = findByCode(model.durations(), from.duration);
-    if (from.state == ParamItem::NotActive) {
+    if (from.state == ParamItem::notActiveCode) {
         scriptRules::setTerminalStates(script, rowsOfMask(model.terminalStates(), anyFault));
         return;
     }

@@ -2,8 +2,8 @@
 
 namespace
 {
-constexpr int FullBlock = 128;
-constexpr int FirstBytes = 2;
+constexpr int fullBlock = 128;
+constexpr int firstBytes = 2;
 } // namespace
 
 Bootloader::Bootloader(UnitState& unitState) : state(unitState)
@@ -40,7 +40,7 @@ void Bootloader::restart()
 
 Bootloader::Result Bootloader::begin(const QByteArray& data)
 {
-    if (data.size() != FirstBytes) {
+    if (data.size() != firstBytes) {
         return WriteError;
     }
     state.firmware = data;
@@ -55,12 +55,12 @@ Bootloader::Result Bootloader::block(const QByteArray& data)
     if (blocks > 0 && data == lastBlock) {
         return Accepted;
     }
-    if (blocks < 0 || state.firmwareComplete || data.isEmpty() || data.size() > 1 + FullBlock ||
-        static_cast<quint8>(data.at(0)) != (blocks & 0xFF)) {
+    if (blocks < 0 || state.firmwareComplete || data.isEmpty() || data.size() > 1 + fullBlock ||
+        quint8(data.at(0)) != (blocks & 0xFF)) {
         return WriteError;
     }
     state.firmware += data.mid(1);
-    state.firmwareComplete = data.size() < 1 + FullBlock;
+    state.firmwareComplete = data.size() < 1 + fullBlock;
     lastBlock = data;
     ++blocks;
     return Accepted;

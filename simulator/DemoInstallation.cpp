@@ -47,7 +47,7 @@ constexpr std::array<Terminal, 20> terminals{{
     {30, System, 7, 0x1A, 0x1F},    // the unit of the neighbouring building
 }};
 
-/* Codes of the scripts' fields. */
+/// Codes of the scripts' fields.
 enum Mode
 {
     Off = 0,
@@ -98,10 +98,10 @@ enum Filter
     ByTime = 0x01
 };
 
-constexpr quint8 FirstChannel = 0x10;
-constexpr quint8 TwoChannels = 0x30;
-constexpr quint8 EveryDay = 0x7F;
-constexpr quint8 Workdays = 0x3E;
+constexpr quint8 firstChannel = 0x10;
+constexpr quint8 twoChannels = 0x30;
+constexpr quint8 everyDay = 0x7F;
+constexpr quint8 workdays = 0x3E;
 
 struct Moment
 {
@@ -147,31 +147,31 @@ constexpr quint32 at(int address)
 
 constexpr std::array<Script, 16> scripts{{
     // Fire: sirens, exit signs, doors, ventilation.
-    {FastPulse, Minutes5, NoDelay, Alarm, 0, TwoChannels, ByAddress, 0, none, none, anyType,
+    {FastPulse, Minutes5, NoDelay, Alarm, 0, twoChannels, ByAddress, 0, none, none, anyType,
      at(1) | at(2) | at(4) | at(14) | at(24)},
-    {On, Endless, NoDelay, Alarm, 0, TwoChannels, ByAddress, 0, none, none, anyType,
+    {On, Endless, NoDelay, Alarm, 0, twoChannels, ByAddress, 0, none, none, anyType,
      at(1) | at(2) | at(4) | at(14) | at(24)},
-    {On, Minutes10, Delay10Seconds, Alarm, 0, TwoChannels, ByAddress, 0, none, none, anyType, at(1) | at(2) | at(14)},
-    {Block, Endless, NoDelay, Alarm, 0, TwoChannels, ByAddress, 0, none, none, anyType, at(1) | at(2) | at(4) | at(24)},
+    {On, Minutes10, Delay10Seconds, Alarm, 0, twoChannels, ByAddress, 0, none, none, anyType, at(1) | at(2) | at(14)},
+    {Block, Endless, NoDelay, Alarm, 0, twoChannels, ByAddress, 0, none, none, anyType, at(1) | at(2) | at(4) | at(24)},
     // Faults: the lamp at the guard's desk.
-    {SlowPulse, Endless, NoDelay, NoState, MainPower | BackupPower | LostContact, FirstChannel, 0, 0, none, none,
+    {SlowPulse, Endless, NoDelay, NoState, MainPower | BackupPower | LostContact, firstChannel, 0, 0, none, none,
      anyType, 0},
-    {FastPulse, Endless, NoDelay, Short, 0, TwoChannels, 0, 0, none, none, anyType, 0},
-    {FastPulse, Endless, NoDelay, LoopTamper, 0, TwoChannels, 0, 0, none, none, anyType, 0},
-    {On, Seconds30, NoDelay, NoState, Tamper, FirstChannel, 0, 0, none, none, anyType, 0},
+    {FastPulse, Endless, NoDelay, Short, 0, twoChannels, 0, 0, none, none, anyType, 0},
+    {FastPulse, Endless, NoDelay, LoopTamper, 0, twoChannels, 0, 0, none, none, anyType, 0},
+    {On, Seconds30, NoDelay, NoState, Tamper, firstChannel, 0, 0, none, none, anyType, 0},
     // Buttons: panic, arm, disarm.
-    {FastPulse, Seconds60, NoDelay, ButtonAlarm, 0, FirstChannel, ByType, 0, none, none, panicButton, 0},
-    {On, Endless, Delay30Seconds, ButtonArm, 0, FirstChannel, ByType, 0, none, none, panicButton, 0},
-    {Off, Endless, NoDelay, ButtonDisarm, 0, FirstChannel, ByType, 0, none, none, panicButton, 0},
+    {FastPulse, Seconds60, NoDelay, ButtonAlarm, 0, firstChannel, ByType, 0, none, none, panicButton, 0},
+    {On, Endless, Delay30Seconds, ButtonArm, 0, firstChannel, ByType, 0, none, none, panicButton, 0},
+    {Off, Endless, NoDelay, ButtonDisarm, 0, firstChannel, ByType, 0, none, none, panicButton, 0},
     // Intrusion, at night; the gates, outside the working hours.
     {FastPulse,
      Minutes5,
      Delay10Seconds,
      Alarm,
      0,
-     TwoChannels,
+     twoChannels,
      ByAddress | ByTime,
-     EveryDay,
+     everyDay,
      {0x00, 0x20, 1, 1},
      {0x30, 0x06, 1, 1},
      anyType,
@@ -181,9 +181,9 @@ constexpr std::array<Script, 16> scripts{{
      NoDelay,
      Alarm,
      0,
-     TwoChannels,
+     twoChannels,
      ByAddress | ByTime,
-     Workdays,
+     workdays,
      {0x30, 0x17, 1, 1},
      {0x45, 0x07, 1, 1},
      anyType,
@@ -194,7 +194,7 @@ constexpr std::array<Script, 16> scripts{{
      NoDelay,
      TooHot,
      0,
-     TwoChannels,
+     twoChannels,
      ByType | ByDate,
      0,
      {0, 0, 0x01, 0x05},
@@ -206,14 +206,14 @@ constexpr std::array<Script, 16> scripts{{
      Delay30Seconds,
      TooCold,
      0,
-     TwoChannels,
+     twoChannels,
      ByType | ByDate,
      0,
      {0, 0, 0x01, 0x10},
      {0, 0, 0x30, 0x04},
      thermometer,
      0},
-    {Off, Endless, NoDelay, 0, 0, TwoChannels, ByType, 0, none, none, thermometer, 0},
+    {Off, Endless, NoDelay, 0, 0, twoChannels, ByType, 0, none, none, thermometer, 0},
 }};
 
 struct Output
@@ -275,7 +275,7 @@ QByteArray recordOf(const Output& output)
     return record;
 }
 
-/* The length of an information record tells how many outputs the terminal has. */
+/// The length of an information record tells how many outputs the terminal has.
 int recordLength(int channels)
 {
     constexpr std::array<int, 5> lengths{7, 7, 8, 12, 16};
@@ -286,12 +286,12 @@ int recordLength(int channels)
 
 UnitState demoInstallation(quint32 seed, int events, const QDateTime& now)
 {
-    constexpr int MaximumChannels = 4;
-    constexpr int Capacity = 4096;
+    constexpr int maximumChannels = 4;
+    constexpr int capacity = 4096;
     UnitState state;
     state.serialNumber = 20417;
     for (const Terminal& terminal : terminals) {
-        const int channels = terminal.terminalClass == System ? 1 : qMin(terminal.characteristic >> 4, MaximumChannels);
+        const int channels = terminal.terminalClass == System ? 1 : qMin(terminal.characteristic >> 4, maximumChannels);
         state.terminals.append(UnitTerminal::make(terminal.address, terminal.terminalClass, terminal.version,
                                                   terminal.type, terminal.characteristic, recordLength(channels)));
     }
@@ -301,7 +301,7 @@ UnitState demoInstallation(quint32 seed, int events, const QDateTime& now)
     for (const Output& output : outputs) {
         state.outputs.at(size_t(output.address)).at(size_t(output.number)) = recordOf(output);
     }
-    state.log = LogRing(qMax(Capacity, events));
+    state.log = LogRing(qMax(capacity, events));
     state.log.append(LogGenerator(seed, LogGenerator::Plausible, state.terminals).history(events, now));
     return state;
 }

@@ -5,33 +5,33 @@
 
 namespace
 {
-constexpr int DefaultGap = 20;
-constexpr int DefaultNoise = 8;
-constexpr int DefaultOutage = 300;
-constexpr int BitsOfByte = 8;
+constexpr int defaultGap = 20;
+constexpr int defaultNoise = 8;
+constexpr int defaultOutage = 300;
+constexpr int bitsOfByte = 8;
 
 int orDefault(int value, int standard)
 {
     return value < 0 ? standard : value;
 }
 
-/* Without the bytes that begin or mark something in a frame: noise that a parser can pass over. */
+/// Without the bytes that begin or mark something in a frame: noise that a parser can pass over.
 QByteArray noise(const UnitFault& fault, QRandomGenerator& random)
 {
     if (!fault.faultBytes.isEmpty()) {
         return fault.faultBytes;
     }
-    constexpr int Harmless = 0xC0;
+    constexpr int harmless = 0xC0;
     QByteArray bytes;
-    for (int count = orDefault(fault.faultAmount, DefaultNoise); count > 0; --count) {
-        bytes.append(char(random.bounded(Harmless)));
+    for (int count = orDefault(fault.faultAmount, defaultNoise); count > 0; --count) {
+        bytes.append(char(random.bounded(harmless)));
     }
     return bytes;
 }
 
 using Apply = void (*)(FaultEffects&, const UnitFault&, QRandomGenerator&);
 
-/* In the order of UnitFault::Kind. */
+/// In the order of UnitFault::Kind.
 constexpr std::array<Apply, UnitFault::KindCount> effects{
     [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.requestLost = true; },
     [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.answerLost = true; },
@@ -40,7 +40,7 @@ constexpr std::array<Apply, UnitFault::KindCount> effects{
     },
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
         all.pieces = orDefault(fault.faultAmount, 2);
-        all.gap = orDefault(fault.faultValue, DefaultGap);
+        all.gap = orDefault(fault.faultValue, defaultGap);
     },
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& random) {
         all.noiseBefore += noise(fault, random);
@@ -48,7 +48,7 @@ constexpr std::array<Apply, UnitFault::KindCount> effects{
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& random) { all.noiseAfter += noise(fault, random); },
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& random) {
         all.noiseLater += noise(fault, random);
-        all.noiseLaterAfter = orDefault(fault.faultValue, DefaultGap);
+        all.noiseLaterAfter = orDefault(fault.faultValue, defaultGap);
     },
     [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.badChecksum = true; },
     [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.damaged = true; },
@@ -68,7 +68,7 @@ constexpr std::array<Apply, UnitFault::KindCount> effects{
     },
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
         all.losesPower = true;
-        all.powerOutage = orDefault(fault.faultValue, DefaultOutage);
+        all.powerOutage = orDefault(fault.faultValue, defaultOutage);
     }};
 
 bool concerns(const UnitFault& fault, int requestType, int bootType)
@@ -82,8 +82,8 @@ bool concerns(const UnitFault& fault, int requestType, int bootType)
 
 bool FaultEffects::spoilsAnswer() const
 {
-    return answerLost || unplugs || losesPower || badChecksum || damaged || delay >= Patience ||
-           (pieces > 1 && gap >= Patience);
+    return answerLost || unplugs || losesPower || badChecksum || damaged || delay >= patience ||
+           (pieces > 1 && gap >= patience);
 }
 
 QByteArray FaultEffects::alteredData(const QByteArray& data) const
@@ -103,7 +103,7 @@ QByteArray FaultEffects::damagedFrame(const QByteArray& frame) const
     QRandomGenerator random(dice);
     QByteArray damagedBytes = frame;
     const int place = random.bounded(frame.size());
-    damagedBytes[place] = char(damagedBytes.at(place) ^ char(1 << random.bounded(BitsOfByte)));
+    damagedBytes[place] = char(damagedBytes.at(place) ^ char(1 << random.bounded(bitsOfByte)));
     return damagedBytes;
 }
 

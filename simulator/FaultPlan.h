@@ -6,11 +6,11 @@
 #include <QRandomGenerator>
 #include <QVector>
 
-/* What all rules together do to one request and its answer. Times in milliseconds. */
+/// What all rules together do to one request and its answer. Times in milliseconds.
 struct FaultEffects
 {
-    /* An answer that comes later than this has no reader any more. */
-    static constexpr int Patience = 120;
+    /// An answer that comes later than this has no reader any more.
+    static constexpr int patience = 120;
 
     bool requestLost = false;
     bool answerLost = false;
@@ -38,24 +38,24 @@ struct FaultEffects
 
     quint32 dice = 0; // decides the random places: of a change, a damage, a cut
 
-    /* The other side can't have received the answer. */
+    /// The other side can't have received the answer.
     bool spoilsAnswer() const;
-    /* One data byte of another value, if there is any. */
+    /// One data byte of another value, if there is any.
     QByteArray alteredData(const QByteArray& data) const;
-    /* One bit of another value. */
+    /// One bit of another value.
     QByteArray damagedFrame(const QByteArray& frame) const;
-    /* The frame in `pieces` parts, none of them empty; in fewer if it is too short. */
+    /// The frame in `pieces` parts, none of them empty; in fewer if it is too short.
     QVector<QByteArray> cut(const QByteArray& frame) const;
 };
 
-/* The rules of a unit's faults with their counters and generators. */
+/// The rules of a unit's faults with their counters and generators.
 class FaultPlan
 {
 public:
     FaultPlan() = default;
     FaultPlan(const QVector<UnitFault>& faults, quint32 seed);
 
-    /* Counts the request. */
+    /// Counts the request.
     FaultEffects effectsOn(int requestType, int bootType);
 
 private:

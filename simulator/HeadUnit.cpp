@@ -7,15 +7,15 @@
 
 namespace
 {
-constexpr int RecordsInBlock = 4;
-constexpr int BusyListLength = 16; // a bit for each of 128 addresses
-constexpr int FirstBusyType = 12;
-constexpr int FirstInfoType = 17;
-constexpr quint8 ContinueFlag = 0x80;
+constexpr int recordsInBlock = 4;
+constexpr int busyListLength = 16; // a bit for each of 128 addresses
+constexpr int firstBusyType = 12;
+constexpr int firstInfoType = 17;
+constexpr quint8 continueFlag = 0x80;
 
 quint8 byteAt(const QByteArray& bytes, int index)
 {
-    return static_cast<quint8>(bytes.at(index));
+    return quint8(bytes.at(index));
 }
 
 UnitReply refusal(quint8 code)
@@ -40,8 +40,8 @@ HeadUnit::HeadUnit(UnitState& unitState) : state(unitState)
 UnitReply HeadUnit::answer(const wire::Frame& request)
 {
     using Handler = UnitReply (HeadUnit::*)(const wire::Frame&);
-    constexpr int HandledTypes = 23;
-    static constexpr std::array<Handler, HandledTypes> handlers{nullptr, // 0
+    constexpr int handledTypes = 23;
+    static constexpr std::array<Handler, handledTypes> handlers{nullptr, // 0
                                                                 &HeadUnit::setTime,
                                                                 &HeadUnit::readTime, // 1, 2
                                                                 &HeadUnit::readLogBlock,
@@ -66,7 +66,7 @@ UnitReply HeadUnit::answer(const wire::Frame& request)
                                                                 &HeadUnit::enterBootloader}; // 21, 22
 
     const int type = wire::requestType(request);
-    const Handler handler = type < HandledTypes ? handlers.at(size_t(type)) : nullptr;
+    const Handler handler = type < handledTypes ? handlers.at(size_t(type)) : nullptr;
     return handler == nullptr ? refusal(UnknownCommand) : (this->*handler)(request);
 }
 
@@ -103,11 +103,11 @@ UnitReply HeadUnit::readTime(const wire::Frame& /*request*/)
     return {0, UnitClock::encoded(UnitClock::now(state.clockOffset))};
 }
 
-/* Newest block first, the oldest record first within a block. Records that come in meanwhile don't disturb a reading
- * that has begun; records that are overwritten meanwhile are missing at its end. */
+/// Newest block first, the oldest record first within a block. Records that come in meanwhile don't disturb a reading
+/// that has begun; records that are overwritten meanwhile are missing at its end.
 UnitReply HeadUnit::readLogBlock(const wire::Frame& request)
 {
-    if ((request.flags & ContinueFlag) == 0) {
+    if ((request.flags & continueFlag) == 0) {
         logNext = state.log.written();
     } else if (logLost && state.repeatsLostLogBlock) {
         logNext = logPrevious;
@@ -116,7 +116,7 @@ UnitReply HeadUnit::readLogBlock(const wire::Frame& request)
     logPrevious = logNext;
 
     const qint64 oldest = state.log.written() - state.log.size();
-    const qint64 begin = qMax(oldest, logNext - RecordsInBlock);
+    const qint64 begin = qMax(oldest, logNext - recordsInBlock);
     UnitReply reply;
     for (qint64 record = begin; record < logNext; ++record) {
         reply.data += state.log.at(int(record - oldest));
@@ -135,7 +135,7 @@ UnitReply HeadUnit::writeOutput(const wire::Frame& request)
 {
     const int address = byteAt(request.content, 1);
     const int output = byteAt(request.content, 2);
-    if (address >= UnitState::Addresses || output >= UnitState::OutputsPerAddress) {
+    if (address >= UnitState::addressCount || output >= UnitState::outputsPerAddress) {
         return refusal(BadParameter);
     }
     state.outputs.at(size_t(address)).at(size_t(output)) = request.content.mid(3);
@@ -146,7 +146,7 @@ UnitReply HeadUnit::writeScript(const wire::Frame& request)
 {
     const int number = byteAt(request.content, 1);
     const QByteArray script = request.content.mid(2);
-    if (number >= UnitState::Scripts || script.size() != UnitState::ScriptLength) {
+    if (number >= UnitState::scriptCount || script.size() != UnitState::scriptLength) {
         return refusal(BadParameter);
     }
     state.scripts.at(size_t(number)) = script;
@@ -157,7 +157,7 @@ UnitReply HeadUnit::readOutput(const wire::Frame& request)
 {
     const int address = byteAt(request.content, 1);
     const int output = byteAt(request.content, 2);
-    if (address >= UnitState::Addresses || output >= UnitState::OutputsPerAddress) {
+    if (address >= UnitState::addressCount || output >= UnitState::outputsPerAddress) {
         return refusal(BadParameter);
     }
     return {0, state.outputs.at(size_t(address)).at(size_t(output))};
@@ -166,7 +166,7 @@ UnitReply HeadUnit::readOutput(const wire::Frame& request)
 UnitReply HeadUnit::readScript(const wire::Frame& request)
 {
     const int number = byteAt(request.content, 1);
-    if (number >= UnitState::Scripts) {
+    if (number >= UnitState::scriptCount) {
         return refusal(BadParameter);
     }
     return {0, state.scripts.at(size_t(number))};
@@ -182,11 +182,11 @@ UnitReply HeadUnit::identify(const wire::Frame& /*request*/)
 
 UnitReply HeadUnit::busyList(const wire::Frame& request)
 {
-    const int channelClass = wire::requestType(request) - FirstBusyType;
-    UnitReply reply{0, QByteArray(BusyListLength, '\0')};
+    const int channelClass = wire::requestType(request) - firstBusyType;
+    UnitReply reply{0, QByteArray(busyListLength, '\0')};
     for (const UnitTerminal& terminal : std::as_const(state.terminals)) {
         const int bit = terminal.address - 1;
-        if (terminal.channelClass == channelClass && bit >= 0 && bit < BusyListLength * 8) {
+        if (terminal.channelClass == channelClass && bit >= 0 && bit < busyListLength * 8) {
             reply.data[bit / 8] = char(byteAt(reply.data, bit / 8) | (1 << (bit % 8)));
         }
     }
@@ -195,7 +195,7 @@ UnitReply HeadUnit::busyList(const wire::Frame& request)
 
 UnitReply HeadUnit::terminalInfo(const wire::Frame& request)
 {
-    const int channelClass = wire::requestType(request) - FirstInfoType;
+    const int channelClass = wire::requestType(request) - firstInfoType;
     const quint8 address = byteAt(request.content, request.content.size() - 1);
     for (const UnitTerminal& terminal : std::as_const(state.terminals)) {
         if (terminal.channelClass == channelClass && terminal.address == address) {

@@ -5,18 +5,16 @@
 
 #include <QByteArray>
 
-/* What the unit, or its bootloader, has to say to a request. */
+/// What the unit, or its bootloader, has to say to a request.
 struct UnitReply
 {
     quint8 code = 0; // 0 accepted
     QByteArray data;
 };
 
-/*
- * The running program of the unit: takes a device request and gives the reply, changing the state that it works on. It
- * knows nothing of wires and time but the clock. Refusals: 1 a request it doesn't know, 2 a number or length out of
- * range, the state's own code for a clock that isn't there.
- */
+/// The running program of the unit: takes a device request and gives the reply, changing the state that it works on. It
+/// knows nothing of wires and time but the clock. Refusals: 1 a request it doesn't know, 2 a number or length out of
+/// range, the state's own code for a clock that isn't there.
 class HeadUnit
 {
 public:
@@ -30,9 +28,9 @@ public:
 
     UnitReply answer(const wire::Frame& request);
 
-    /* The answer just given to a log block can't have reached the other side. */
+    /// The answer just given to a log block can't have reached the other side.
     void logAnswerLost();
-    /* Power-up: a log reading that had begun is forgotten. */
+    /// Power-up: a log reading that had begun is forgotten.
     void restart();
 
 private:

@@ -7,17 +7,17 @@
 
 namespace
 {
-constexpr int DataBytes = 5;
-constexpr int Channels = 4;
-constexpr quint8 NormalMode = 0x08;
-constexpr int ByteValues = 0x100;
+constexpr int dataBytes = 5;
+constexpr int channelLimit = 4;
+constexpr quint8 normalMode = 0x08;
+constexpr int byteValues = 0x100;
 
-/* The status bits that a log tells of: of the head unit and of a terminal; the mode bits of a terminal. */
+/// The status bits that a log tells of: of the head unit and of a terminal; the mode bits of a terminal.
 constexpr std::array<quint8, 5> unitStatusBits{0x80, 0x40, 0x08, 0x04, 0x02};
 constexpr std::array<quint8, 6> terminalStatusBits{0x40, 0x20, 0x10, 0x08, 0x04, 0x02};
 constexpr std::array<quint8, 6> modeBits{0x80, 0x40, 0x20, 0x10, 0x08, 0x01};
 
-/* What a channel of each class reports when it leaves its normal state, as often as it stands here. */
+/// What a channel of each class reports when it leaves its normal state, as often as it stands here.
 constexpr std::array<std::array<quint8, 6>, 5> disturbedStates{
     {{1, 1, 1, 1, 1, 1}, {1, 1, 1, 2, 3, 3}, {1, 1, 2, 3, 4, 5}, {1, 1, 1, 1, 1, 1}, {1, 1, 2, 4, 5, 11}}};
 
@@ -27,7 +27,7 @@ quint8 pick(const std::array<quint8, Size>& values, QRandomGenerator& random)
     return values.at(random.bounded(quint32(Size)));
 }
 
-/* Class, version, type and characteristic of every kind of terminal with a way of its own to report. */
+/// Class, version, type and characteristic of every kind of terminal with a way of its own to report.
 struct Kind
 {
     int terminalClass;
@@ -49,7 +49,7 @@ constexpr std::array<Kind, 29> kinds{{
     {13, 1, 0x10, 0x10}, {14, 1, 0x10, 0x10}, {15, 15, 0xFF, 0xFF},                      //
 }};
 
-/* The four time bytes: minute, hour, day, month, with the bits of the year in their upper ends. */
+/// The four time bytes: minute, hour, day, month, with the bits of the year in their upper ends.
 QByteArray timeBytes(const QDateTime& time)
 {
     const int year = toBcd(time.date().year() % 100);
@@ -63,14 +63,14 @@ QByteArray timeBytes(const QDateTime& time)
 
 QByteArray event(int code, const QByteArray& data)
 {
-    return QByteArray(1, char(code)) + data.leftJustified(DataBytes, '\0', true);
+    return QByteArray(1, char(code)) + data.leftJustified(dataBytes, '\0', true);
 }
 
 } // namespace
 
 int LogGenerator::Source::channelCount() const
 {
-    return qMin(characteristic >> 4, Channels);
+    return qMin(characteristic >> 4, channelLimit);
 }
 
 LogGenerator::LogGenerator(quint32 seed, Variety logVariety, const QVector<UnitTerminal>& terminals)
@@ -97,8 +97,8 @@ QByteArray LogGenerator::next(const QDateTime& time)
     Source& source = sources[card.source];
     const QByteArray what = (this->*card.event)(source);
 
-    constexpr int ImpossibleOneIn = 40;
-    const bool impossible = variety == Everything && random.bounded(ImpossibleOneIn) == 0;
+    constexpr int impossibleOneIn = 40;
+    const bool impossible = variety == Everything && random.bounded(impossibleOneIn) == 0;
     QByteArray record = impossible ? randomBytes(4) : timeBytes(time);
     record.append(char(source.terminalClass << 4 | source.version));
     record.append(char(source.type));
@@ -134,10 +134,10 @@ int LogGenerator::cycleLength() const
 void LogGenerator::addSource(quint8 address, int terminalClass, int version, int type, int characteristic)
 {
     sources.append({address, quint8(terminalClass), quint8(version), quint8(type), quint8(characteristic), 0,
-                    NormalMode, QByteArray(Channels, '\0')});
+                    normalMode, QByteArray(channelLimit, '\0')});
 }
 
-/* Each source with each of its events once; in a plausible log with those more often that happen more often. */
+/// Each source with each of its events once; in a plausible log with those more often that happen more often.
 void LogGenerator::buildDeck()
 {
     struct Share
@@ -179,10 +179,10 @@ LogGenerator::Card LogGenerator::draw()
 QByteArray LogGenerator::powerUp(Source& source)
 {
     if (source.address == 0) {
-        return event(0, QByteArray(1, '\0') + char(variety == Everything ? random.bounded(ByteValues) : source.status));
+        return event(0, QByteArray(1, '\0') + char(variety == Everything ? random.bounded(byteValues) : source.status));
     }
     if (variety == Everything) {
-        return event(0, randomBytes(DataBytes));
+        return event(0, randomBytes(dataBytes));
     }
     const auto pair = [&source](int first) {
         return char(source.channels.at(first) | source.channels.at(first + 1) << 4);
@@ -196,8 +196,8 @@ QByteArray LogGenerator::powerUp(Source& source)
 
 QByteArray LogGenerator::statusChange(Source& source)
 {
-    constexpr int NothingOneIn = 12;
-    if (variety == Everything && random.bounded(NothingOneIn) == 0) {
+    constexpr int nothingOneIn = 12;
+    if (variety == Everything && random.bounded(nothingOneIn) == 0) {
         return noChange(source);
     }
     const auto bit = [&] {
@@ -220,14 +220,14 @@ QByteArray LogGenerator::noChange(Source& source)
 QByteArray LogGenerator::modeChange(Source& source)
 {
     const quint8 before = source.mode;
-    source.mode = before != NormalMode && variety == Plausible ? NormalMode : quint8(before ^ pick(modeBits, random));
+    source.mode = before != normalMode && variety == Plausible ? normalMode : quint8(before ^ pick(modeBits, random));
     return event(3, QByteArray(1, char(before)) + char(source.mode));
 }
 
 QByteArray LogGenerator::unknownEvent(Source& /*source*/)
 {
-    constexpr int KnownCodes = 4;
-    return event(random.bounded(KnownCodes, ByteValues), randomBytes(DataBytes));
+    constexpr int knownCodes = 4;
+    return event(random.bounded(knownCodes, byteValues), randomBytes(dataBytes));
 }
 
 QByteArray LogGenerator::channelState(Source& source)
@@ -236,16 +236,16 @@ QByteArray LogGenerator::channelState(Source& source)
     return event(1, channelData(source, channel));
 }
 
-/* The data of a channel event: its first byte is the channel in the bits 4 and 5 and the state below, except for what
- * the classes 3 and 4 make of it. */
+/// The data of a channel event: its first byte is the channel in the bits 4 and 5 and the state below, except for what
+/// the classes 3 and 4 make of it.
 QByteArray LogGenerator::channelData(Source& source, int channel)
 {
-    constexpr int MaximumState = 16;
+    constexpr int maximumState = 16;
 
     const int before = source.channels.at(channel);
     int now = 0;
     if (variety == Everything) {
-        now = random.bounded(MaximumState);
+        now = random.bounded(maximumState);
     } else if (before == 0) {
         now = pick(disturbedStates.at(source.terminalClass % disturbedStates.size()), random);
     }
@@ -255,10 +255,10 @@ QByteArray LogGenerator::channelData(Source& source, int channel)
     const bool panicButton = source.terminalClass == 3 && source.type == 0x30;
     const bool temperature = source.terminalClass == 4 && source.type == 0x15;
     if (panicButton) {
-        constexpr int LongPressOneIn = 3;
-        const int longPress = random.bounded(LongPressOneIn) == 0 ? 0x80 : 0;
-        data.append(
-            char(longPress | (variety == Everything ? random.bounded(MaximumState) : 1 << random.bounded(Channels))));
+        constexpr int longPressOneIn = 3;
+        const int longPress = random.bounded(longPressOneIn) == 0 ? 0x80 : 0;
+        data.append(char(longPress |
+                         (variety == Everything ? random.bounded(maximumState) : 1 << random.bounded(channelLimit))));
     } else if (source.terminalClass == 3) {
         data[0] = char(now == 0 ? 0 : random.bounded(1, 10));
         data += randomBytes(4);
@@ -274,7 +274,7 @@ QByteArray LogGenerator::channelData(Source& source, int channel)
             data.append(char(count >> shift & 0xFF));
         }
     } else if (source.terminalClass > 4) {
-        data = randomBytes(DataBytes);
+        data = randomBytes(dataBytes);
     }
     return data;
 }
@@ -283,7 +283,7 @@ QByteArray LogGenerator::randomBytes(int count)
 {
     QByteArray bytes(count, '\0');
     for (char& byte : bytes) {
-        byte = char(random.bounded(ByteValues));
+        byte = char(random.bounded(byteValues));
     }
     return bytes;
 }

@@ -8,14 +8,12 @@
 #include <QRandomGenerator>
 #include <QVector>
 
-/*
- * Invents log records. The same seed, variety, terminals and times give the same records. A plain value.
- *
- * Plausible tells the story of an installation: its own terminals, each change following on the state before it.
- * Everything walks through every code of event, every class of terminal and every special kind of terminal, known and
- * unknown, with values of any sort, impossible times included; all kinds of event have come after cycleLength()
- * records.
- */
+/// Invents log records. The same seed, variety, terminals and times give the same records. A plain value.
+///
+/// Plausible tells the story of an installation: its own terminals, each change following on the state before it.
+/// Everything walks through every code of event, every class of terminal and every special kind of terminal, known and
+/// unknown, with values of any sort, impossible times included; all kinds of event have come after cycleLength()
+/// records.
 class LogGenerator
 {
 public:
@@ -25,18 +23,18 @@ public:
         Everything
     };
 
-    /* The terminals matter for Plausible only, which without any tells of the head unit alone. */
+    /// The terminals matter for Plausible only, which without any tells of the head unit alone.
     explicit LogGenerator(quint32 seed, Variety logVariety, const QVector<UnitTerminal>& terminals = {});
 
     QByteArray next(const QDateTime& time);
 
-    /* `count` records, oldest first, with irregular times of which the last is `end`. */
+    /// `count` records, oldest first, with irregular times of which the last is `end`.
     QByteArrayList history(int count, const QDateTime& end);
 
     int cycleLength() const;
 
 private:
-    /* A terminal with the state that its next event departs from. */
+    /// A terminal with the state that its next event departs from.
     struct Source
     {
         quint8 address;

@@ -3,7 +3,7 @@
 #include <QtGlobal>
 
 LogRing::LogRing(int capacity, qint64 overwritten)
-    : limit(qBound(1, capacity, MaximumCapacity)), total(qMax(0LL, overwritten))
+    : limit(qBound(1, capacity, maximumCapacity)), total(qMax(0LL, overwritten))
 {
 }
 

@@ -36,25 +36,25 @@ constexpr std::array<Rate, 12> rates{{{B300, 300},
                                       {B230400, 230400},
                                       {B460800, 460800}}};
 
-/* The path of the near end; empty if there is none. */
+/// The path of the near end; empty if there is none.
 QByteArray nearEndOf(int farEnd)
 {
     std::array<char, 128> path{};
     return ptsname_r(farEnd, path.data(), path.size()) == 0 ? QByteArray(path.data()) : QByteArray();
 }
 
-/* The far end of a pair whose name this process has not had before; below 0 if there is none. The system would give the
- * name of a pair that has just gone to the next one at once, and who is still letting go of the former, down to the
- * lock file of its port, would keep the new one from being opened. */
+/// The far end of a pair whose name this process has not had before; below 0 if there is none. The system would give
+/// the name of a pair that has just gone to the next one at once, and who is still letting go of the former, down to
+/// the lock file of its port, would keep the new one from being opened.
 int openNewName()
 {
     static QMutex mutex;
     static QSet<QByteArray> formerNames;
-    constexpr int PairsAtOnce = 500; // there are more descriptors than that; beyond it any name will do
+    constexpr int pairsAtOnce = 500; // there are more descriptors than that; beyond it any name will do
     const QMutexLocker locker(&mutex);
     QVector<int> formerPairs;
     int farEnd = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    while (farEnd >= 0 && formerNames.contains(nearEndOf(farEnd)) && formerPairs.size() < PairsAtOnce) {
+    while (farEnd >= 0 && formerNames.contains(nearEndOf(farEnd)) && formerPairs.size() < pairsAtOnce) {
         formerPairs.append(farEnd);
         farEnd = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     }
@@ -176,11 +176,9 @@ bool PseudoTerminal::isPluggedIn() const
     return pluggedIn;
 }
 
-/*
- * Closing the far end would lose the name: the system hands out the next free number. A pair that is locked refuses to
- * be opened, and an attempt all the same marks the near end as failing, so that its users get EIO until a later attempt
- * succeeds. The byte wakes a reader that waits, so that it meets the error at once.
- */
+/// Closing the far end would lose the name: the system hands out the next free number. A pair that is locked refuses to
+/// be opened, and an attempt all the same marks the near end as failing, so that its users get EIO until a later
+/// attempt succeeds. The byte wakes a reader that waits, so that it meets the error at once.
 void PseudoTerminal::unplug()
 {
     if (!isValid() || !pluggedIn) {

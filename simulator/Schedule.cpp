@@ -9,8 +9,8 @@
 
 namespace
 {
-/* A sleeping processor takes about that long to wake up. A line doesn't oversleep, so the rest is waited for awake. */
-constexpr std::chrono::microseconds WakingTime(150);
+/// A sleeping processor takes about that long to wake up. A line doesn't oversleep, so the rest is waited for awake.
+constexpr std::chrono::microseconds wakingTime(150);
 } // namespace
 
 Schedule::Schedule(QObject* parent)
@@ -44,7 +44,7 @@ void Schedule::run()
     if (::read(timer, &expirations, sizeof expirations) < 0) {
         return; // set anew in the meantime
     }
-    while (!actions.empty() && actions.begin()->first <= Clock::now() + WakingTime) {
+    while (!actions.empty() && actions.begin()->first <= Clock::now() + wakingTime) {
         while (Clock::now() < actions.begin()->first) {
             std::this_thread::yield();
         }
@@ -55,13 +55,13 @@ void Schedule::run()
     arm();
 }
 
-/* A timer of zero would be switched off, so the past is one nanosecond after the clock's begin. */
+/// A timer of zero would be switched off, so the past is one nanosecond after the clock's begin.
 void Schedule::arm()
 {
     itimerspec setting{};
     if (!actions.empty()) {
         using namespace std::chrono;
-        const auto sinceBegin = (actions.begin()->first - WakingTime).time_since_epoch();
+        const auto sinceBegin = (actions.begin()->first - wakingTime).time_since_epoch();
         const auto whole = duration_cast<seconds>(sinceBegin);
         setting.it_value.tv_sec = whole.count();
         setting.it_value.tv_nsec = std::max<long>(1, duration_cast<nanoseconds>(sinceBegin - whole).count());

@@ -8,11 +8,9 @@
 
 class QSocketNotifier;
 
-/*
- * Does things at given moments of the steady clock, on its own thread, in order of time; things of the same moment in
- * the order in which they were added. It keeps to fractions of a millisecond, which a QTimer doesn't, because a byte on
- * a fast line takes no longer. Never early.
- */
+/// Does things at given moments of the steady clock, on its own thread, in order of time; things of the same moment in
+/// the order in which they were added. It keeps to fractions of a millisecond, which a QTimer doesn't, because a byte
+/// on a fast line takes no longer. Never early.
 class Schedule : public QObject
 {
 public:
@@ -23,7 +21,7 @@ public:
     ~Schedule() override;
 
     void at(Clock::time_point moment, Action action);
-    /* Forgets all that hasn't been done. */
+    /// Forgets all that hasn't been done.
     void clear();
 
 private:

@@ -90,7 +90,7 @@ const Options& options()
     return list;
 }
 
-/* The number that an option was given; false if it is none or out of range. */
+/// The number that an option was given; false if it is none or out of range.
 bool number(const QCommandLineParser& parser, const QCommandLineOption& option, int lowest, int highest, int& value)
 {
     bool ok = false;
@@ -168,9 +168,9 @@ bool SimulatorProgram::initialState(const QCommandLineParser& parser, UnitState&
 {
     int events = 0;
     int seed = 0;
-    if (!number(parser, options().events, 0, LogRing::MaximumCapacity, events) ||
+    if (!number(parser, options().events, 0, LogRing::maximumCapacity, events) ||
         !number(parser, options().seed, 0, INT_MAX, seed)) {
-        return complain(QStringLiteral("--events takes a number up to %1").arg(LogRing::MaximumCapacity));
+        return complain(QStringLiteral("--events takes a number up to %1").arg(LogRing::maximumCapacity));
     }
     stateFile = parser.value(options().state);
     if (!stateFile.isEmpty() && QFileInfo::exists(stateFile)) {
@@ -253,7 +253,7 @@ void SimulatorProgram::receiveSignal()
     }
 }
 
-/* The end of the input doesn't end the program: it may run in the background. */
+/// The end of the input doesn't end the program: it may run in the background.
 void SimulatorProgram::receiveInput()
 {
     std::array<char, 512> block{};

@@ -12,10 +12,8 @@
 class QCommandLineParser;
 class QSocketNotifier;
 
-/*
- * The program hubn-unit-simulator: a simulated unit with a command line, a state file and commands on the standard
- * input. Lives on the main thread. The unit's state is saved when the program is asked to, and when it ends.
- */
+/// The program hubn-unit-simulator: a simulated unit with a command line, a state file and commands on the standard
+/// input. Lives on the main thread. The unit's state is saved when the program is asked to, and when it ends.
 class SimulatorProgram : public QObject
 {
     Q_OBJECT
@@ -23,11 +21,11 @@ public:
     SimulatorProgram();
     ~SimulatorProgram() override;
 
-    /* To be called before any thread exists: the signals that end the program or make it save are taken from there on
-     * by a descriptor. */
+    /// To be called before any thread exists: the signals that end the program or make it save are taken from there on
+    /// by a descriptor.
     static bool blockSignals();
 
-    /* False if the program can't run as asked; the reason has been printed. May end the process: --help, --version. */
+    /// False if the program can't run as asked; the reason has been printed. May end the process: --help, --version.
     bool start(const QStringList& arguments);
 
 private:

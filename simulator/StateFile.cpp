@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr int FirmwareBytesOfLine = 64;
+constexpr int firmwareBytesOfLine = 64;
 const char* const NoBytes = "-";
 
 const char* const preface = R"(# A simulated head unit HUBN-NX-Q.
@@ -28,7 +28,7 @@ const char* const preface = R"(# A simulated head unit HUBN-NX-Q.
 # in-bootloader, firmware-complete, firmware = BYTES    the image is the firmware lines put together
 )";
 
-/* A value that is being read: its words, and whether all of them made sense so far. */
+/// A value that is being read: its words, and whether all of them made sense so far.
 struct Words
 {
     QStringList list;
@@ -59,7 +59,7 @@ struct Words
     }
 };
 
-/* What is collected until the last line has been read. */
+/// What is collected until the last line has been read.
 struct Draft
 {
     UnitState state;
@@ -68,7 +68,7 @@ struct Draft
     QByteArrayList events;
 };
 
-constexpr qint64 AnyNumber = 0x7FFFFFFFFFFF;
+constexpr qint64 anyNumber = 0x7FFFFFFFFFFF;
 
 struct Key
 {
@@ -104,16 +104,16 @@ void takeTerminal(Draft& draft, Words& words)
 
 void takeOutput(Draft& draft, Words& words)
 {
-    const auto address = size_t(words.number(0, 0, UnitState::Addresses - 1));
-    const auto number = size_t(words.number(1, 0, UnitState::OutputsPerAddress - 1));
+    const auto address = size_t(words.number(0, 0, UnitState::addressCount - 1));
+    const auto number = size_t(words.number(1, 0, UnitState::outputsPerAddress - 1));
     draft.state.outputs.at(address).at(number) = words.bytes(2);
 }
 
 void takeScript(Draft& draft, Words& words)
 {
-    const auto number = size_t(words.number(0, 0, UnitState::Scripts - 1));
+    const auto number = size_t(words.number(0, 0, UnitState::scriptCount - 1));
     draft.state.scripts.at(number) = words.bytes(1);
-    words.sound = words.sound && draft.state.scripts.at(number).size() == UnitState::ScriptLength;
+    words.sound = words.sound && draft.state.scripts.at(number).size() == UnitState::scriptLength;
 }
 
 const QHash<QString, Key>& keys()
@@ -128,13 +128,13 @@ const QHash<QString, Key>& keys()
         {QStringLiteral("time-refusal"),
          {1, [](Draft& draft, Words& words) { draft.state.timeRefusal = quint8(words.number(0, 0, 255)); }}},
         {QStringLiteral("clock-offset"),
-         {1, [](Draft& draft, Words& words) { draft.state.clockOffset = words.number(0, -AnyNumber, AnyNumber); }}},
+         {1, [](Draft& draft, Words& words) { draft.state.clockOffset = words.number(0, -anyNumber, anyNumber); }}},
         {QStringLiteral("repeats-lost-log-block"),
          {1, [](Draft& draft, Words& words) { draft.state.repeatsLostLogBlock = words.yes(0); }}},
         {QStringLiteral("log-capacity"),
-         {1, [](Draft& draft, Words& words) { draft.logCapacity = words.number(0, 1, LogRing::MaximumCapacity); }}},
+         {1, [](Draft& draft, Words& words) { draft.logCapacity = words.number(0, 1, LogRing::maximumCapacity); }}},
         {QStringLiteral("log-overwritten"),
-         {1, [](Draft& draft, Words& words) { draft.logOverwritten = words.number(0, 0, AnyNumber); }}},
+         {1, [](Draft& draft, Words& words) { draft.logOverwritten = words.number(0, 0, anyNumber); }}},
         {QStringLiteral("terminal"), {3, takeTerminal}},
         {QStringLiteral("output"), {3, takeOutput}},
         {QStringLiteral("script"), {2, takeScript}},
@@ -226,8 +226,8 @@ QByteArray bulkLines(const UnitState& state)
     for (const QByteArray& event : events) {
         text += "event = " + hexOf(event) + '\n';
     }
-    for (int begin = 0; begin < state.firmware.size(); begin += FirmwareBytesOfLine) {
-        text += "firmware = " + state.firmware.mid(begin, FirmwareBytesOfLine).toHex() + '\n';
+    for (int begin = 0; begin < state.firmware.size(); begin += firmwareBytesOfLine) {
+        text += "firmware = " + state.firmware.mid(begin, firmwareBytesOfLine).toHex() + '\n';
     }
     return text;
 }

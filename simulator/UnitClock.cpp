@@ -6,10 +6,10 @@
 
 namespace
 {
-constexpr int Length = 7;
-constexpr int DaysOfWeek = 7;
+constexpr int length = 7;
+constexpr int daysOfWeek = 7;
 
-/* The reading of the clock on the wall, put into a scale without summer time. */
+/// The reading of the clock on the wall, put into a scale without summer time.
 QDateTime localNow()
 {
     const QDateTime now = QDateTime::currentDateTime();
@@ -35,7 +35,7 @@ QByteArray UnitClock::encoded(const QDateTime& time)
     const QDate date = time.date();
     QByteArray bytes;
     for (const int byte : {toBcd(time.time().second()), toBcd(time.time().minute()), toBcd(time.time().hour()),
-                           toBcd(date.day()), date.dayOfWeek() % DaysOfWeek, toBcd(date.month()), toBcd(date.year())}) {
+                           toBcd(date.day()), date.dayOfWeek() % daysOfWeek, toBcd(date.month()), toBcd(date.year())}) {
         bytes.append(char(byte));
     }
     return bytes;
@@ -43,7 +43,7 @@ QByteArray UnitClock::encoded(const QDateTime& time)
 
 QDateTime UnitClock::decoded(const QByteArray& bytes)
 {
-    if (bytes.size() != Length) {
+    if (bytes.size() != length) {
         return {};
     }
     const QTime time(fromBcd(bytes.at(2)), fromBcd(bytes.at(1)), fromBcd(bytes.at(0)));

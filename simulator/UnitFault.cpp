@@ -8,7 +8,7 @@ namespace
 {
 using Setter = std::function<bool(UnitFault&, const QString&)>;
 
-/* What the parts of a rule's text do; false if the value makes no sense. */
+/// What the parts of a rule's text do; false if the value makes no sense.
 const QHash<QString, Setter>& setters()
 {
     const auto number = [](UnitFault& (UnitFault::*set)(int), int lowest) {

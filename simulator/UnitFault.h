@@ -7,17 +7,15 @@
 
 #include <optional>
 
-/*
- * One rule by which a simulated unit misbehaves. A plain value, written as a sentence:
- *
- *     UnitFault(UnitFault::LoseAnswer).onRequest(7).from(3).times(1)          the third reading of an output, once
- *     UnitFault(UnitFault::DamageAnswer).withChance(0.05)                     one answer in twenty
- *     UnitFault(UnitFault::Unplug).onBoot(5).from(10).value(1500).amount(4)   after four bytes of an answer, for 1.5 s
- *
- * Each rule counts the requests that it matches, from the moment it was set. A rule draws its chances and its random
- * bytes from a generator of its own, so the same rules with the same seed and the same requests misbehave alike.
- * Several rules may hit one request; their effects add up.
- */
+/// One rule by which a simulated unit misbehaves. A plain value, written as a sentence:
+///
+///     UnitFault(UnitFault::LoseAnswer).onRequest(7).from(3).times(1)          the third reading of an output, once
+///     UnitFault(UnitFault::DamageAnswer).withChance(0.05)                     one answer in twenty
+///     UnitFault(UnitFault::Unplug).onBoot(5).from(10).value(1500).amount(4)   after four bytes of an answer, for 1.5 s
+///
+/// Each rule counts the requests that it matches, from the moment it was set. A rule draws its chances and its random
+/// bytes from a generator of its own, so the same rules with the same seed and the same requests misbehave alike.
+/// Several rules may hit one request; their effects add up.
 struct UnitFault
 {
     enum Kind
@@ -44,24 +42,24 @@ struct UnitFault
     {
     }
 
-    /* Only requests of this type; numbers as in UnitRequest. Without either of the two: every request. */
+    /// Only requests of this type; numbers as in UnitRequest. Without either of the two: every request.
     UnitFault& onRequest(int type);
     UnitFault& onBoot(int type);
-    /* From the nth of them, counted from 1. */
+    /// From the nth of them, counted from 1.
     UnitFault& from(int nth);
-    /* For that many of them in a row; without it for all that follow. */
+    /// For that many of them in a row; without it for all that follow.
     UnitFault& times(int number);
-    /* Each of those with this chance, 0 to 1. */
+    /// Each of those with this chance, 0 to 1.
     UnitFault& withChance(double probability);
     UnitFault& value(int number);
     UnitFault& amount(int number);
     UnitFault& bytes(const QByteArray& content);
 
-    /* A rule from text, for command lines: the kind's name and the parts of the sentence that are wanted, as in
-     * "unplug:boot=5,from=10,times=1,value=1500,amount=4" or "noise-before:chance=0.1,bytes=c2ff". Empty if the text is
-     * no rule; `error` then says why. */
+    /// A rule from text, for command lines: the kind's name and the parts of the sentence that are wanted, as in
+    /// "unplug:boot=5,from=10,times=1,value=1500,amount=4" or "noise-before:chance=0.1,bytes=c2ff". Empty if the text
+    /// is no rule; `error` then says why.
     static std::optional<UnitFault> fromText(const QString& text, QString* error);
-    /* The names that fromText() takes for the kinds, in their order. */
+    /// The names that fromText() takes for the kinds, in their order.
     static QStringList kindNames();
 
     Kind kind;

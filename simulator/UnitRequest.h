@@ -5,19 +5,17 @@
 
 #include <chrono>
 
-/*
- * One request as a simulated unit saw it. A plain value.
- *
- * requestType numbers the device requests: 1 set time, 2 read time, 3 log block, 4 log information, 5 write output,
- * 6 write script, 7 read output, 8 read script, 9 check of a coordinator, 10 broadcast search, 12 to 16 busy list of
- * the classes 0 to 4, 17 to 21 terminal information of the classes 0 to 4, 22 enter the bootloader. The watch of a
- * connection looks like 9 on the wire. Anything else in a sound frame is UnknownRequest.
- *
- * bootType numbers the packets to the bootloader by their command: 2, 3, 4, 5 a full block, 6 the last block, 1.
- */
+/// One request as a simulated unit saw it. A plain value.
+///
+/// requestType numbers the device requests: 1 set time, 2 read time, 3 log block, 4 log information, 5 write output,
+/// 6 write script, 7 read output, 8 read script, 9 check of a coordinator, 10 broadcast search, 12 to 16 busy list of
+/// the classes 0 to 4, 17 to 21 terminal information of the classes 0 to 4, 22 enter the bootloader. The watch of a
+/// connection looks like 9 on the wire. Anything else in a sound frame is unknownRequest.
+///
+/// bootType numbers the packets to the bootloader by their command: 2, 3, 4, 5 a full block, 6 the last block, 1.
 struct UnitRequest
 {
-    static constexpr int UnknownRequest = 99;
+    static constexpr int unknownRequest = 99;
 
     std::chrono::steady_clock::time_point received; // when its last byte was read from the line
     QByteArray frame;                               // as on the wire, stuffing included

@@ -37,31 +37,31 @@ bool UnitState::operator!=(const UnitState& other) const
     return !(*this == other);
 }
 
-/* Off at power-up, no script. */
+/// Off at power-up, no script.
 QByteArray UnitState::emptyOutput()
 {
     return {1, '\0'};
 }
 
-/* No trigger: state 255; channel 1, the first of January as both dates, any terminal. */
+/// No trigger: state 255; channel 1, the first of January as both dates, any terminal.
 QByteArray UnitState::emptyScript()
 {
     return QByteArray::fromHex("0000ff001000000001010000"
                                "0101f0000000000000");
 }
 
-std::array<std::array<QByteArray, UnitState::OutputsPerAddress>, UnitState::Addresses> UnitState::emptyOutputs()
+std::array<std::array<QByteArray, UnitState::outputsPerAddress>, UnitState::addressCount> UnitState::emptyOutputs()
 {
-    std::array<std::array<QByteArray, OutputsPerAddress>, Addresses> all;
+    std::array<std::array<QByteArray, outputsPerAddress>, addressCount> all;
     for (auto& outputsOfAddress : all) {
         outputsOfAddress.fill(emptyOutput());
     }
     return all;
 }
 
-std::array<QByteArray, UnitState::Scripts> UnitState::emptyScripts()
+std::array<QByteArray, UnitState::scriptCount> UnitState::emptyScripts()
 {
-    std::array<QByteArray, Scripts> all;
+    std::array<QByteArray, scriptCount> all;
     all.fill(emptyScript());
     return all;
 }

@@ -10,14 +10,14 @@ namespace
 using namespace std::chrono_literals;
 using Milliseconds = std::chrono::milliseconds;
 
-constexpr int BootRate = 57600;
-constexpr int BitsPerByte = 10;
-constexpr int DefaultRate = 57600;
-constexpr auto FrameGap = 100ms;   // a frame that stands still for longer will not be finished
-constexpr auto DeliveryTime = 4ms; // bytes come out of a serial adapter in gusts of about that length
-constexpr qint64 Regardless = -1;  // for bytes that go out whatever is asked meanwhile
-constexpr auto Stall = 80ms;       // shorter than the other side's patience
-constexpr auto ReadingTime = 20ms; // for the other side to fetch what came before the cable is pulled
+constexpr int bootRate = 57600;
+constexpr int bitsPerByte = 10;
+constexpr int defaultRate = 57600;
+constexpr auto frameGap = 100ms;   // a frame that stands still for longer will not be finished
+constexpr auto deliveryTime = 4ms; // bytes come out of a serial adapter in gusts of about that length
+constexpr qint64 regardless = -1;  // for bytes that go out whatever is asked meanwhile
+constexpr auto stall = 80ms;       // shorter than the other side's patience
+constexpr auto readingTime = 20ms; // for the other side to fetch what came before the cable is pulled
 
 enum RequestType
 {
@@ -132,7 +132,7 @@ void UnitWorker::receive()
     if (bytes.isEmpty()) {
         return;
     }
-    if (now - lastRead > FrameGap) {
+    if (now - lastRead > frameGap) {
         cutter.reset();
     }
     lastRead = now;
@@ -195,7 +195,7 @@ void UnitWorker::serve(const wire::Frame& frame, qint64 number, Moment moment)
     }
 }
 
-/* The other side has asked again, or something else. */
+/// The other side has asked again, or something else.
 bool UnitWorker::isGivenUp(qint64 number) const
 {
     return number <= abandoned || number + 1 < forgotten + seen.size() || port.hasInput();
@@ -207,13 +207,13 @@ bool UnitWorker::hears(const wire::Frame& frame, int rate) const
         return false;
     }
     if (frame.kind == wire::Frame::Boot) {
-        return state.inBootloader && rate == BootRate;
+        return state.inBootloader && rate == bootRate;
     }
     return !state.inBootloader && state.baudRates.contains(rate) &&
            (frame.address == 0 || frame.address == state.address);
 }
 
-/* True if the unit doesn't get to hear the request after all. */
+/// True if the unit doesn't get to hear the request after all.
 bool UnitWorker::interrupted(const FaultEffects& effects)
 {
     if (effects.losesPower) {
@@ -227,7 +227,7 @@ bool UnitWorker::interrupted(const FaultEffects& effects)
     return effects.requestLost;
 }
 
-/* The whole answer as it goes out, or nothing. */
+/// The whole answer as it goes out, or nothing.
 QByteArray UnitWorker::answerTo(const wire::Frame& frame, const UnitRequest& request, const FaultEffects& effects)
 {
     const bool isBoot = frame.kind == wire::Frame::Boot;
@@ -269,7 +269,7 @@ void UnitWorker::send(QByteArray answer, const FaultEffects& effects, qint64 num
     QVector<QByteArray> pieces = effects.cut(answer);
     pieces.first().prepend(effects.noiseBefore);
     pieces.last().append(effects.noiseAfter);
-    const qint64 partOf = effects.delay > 0 || pieces.size() > 1 ? Regardless : number;
+    const qint64 partOf = effects.delay > 0 || pieces.size() > 1 ? regardless : number;
     answerOut = false;
     Moment end = begin;
     for (int index = 0; index < pieces.size(); ++index) {
@@ -277,19 +277,19 @@ void UnitWorker::send(QByteArray answer, const FaultEffects& effects, qint64 num
         end = transmit(pieces.at(index), partOf, isLast, index == 0 ? end : end + Milliseconds(effects.gap));
     }
     if (!effects.noiseLater.isEmpty()) {
-        transmit(effects.noiseLater, Regardless, false, end + Milliseconds(effects.noiseLaterAfter));
+        transmit(effects.noiseLater, regardless, false, end + Milliseconds(effects.noiseLaterAfter));
     }
     if (effects.unplugs) {
-        traffic.at(end + ReadingTime, [this, time = effects.unplugTime] { unplugFor(time); });
+        traffic.at(end + readingTime, [this, time = effects.unplugTime] { unplugFor(time); });
     }
 }
 
-/* Returns when the last byte is out. */
+/// Returns when the last byte is out.
 UnitWorker::Moment UnitWorker::transmit(const QByteArray& bytes, qint64 number, bool ends, Moment begin)
 {
     const bool paced = pace == UnitSimulator::OfTheWire;
     const Moment first = paced ? std::max(begin, outputFree) : begin;
-    const int gusts = paced ? 1 + int(timeOnWire(bytes.size()) / DeliveryTime) : 1;
+    const int gusts = paced ? 1 + int(timeOnWire(bytes.size()) / deliveryTime) : 1;
     const int gust = bytes.size() / gusts + 1; // about the same each, so that no stray byte follows
     Moment due = first;
     for (int sent = 0; sent < bytes.size(); sent += gust) {
@@ -306,13 +306,13 @@ UnitWorker::Moment UnitWorker::transmit(const QByteArray& bytes, qint64 number, 
     return due;
 }
 
-/* A part of the answer to a request. Once that is given up the rest of the answer is kept back. So is a log block when
- * this machine was away for so long that the other side may be about to give up: if both sides were of different minds
- * about whether it has arrived, records would be missing or come twice. */
+/// A part of the answer to a request. Once that is given up the rest of the answer is kept back. So is a log block when
+/// this machine was away for so long that the other side may be about to give up: if both sides were of different minds
+/// about whether it has arrived, records would be missing or come twice.
 void UnitWorker::put(const QByteArray& bytes, qint64 number, bool ends, Moment due)
 {
-    const bool stalled = answeredType == LogBlock && Schedule::Clock::now() - due > Stall;
-    if (number != Regardless && (isGivenUp(number) || stalled)) {
+    const bool stalled = answeredType == LogBlock && Schedule::Clock::now() - due > stall;
+    if (number != regardless && (isGivenUp(number) || stalled)) {
         abandoned = std::max(abandoned, number);
         return;
     }
@@ -322,8 +322,8 @@ void UnitWorker::put(const QByteArray& bytes, qint64 number, bool ends, Moment d
 
 Schedule::Clock::duration UnitWorker::timeOnWire(int bytes) const
 {
-    const int rate = baudRate > 0 ? baudRate : DefaultRate;
-    return std::chrono::duration_cast<Schedule::Clock::duration>(1s) * bytes * BitsPerByte / rate;
+    const int rate = baudRate > 0 ? baudRate : defaultRate;
+    return std::chrono::duration_cast<Schedule::Clock::duration>(1s) * bytes * bitsPerByte / rate;
 }
 
 void UnitWorker::unplugFor(int milliseconds)

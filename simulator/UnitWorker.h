@@ -15,10 +15,8 @@
 #include <QTimer>
 #include <QVector>
 
-/*
- * The working half of UnitSimulator: reads the line, lets the unit or its bootloader reply, and sends the answers at
- * their time and with their faults. Owned by a UnitSimulator, lives on the unit's thread; every call is made there.
- */
+/// The working half of UnitSimulator: reads the line, lets the unit or its bootloader reply, and sends the answers at
+/// their time and with their faults. Owned by a UnitSimulator, lives on the unit's thread; every call is made there.
 class UnitWorker : public QObject
 {
     Q_OBJECT

@@ -9,22 +9,22 @@ namespace wire
 
 namespace
 {
-constexpr quint8 Escape = 0xC0;
-constexpr quint8 RequestStart = 0xC1;
-constexpr quint8 AnswerStart = 0xC2;
-constexpr quint8 BootStart = 0xFA;
-constexpr int HeaderLength = 5; // start, kind, address, flags, length
-constexpr int ChecksumLength = 2;
-constexpr int FullBlockLength = 130; // command, block number, 128 bytes of the image
+constexpr quint8 escape = 0xC0;
+constexpr quint8 requestStart = 0xC1;
+constexpr quint8 answerStart = 0xC2;
+constexpr quint8 bootStart = 0xFA;
+constexpr int headerLength = 5; // start, kind, address, flags, length
+constexpr int checksumLength = 2;
+constexpr int fullBlockLength = 130; // command, block number, 128 bytes of the image
 
 quint8 byteAt(const QByteArray& bytes, int index)
 {
-    return static_cast<quint8>(bytes.at(index));
+    return quint8(bytes.at(index));
 }
 
 bool isReserved(quint8 byte)
 {
-    return byte >= Escape && byte <= AnswerStart;
+    return byte >= escape && byte <= answerStart;
 }
 
 void appendChecksum(QByteArray& frame, quint16 sum)
@@ -40,21 +40,21 @@ enum class Cut
     Unsound
 };
 
-/* A device request that begins at `start`; `end` is then the index behind it. */
+/// A device request that begins at `start`; `end` is then the index behind it.
 Cut cutDeviceFrame(const QByteArray& bytes, int start, int& end, Frame& frame)
 {
-    QByteArray plain(1, char(RequestStart));
-    int needed = HeaderLength;
+    QByteArray plain(1, char(requestStart));
+    int needed = headerLength;
     for (end = start + 1; plain.size() < needed; ++end) {
         if (end >= bytes.size()) {
             return Cut::Unfinished;
         }
         quint8 byte = byteAt(bytes, end);
-        if (byte == Escape) {
+        if (byte == escape) {
             if (++end >= bytes.size()) {
                 return Cut::Unfinished;
             }
-            byte = byteAt(bytes, end) ^ Escape;
+            byte = byteAt(bytes, end) ^ escape;
             if (!isReserved(byte)) {
                 return Cut::Unsound;
             }
@@ -62,31 +62,31 @@ Cut cutDeviceFrame(const QByteArray& bytes, int start, int& end, Frame& frame)
             return Cut::Unsound;
         }
         plain.append(char(byte));
-        if (plain.size() == HeaderLength) {
+        if (plain.size() == headerLength) {
             if (byte == 0) {
                 return Cut::Unsound;
             }
-            needed = HeaderLength + byte + ChecksumLength;
+            needed = headerLength + byte + checksumLength;
         }
     }
-    const int contentLength = plain.size() - HeaderLength - ChecksumLength;
-    const quint16 sum = checksum(plain.left(HeaderLength + contentLength));
+    const int contentLength = plain.size() - headerLength - checksumLength;
+    const quint16 sum = checksum(plain.left(headerLength + contentLength));
     if (byteAt(plain, plain.size() - 2) != (sum & 0xFF) || byteAt(plain, plain.size() - 1) != sum >> 8) {
         return Cut::Unsound;
     }
     frame = {Frame::Device,    bytes.mid(start, end - start),         byteAt(plain, 1), byteAt(plain, 2),
-             byteAt(plain, 3), plain.mid(HeaderLength, contentLength)};
+             byteAt(plain, 3), plain.mid(headerLength, contentLength)};
     return Cut::Whole;
 }
 
-/* The same for a packet to the bootloader. */
+/// The same for a packet to the bootloader.
 Cut cutBootFrame(const QByteArray& bytes, int start, int& end, Frame& frame)
 {
     if (start + 1 >= bytes.size()) {
         return Cut::Unfinished;
     }
     const int length = byteAt(bytes, start + 1);
-    if (length < 1 + ChecksumLength) {
+    if (length < 1 + checksumLength) {
         return Cut::Unsound;
     }
     end = start + 2 + length;
@@ -97,11 +97,11 @@ Cut cutBootFrame(const QByteArray& bytes, int start, int& end, Frame& frame)
     if (byteAt(bytes, end - 2) != (sum & 0xFF) || byteAt(bytes, end - 1) != sum >> 8) {
         return Cut::Unsound;
     }
-    frame = {Frame::Boot, bytes.mid(start, end - start), 0, 0, 0, bytes.mid(start + 2, length - ChecksumLength)};
+    frame = {Frame::Boot, bytes.mid(start, end - start), 0, 0, 0, bytes.mid(start + 2, length - checksumLength)};
     return Cut::Whole;
 }
 
-/* One row for each request that differs on the wire; the first that fits wins. */
+/// One row for each request that differs on the wire; the first that fits wins.
 struct RequestForm
 {
     int type;
@@ -112,11 +112,11 @@ struct RequestForm
     int longest;
 };
 
-constexpr int Any = 255;
+constexpr int any = 255;
 constexpr std::array<RequestForm, 20> requestForms{
-    {{2, 0x86, 1, {0x05, 0}, 1, 1},     {1, 0x86, 1, {0x05, 0}, 2, Any}, {3, 0x86, 1, {0x06, 0}, 1, 1},
-     {4, 0x86, 2, {0x06, 0x00}, 2, 2},  {7, 0x86, 1, {0x01, 0}, 3, 3},   {5, 0x86, 1, {0x01, 0}, 4, Any},
-     {8, 0x86, 1, {0x02, 0}, 2, 2},     {6, 0x86, 1, {0x02, 0}, 3, Any}, {9, 0x06, 1, {0x61, 0}, 1, 1},
+    {{2, 0x86, 1, {0x05, 0}, 1, 1},     {1, 0x86, 1, {0x05, 0}, 2, any}, {3, 0x86, 1, {0x06, 0}, 1, 1},
+     {4, 0x86, 2, {0x06, 0x00}, 2, 2},  {7, 0x86, 1, {0x01, 0}, 3, 3},   {5, 0x86, 1, {0x01, 0}, 4, any},
+     {8, 0x86, 1, {0x02, 0}, 2, 2},     {6, 0x86, 1, {0x02, 0}, 3, any}, {9, 0x06, 1, {0x61, 0}, 1, 1},
      {12, 0x06, 2, {0x7F, 0x15}, 4, 4}, {13, 0x06, 1, {0x15, 0}, 3, 3},  {14, 0x06, 1, {0x35, 0}, 3, 3},
      {15, 0x06, 1, {0x55, 0}, 3, 3},    {16, 0x06, 1, {0x95, 0}, 3, 3},  {17, 0x06, 2, {0x7F, 0x14}, 3, 3},
      {18, 0x06, 1, {0x14, 0}, 2, 2},    {19, 0x06, 1, {0x34, 0}, 2, 2},  {20, 0x06, 1, {0x54, 0}, 2, 2},
@@ -138,7 +138,7 @@ quint16 checksum(const QByteArray& bytes)
 {
     quint16 sum = 0xFFFF;
     for (const char byte : bytes) {
-        auto mixed = quint8(static_cast<quint8>(byte) ^ (sum & 0xFF));
+        auto mixed = quint8(quint8(byte) ^ (sum & 0xFF));
         mixed = quint8(mixed ^ (mixed << 4));
         sum = quint16((sum >> 8) ^ (mixed << 8) ^ (mixed << 3) ^ (mixed >> 4));
     }
@@ -159,7 +159,7 @@ int requestType(const Frame& frame)
             return form.type;
         }
     }
-    return UnitRequest::UnknownRequest;
+    return UnitRequest::unknownRequest;
 }
 
 int bootType(const Frame& frame)
@@ -168,13 +168,13 @@ int bootType(const Frame& frame)
         return 0;
     }
     const int command = byteAt(frame.content, 0);
-    return command == 5 && frame.content.size() < FullBlockLength ? 6 : command;
+    return command == 5 && frame.content.size() < fullBlockLength ? 6 : command;
 }
 
 QByteArray deviceAnswer(quint8 frameKind, quint8 address, quint8 code, const QByteArray& data, bool spoilChecksum)
 {
     QByteArray plain;
-    for (const quint8 byte : {AnswerStart, frameKind, address, quint8(0), quint8(1 + data.size()), code}) {
+    for (const quint8 byte : {answerStart, frameKind, address, quint8(0), quint8(1 + data.size()), code}) {
         plain.append(char(byte));
     }
     plain.append(data);
@@ -184,8 +184,8 @@ QByteArray deviceAnswer(quint8 frameKind, quint8 address, quint8 code, const QBy
     for (int index = 1; index < plain.size(); ++index) {
         const quint8 byte = byteAt(plain, index);
         if (isReserved(byte)) {
-            stuffed.append(char(Escape));
-            stuffed.append(char(byte ^ Escape));
+            stuffed.append(char(escape));
+            stuffed.append(char(byte ^ escape));
         } else {
             stuffed.append(char(byte));
         }
@@ -196,11 +196,11 @@ QByteArray deviceAnswer(quint8 frameKind, quint8 address, quint8 code, const QBy
 QByteArray bootAnswer(quint8 result, const QByteArray& data, bool spoilChecksum)
 {
     QByteArray packet;
-    packet.append(char(1 + data.size() + ChecksumLength));
+    packet.append(char(1 + data.size() + checksumLength));
     packet.append(char(result));
     packet.append(data);
     appendChecksum(packet, quint16(checksum(packet) ^ (spoilChecksum ? 1 : 0)));
-    return packet.prepend(char(BootStart));
+    return packet.prepend(char(bootStart));
 }
 
 QVector<Frame> FrameCutter::feed(const QByteArray& bytes)
@@ -214,9 +214,9 @@ QVector<Frame> FrameCutter::feed(const QByteArray& bytes)
         Frame frame;
         int end = index;
         Cut cut = Cut::Unsound;
-        if (byte == RequestStart) {
+        if (byte == requestStart) {
             cut = cutDeviceFrame(pending, index, end, frame);
-        } else if (byte == BootStart) {
+        } else if (byte == bootStart) {
             cut = cutBootFrame(pending, index, end, frame);
         }
         if (cut == Cut::Whole) {

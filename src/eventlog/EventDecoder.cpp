@@ -160,7 +160,7 @@ QString textOfChannelsAtPowerUp(const EventInfo& event)
     const int channels = std::min(event.characteristic >> 4, 4);
     for (int channel = 0; channel < channels; ++channel) {
         const quint8 states = byteAt(event.data, 2 + channel / 2);
-        const auto state = static_cast<quint8>(channel % 2 == 0 ? states & 0x0F : states >> 4);
+        const auto state = quint8(channel % 2 == 0 ? states & 0x0F : states >> 4);
         const QString words = textStateChannel(event, channel + 1, state, ChannelForm::Short);
         if (!words.isEmpty()) {
             text += channel == 0 ? QString() : QStringLiteral("; ");
@@ -210,7 +210,7 @@ void decodeButtons(EventInfo& event, QList<EventInfo>& rows)
         QString numbers;
         for (int i = 0; i < std::min(count, numbersInRecord); ++i) {
             const quint8 pair = byteAt(event.data, 1 + i / 2);
-            numbers += hexByte(static_cast<quint8>(i % 2 == 0 ? pair & 0x0F : pair >> 4)) + QLatin1Char(' ');
+            numbers += hexByte(quint8(i % 2 == 0 ? pair & 0x0F : pair >> 4)) + QLatin1Char(' ');
         }
         event.details = texts::channelShortPressed().arg(numbers);
     }
@@ -317,7 +317,7 @@ void decodeRecord(const QByteArray& record, const Device* catalogue, QList<Event
     EventInfo event;
     decodeTime(record, event);
     // The class keeps the sign of its byte: from nibble 8 on it is a number that only a damaged record holds.
-    event.classTerminal = static_cast<quint8>(static_cast<qint8>(record.at(4)) >> 4);
+    event.classTerminal = quint8(qint8(record.at(4)) >> 4);
     event.version = byteAt(record, 4) & 0x0F;
     event.type = byteAt(record, 5);
     event.characteristic = byteAt(record, 6);
@@ -325,7 +325,7 @@ void decodeRecord(const QByteArray& record, const Device* catalogue, QList<Event
     event.source = openSource(event, catalogue);
     event.signal = byteAt(record, 7);
     event.noise = byteAt(record, 8);
-    event.code = static_cast<qint8>(record.at(9));
+    event.code = qint8(record.at(9));
     event.data = record.mid(11, 5);
 
     switch (event.code) {

@@ -85,7 +85,7 @@ QString textOfBits(quint8 bits, const Table& table)
     for (const BitText& row : table) {
         if ((bits & row.mask) == row.mask) {
             text += row.text() + QLatin1String("; ");
-            bits &= static_cast<quint8>(~row.mask);
+            bits &= quint8(~row.mask);
         }
     }
     return text;

@@ -15,16 +15,16 @@ EventOfTable toRow(const EventInfo& event)
     EventOfTable row;
     row.numberEvent = event.number;
     // Saved logs hold hour * 24 + minute as the time in minutes. Without a valid time both are -1.
-    row.dateInDays = static_cast<quint16>(QDate(2000, 1, 1).daysTo(event.date));
-    row.timeInMinute = static_cast<quint16>(event.time.hour() * 24 + event.time.minute());
+    row.dateInDays = quint16(QDate(2000, 1, 1).daysTo(event.date));
+    row.timeInMinute = quint16(event.time.hour() * 24 + event.time.minute());
     row.sortDateTime = row.dateInDays * 10000U + row.timeInMinute;
     row.classTerminal = event.classTerminal;
     row.version = event.version;
     row.type = event.type;
     row.characteristic = event.characteristic;
     row.addressTerminal = event.address;
-    row.numberChannel = static_cast<quint8>(event.channel + 1);
-    row.codeEvent = static_cast<quint8>(event.code);
+    row.numberChannel = quint8(event.channel + 1);
+    row.codeEvent = quint8(event.code);
     row.date = event.date.isValid() ? event.date.toString(QStringLiteral("dd.MM.yyyy")) : texts::eventIncorrectDate();
     row.time = event.time.isValid() ? event.time.toString(QStringLiteral("hh:mm")) : texts::eventIncorrectTime();
     row.source = event.source;
@@ -59,7 +59,7 @@ void LogEvents::numberEvents()
 {
     int number = events.size();
     for (EventInfo& event : events) {
-        event.number = static_cast<quint16>(number);
+        event.number = quint16(number);
         --number;
     }
 }

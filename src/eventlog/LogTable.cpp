@@ -75,7 +75,7 @@ int columnOfDetails()
 {
     static const auto place =
         std::find_if(columns().begin(), columns().end(), [](const Column& column) { return column.width == rest; });
-    return static_cast<int>(place - columns().begin());
+    return int(place - columns().begin());
 }
 
 const QString& name()

@@ -7,7 +7,7 @@ SqlModel::SqlModel() = default;
 QVariant SqlModel::data(const QModelIndex& index, int role) const
 {
     if (role == Qt::TextAlignmentRole && index.column() != logtable::columnOfDetails()) {
-        return static_cast<int>(Qt::AlignHCenter | Qt::AlignVCenter);
+        return int(Qt::AlignHCenter | Qt::AlignVCenter);
     }
     return QSqlTableModel::data(index, role);
 }

@@ -74,7 +74,7 @@ int setName(Model&, Record& record, const Entry& entry)
 template <typename Record>
 int setRecordNumber(Model&, Record& record, const Entry& entry)
 {
-    record.number = static_cast<quint8>(entry.number);
+    record.number = quint8(entry.number);
     return 0;
 }
 
@@ -83,7 +83,7 @@ int setAddress(Model&, GroupRelay& group, const Entry& entry)
     if (entry.number == -1) {
         return 1;
     }
-    group.address = static_cast<quint16>(entry.number);
+    group.address = quint16(entry.number);
     return 0;
 }
 
@@ -120,7 +120,7 @@ int setActivatedScripts(Model& model, RelayInformation& output, const Entry& ent
 {
     output.activatedScripts.clear();
     return readList(entry.value, [&](int number) {
-        const ScriptInfoPtr script = firstOfNumber(model.scripts, static_cast<quint8>(number));
+        const ScriptInfoPtr script = firstOfNumber(model.scripts, quint8(number));
         if (!script || output.activatedScripts.size() == mostScripts) {
             return false;
         }
@@ -149,7 +149,7 @@ int setChannels(Model&, ScriptInfo& script, const Entry& entry)
 int setStatePosition(Model& model, ScriptInfo& script, const Entry& entry)
 {
     const ParamItemPtr row = model.tables.stateChannels.value(entry.number);
-    script.stateChannel = row ? row : scriptRules::makeOtherState(ParamItem::NotActive);
+    script.stateChannel = row ? row : scriptRules::makeOtherState(ParamItem::notActiveCode);
     return 0;
 }
 
@@ -161,7 +161,7 @@ int setStateValue(Model&, ScriptInfo& script, const Entry& entry)
     const ParamItemPtr& state = script.stateChannel;
     const bool agrees = entry.number == state->code || (state->linked && entry.number == state->linked->code);
     if (!agrees) {
-        script.stateChannel = scriptRules::makeOtherState(static_cast<quint8>(entry.number));
+        script.stateChannel = scriptRules::makeOtherState(quint8(entry.number));
     }
     return 0;
 }
@@ -205,7 +205,7 @@ int setTypeField(Model&, ScriptInfo& script, const Entry& entry)
     if (entry.number < 0) {
         return 1;
     }
-    (*script.terminalFilter).*field = static_cast<quint8>(entry.number);
+    (*script.terminalFilter).*field = quint8(entry.number);
     return 0;
 }
 

@@ -70,7 +70,7 @@ constexpr Key<GroupValue> groupKeys[] = {
 
 constexpr Key<OutputValue> outputKeys[] = {
     {"Name", [](const RelayInformation& output) { return oneLine(output.name); }},
-    {"Number", [](const RelayInformation& output) { return QString::number(static_cast<qint8>(output.number)); }},
+    {"Number", [](const RelayInformation& output) { return QString::number(qint8(output.number)); }},
     {"ReturnStartState", [](const RelayInformation& output) { return flagText(output.returnStartState); }},
     {"StartState", [](const RelayInformation& output) { return codeText(output.startState); }},
     {"ActivatedScripts", scriptsText},

@@ -44,7 +44,7 @@ void warn(const QString& line, const char* complaint)
 bool readByte(const QString& field, quint8& byte)
 {
     bool ok = false;
-    byte = static_cast<quint8>(field.trimmed().toLongLong(&ok, 16));
+    byte = quint8(field.trimmed().toLongLong(&ok, 16));
     return ok;
 }
 

@@ -12,11 +12,11 @@
 struct ParamItem
 {
     /// The code of a channel state that triggers nothing.
-    static constexpr quint8 NotActive = 255;
+    static constexpr quint8 notActiveCode = 255;
 
-    quint8 code = NotActive; ///< the value that goes to the device
-    QString name;            ///< text in lists
-    QString icon;            ///< resource path of the icon; empty for none
+    quint8 code = notActiveCode; ///< the value that goes to the device
+    QString name;                ///< text in lists
+    QString icon;                ///< resource path of the icon; empty for none
     QColor background = QColor(240, 240, 240);
     QColor foreground = QColor(Qt::black);
     QSharedPointer<ParamItem> linked; ///< the analog or button state that a channel state stands for

@@ -138,7 +138,7 @@ void RecordReader::readOutputs(const QByteArrayList& records, QList<GroupRelayPt
             continue;
         }
         // The byte has a sign: 0x80 is the address -128.
-        GroupRelay& group = demandGroup(groups, static_cast<quint16>(static_cast<qint8>(record.at(outputAddress))));
+        GroupRelay& group = demandGroup(groups, quint16(qint8(record.at(outputAddress))));
         const RelayInformationPtr output = demandOutput(group, byteAt(record, outputNumber) & 7);
         if (output->name == placeholderName()) {
             output->name = texts::defaultOutputName();

@@ -20,12 +20,12 @@ quint8 codeOf(const ParamItemPtr& row)
 QByteArray outputRecord(const GroupRelay& group, const RelayInformation& output)
 {
     QByteArray record(outputLeastSize, '\0');
-    record[outputAddress] = static_cast<char>(group.address);
-    record[outputNumber] = static_cast<char>(output.number & 7);
+    record[outputAddress] = char(group.address);
+    record[outputNumber] = char(output.number & 7);
     record[outputFlags] =
-        static_cast<char>((codeOf(output.startState) & startStateFlag) | (output.returnStartState ? returnFlag : 0));
+        char((codeOf(output.startState) & startStateFlag) | (output.returnStartState ? returnFlag : 0));
     for (const ScriptInfoPtr& script : output.activatedScripts) {
-        record.append(static_cast<char>(script->number));
+        record.append(char(script->number));
     }
     return record;
 }
@@ -44,8 +44,8 @@ template <std::size_t N>
 void packDecimals(QByteArray& record, const QList<int>& items, const Decimal (&decimals)[N])
 {
     for (const Decimal& decimal : decimals) {
-        const quint8 packed = toBcd(static_cast<quint8>(items.value(decimal.item)));
-        record[decimal.byte] = static_cast<char>(packed & decimal.mask);
+        const quint8 packed = toBcd(quint8(items.value(decimal.item)));
+        record[decimal.byte] = char(packed & decimal.mask);
     }
 }
 
@@ -60,22 +60,22 @@ quint32 packAddresses(const QList<bool>& addressFilter)
 
 void packModel(QByteArray& record, int at, const TerminalIdentity& model)
 {
-    record[at] = static_cast<char>(model.terminalClass << 4 | (model.version & 15));
-    record[at + 1] = static_cast<char>(model.type);
-    record[at + 2] = static_cast<char>(model.characteristic);
+    record[at] = char(model.terminalClass << 4 | (model.version & 15));
+    record[at + 1] = char(model.type);
+    record[at + 2] = char(model.characteristic);
 }
 
 QByteArray scriptRecord(const ScriptInfo& script)
 {
     QByteArray record(scriptSize, '\0');
-    record[scriptNumber] = static_cast<char>(script.number & 63);
-    record[scriptMode] = static_cast<char>(codeOf(script.mode) & 7);
-    record[scriptDuration] = static_cast<char>(codeOf(script.duration) << 3 | (codeOf(script.delay) & 7));
-    record[scriptState] = static_cast<char>(scriptRules::stateCode(script.stateChannel));
-    record[scriptTerminalStates] = static_cast<char>(maskOf(script.stateTerminal));
-    record[scriptChannels] = static_cast<char>(packFlags(script.numberChannels, channelFlags) |
-                                               packFlags(script.activateFilter, filterFlags));
-    record[scriptDays] = static_cast<char>(packFlags(script.daysOfWeek, dayFlags));
+    record[scriptNumber] = char(script.number & 63);
+    record[scriptMode] = char(codeOf(script.mode) & 7);
+    record[scriptDuration] = char(codeOf(script.duration) << 3 | (codeOf(script.delay) & 7));
+    record[scriptState] = char(scriptRules::stateCode(script.stateChannel));
+    record[scriptTerminalStates] = char(maskOf(script.stateTerminal));
+    record[scriptChannels] =
+        char(packFlags(script.numberChannels, channelFlags) | packFlags(script.activateFilter, filterFlags));
+    record[scriptDays] = char(packFlags(script.daysOfWeek, dayFlags));
     packDecimals(record, script.timeFilter, timeDecimals);
     packDecimals(record, script.dateFilter, dateDecimals);
     packModel(record, scriptTypeFilter, script.terminalFilter ? *script.terminalFilter : TerminalIdentity());

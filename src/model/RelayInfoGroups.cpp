@@ -36,8 +36,7 @@ GroupRelayPtr RelayInfo::makeTerminalGroup(const ConnectedTerminal& terminal) co
     group->name = terminal.label;
     group->connected = true;
     for (const QString& name : terminal.outputs) {
-        group->outputs.append(
-            makeOutput(static_cast<quint8>(group->outputs.size()), name, tables.outputStates.first()));
+        group->outputs.append(makeOutput(quint8(group->outputs.size()), name, tables.outputStates.first()));
     }
     return group;
 }
@@ -146,7 +145,7 @@ void RelayInfo::resetScripts()
         const bool marked = script.marked;
         script = ScriptInfo();
         script.marked = marked;
-        script.number = static_cast<quint8>(i);
+        script.number = quint8(i);
         script.mode = tables.modes.first();
         script.delay = tables.delays.first();
         script.duration = tables.durations.first();

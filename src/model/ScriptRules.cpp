@@ -29,7 +29,7 @@ ParamItemPtr findLinkedState(const ParamItems& rows, StateKind kind, const QStri
 
 quint8 stateCode(const ParamItemPtr& state)
 {
-    return state ? state->effectiveCode() : ParamItem::NotActive;
+    return state ? state->effectiveCode() : ParamItem::notActiveCode;
 }
 
 bool isLongPress(const ParamItemPtr& state)
@@ -84,7 +84,7 @@ ParamItemPtr withPress(const ParamItems& rows, const ParamItemPtr& state, bool l
 
 bool hasTrigger(const ScriptInfo& script)
 {
-    return stateCode(script.stateChannel) != ParamItem::NotActive || !script.stateTerminal.isEmpty();
+    return stateCode(script.stateChannel) != ParamItem::notActiveCode || !script.stateTerminal.isEmpty();
 }
 
 void updateTrigger(ScriptInfo& script)
@@ -190,7 +190,7 @@ quint8 allowedClass(int value)
     if (value >= 10 && value <= 14) {
         return AnalogClass;
     }
-    return static_cast<quint8>(qBound(0, value, 15));
+    return quint8(qBound(0, value, 15));
 }
 
 } // namespace scriptRules

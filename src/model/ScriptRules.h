@@ -17,7 +17,7 @@
 namespace scriptRules
 {
 
-/// The code that goes to the device for a channel state; ParamItem::NotActive without a row.
+/// The code that goes to the device for a channel state; ParamItem::notActiveCode without a row.
 quint8 stateCode(const ParamItemPtr& state);
 
 /// True for a button state whose code is 16 or more.
@@ -39,7 +39,7 @@ ParamItemPtr makeOtherState(quint8 code);
 /// asked for; the state itself if there is none or nothing is linked.
 ParamItemPtr withPress(const ParamItems& rows, const ParamItemPtr& state, bool longPress);
 
-/// True if a script has a trigger: an effective state code other than ParamItem::NotActive, or a terminal state.
+/// True if a script has a trigger: an effective state code other than ParamItem::notActiveCode, or a terminal state.
 bool hasTrigger(const ScriptInfo& script);
 
 /// Sets notActive from hasTrigger().

@@ -60,7 +60,7 @@ constexpr Row analogRows[] = {
 };
 
 constexpr Row channelRows[] = {
-    {ParamItem::NotActive, texts::placeholderNotActive, empty, grey},
+    {ParamItem::notActiveCode, texts::placeholderNotActive, empty, grey},
     {0, texts::channelNorm, empty, green},
     {1, texts::channelAlarm, "Пожар.png", red},
     {2, texts::channelShort, empty, yellow},
@@ -130,7 +130,7 @@ ParamItems makeLinkedItems(const QString& name, const ParamItems& targets)
     ParamItems items;
     items.reserve(targets.size());
     for (const ParamItemPtr& target : targets) {
-        items.append(makeItem(ParamItem::NotActive, name, emptyIcon(), QColor::fromRgba(plain)));
+        items.append(makeItem(ParamItem::notActiveCode, name, emptyIcon(), QColor::fromRgba(plain)));
         items.last()->linked = target;
     }
     return items;
@@ -155,9 +155,8 @@ ParamItems makeSpanItems(const QString& first, const Span (&spans)[N])
     items.reserve(N + 1);
     items.append(makeItem(0, first, emptyIcon(), QColor::fromRgba(plain)));
     for (const Span& span : spans) {
-        items.append(makeItem(static_cast<quint8>(items.size()),
-                              QString::number(span.count) + QLatin1Char(' ') + unitOf(span), emptyIcon(),
-                              QColor::fromRgba(plain)));
+        items.append(makeItem(quint8(items.size()), QString::number(span.count) + QLatin1Char(' ') + unitOf(span),
+                              emptyIcon(), QColor::fromRgba(plain)));
     }
     return items;
 }

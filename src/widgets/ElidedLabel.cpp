@@ -55,8 +55,8 @@ void ElidedLabel::paintEvent(QPaintEvent*)
     QPainter painter(this);
     drawFrame(&painter);
     const Shown now = shown();
-    style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()) | now.flags, palette(), isEnabled(),
-                          now.text, foregroundRole());
+    style()->drawItemText(&painter, contentsRect(), int(alignment()) | now.flags, palette(), isEnabled(), now.text,
+                          foregroundRole());
 }
 
 QString ElidedLabel::wholeText() const
@@ -92,6 +92,5 @@ ElidedLabel::Shown ElidedLabel::shown() const
 bool ElidedLabel::fits(const Shown& candidate) const
 {
     const QRect room = contentsRect();
-    return room.contains(
-        fontMetrics().boundingRect(room, static_cast<int>(alignment()) | candidate.flags, candidate.text));
+    return room.contains(fontMetrics().boundingRect(room, int(alignment()) | candidate.flags, candidate.text));
 }

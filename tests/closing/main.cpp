@@ -33,7 +33,7 @@ UnitState busyUnit(quint32 seed)
     UnitState state;
     state.terminals = {UnitTerminal::make(1, 1, 1, 0x11, 0x10), UnitTerminal::make(5, 2, 1, 0x41, 0x20, 8),
                        UnitTerminal::make(30, 4, 1, 0x31, 0x10)};
-    state.log = LogRing(LogRing::MaximumCapacity);
+    state.log = LogRing(LogRing::maximumCapacity);
     state.log.append(LogGenerator(seed, LogGenerator::Plausible, state.terminals)
                          .history(4000, QDateTime(QDate(2026, 3, 9), QTime(12, 0))));
     return state;
@@ -63,7 +63,7 @@ public:
     /// Draws what happens when, and returns what it is.
     QByteArray begin()
     {
-        const Operation& operation = operations.at(random.bounded(static_cast<quint32>(operations.size())));
+        const Operation& operation = operations.at(random.bounded(quint32(operations.size())));
         if (operation.atStart) {
             operation.start(*this);
             closeIn(random.bounded(longestRun));

@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-/* The program hubn-manager-demo: what it prints, what it saves, how it ends. */
+/// The program hubn-manager-demo: what it prints, what it saves, how it ends.
 class tst_Demo : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ private slots:
 
 namespace
 {
-constexpr int Patience = 240000;
+constexpr int patience = 240000;
 
 struct Outcome
 {
@@ -30,7 +30,7 @@ Outcome run(const QStringList& arguments)
 {
     QProcess program;
     program.start(QStringLiteral(DEMO_PROGRAM), arguments);
-    if (!program.waitForFinished(Patience) || program.exitStatus() != QProcess::NormalExit) {
+    if (!program.waitForFinished(patience) || program.exitStatus() != QProcess::NormalExit) {
         return {-1, {}, program.errorString()};
     }
     return {program.exitCode(), QString::fromUtf8(program.readAllStandardOutput()),

@@ -21,7 +21,7 @@ inline const QString workingFile = QStringLiteral("Log.db");
 inline EventOfTable eventRow(int number)
 {
     EventOfTable row;
-    row.numberEvent = static_cast<quint16>(number);
+    row.numberEvent = quint16(number);
     row.sortDateTime = 75730373U;
     row.dateInDays = 7573;
     row.timeInMinute = 373;

@@ -41,7 +41,7 @@ inline QByteArrayList recordsOf(const QByteArray& bytes)
 {
     QByteArrayList records;
     for (int i = 0; i < bytes.size();) {
-        const int length = static_cast<quint8>(bytes.at(i)) % 48;
+        const int length = quint8(bytes.at(i)) % 48;
         records.append(bytes.mid(i + 1, length));
         i += 1 + length;
     }

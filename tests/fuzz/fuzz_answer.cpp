@@ -24,9 +24,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     // Stuffed and framed, the same bytes are an answer with themselves as its data.
     const QByteArray content = bytes.left(126); // the length byte is read as a signed one
     QByteArray frame = QByteArray::fromHex("c206010000") + '\0' + content;
-    frame[4] = static_cast<char>(content.size() + 1);
+    frame[4] = char(content.size() + 1);
     const int crc = protocol_HUBN_NX_Q::crc16(frame);
-    frame.append(static_cast<char>(crc & 0xFF)).append(static_cast<char>(crc >> 8));
+    frame.append(char(crc & 0xFF)).append(char(crc >> 8));
     received.setRawAnswer(protocol_HUBN_NX_Q::stuffBytes(frame));
     const message answer = protocol_HUBN_NX_Q::parseAnswer(received);
     fuzz::demand(answer.isValid() && answer.payload() == content,

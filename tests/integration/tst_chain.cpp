@@ -1,4 +1,5 @@
 #include "simulator/LogGenerator.h"
+#include "support/Eventually.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
 
@@ -18,7 +19,7 @@ namespace
 /// Output record of the unit: state byte and script numbers.
 QByteArray output(int state, const QByteArray& scripts)
 {
-    return QByteArray(1, static_cast<char>(state)) + scripts;
+    return QByteArray(1, char(state)) + scripts;
 }
 
 UnitState installation()
@@ -61,21 +62,21 @@ class tst_chain : public QObject
     Q_OBJECT
 
 private slots:
-    void the_chain_reads_everything_and_shows_it();
-    void the_line_about_the_scripts_stays_after_the_chain();
-    void reading_by_hand_stops_after_the_scripts();
-    void reading_sends_its_reads_first_and_the_time_second();
-    void writing_and_log_send_the_time_first();
-    void nothing_sets_the_time_without_the_users_wish();
-    void a_change_to_the_log_tab_sends_no_time_and_reads_only_a_changed_log();
-    void writing_brings_the_model_to_the_unit();
-    void default_settings_are_told_as_one_operation();
-    void status_bar_follows_the_watch();
-    void the_logger_shows_the_traffic();
-    void packets_of_another_port_go_above_the_old_ones();
+    void theChainReadsEverythingAndShowsIt();
+    void theLineAboutTheScriptsStaysAfterTheChain();
+    void readingByHandStopsAfterTheScripts();
+    void readingSendsItsReadsFirstAndTheTimeSecond();
+    void writingAndLogSendTheTimeFirst();
+    void nothingSetsTheTimeWithoutTheUsersWish();
+    void aChangeToTheLogTabSendsNoTimeAndReadsOnlyAChangedLog();
+    void writingBringsTheModelToTheUnit();
+    void defaultSettingsAreToldAsOneOperation();
+    void statusBarFollowsTheWatch();
+    void theLoggerShowsTheTraffic();
+    void packetsOfAnotherPortGoAboveTheOldOnes();
 };
 
-void tst_chain::the_chain_reads_everything_and_shows_it()
+void tst_chain::theChainReadsEverythingAndShowsIt()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -94,7 +95,7 @@ void tst_chain::the_chain_reads_everything_and_shows_it()
              QStringLiteral("Count of rows in log - %1").arg(view->model()->rowCount()));
 }
 
-void tst_chain::the_line_about_the_scripts_stays_after_the_chain()
+void tst_chain::theLineAboutTheScriptsStaysAfterTheChain()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -102,7 +103,7 @@ void tst_chain::the_line_about_the_scripts_stays_after_the_chain()
     QCOMPARE(over.result(), texts::resultReadOutputsOk() + QLatin1Char('\n') + texts::resultReadScriptsOk());
 }
 
-void tst_chain::reading_by_hand_stops_after_the_scripts()
+void tst_chain::readingByHandStopsAfterTheScripts()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -112,7 +113,7 @@ void tst_chain::reading_by_hand_stops_after_the_scripts()
     QVERIFY(!over.isBusy());
 }
 
-void tst_chain::reading_sends_its_reads_first_and_the_time_second()
+void tst_chain::readingSendsItsReadsFirstAndTheTimeSecond()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -121,7 +122,7 @@ void tst_chain::reading_sends_its_reads_first_and_the_time_second()
     QCOMPARE(steps(over.unit), (QList<int>{7, 1, 7, 8}));
 }
 
-void tst_chain::writing_and_log_send_the_time_first()
+void tst_chain::writingAndLogSendTheTimeFirst()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -131,7 +132,7 @@ void tst_chain::writing_and_log_send_the_time_first()
     QCOMPARE(steps(over.unit), (QList<int>{1, 4, 3}));
 }
 
-void tst_chain::nothing_sets_the_time_without_the_users_wish()
+void tst_chain::nothingSetsTheTimeWithoutTheUsersWish()
 {
     WindowOverUnit over(installation());
     over.get<QAction>("actionSyncTime")->setChecked(false);
@@ -152,7 +153,7 @@ void tst_chain::nothing_sets_the_time_without_the_users_wish()
     QVERIFY(QFile::remove(QStringLiteral("DefaultSetting_EN.cfg")));
 }
 
-void tst_chain::a_change_to_the_log_tab_sends_no_time_and_reads_only_a_changed_log()
+void tst_chain::aChangeToTheLogTabSendsNoTimeAndReadsOnlyAChangedLog()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -184,7 +185,7 @@ void tst_chain::a_change_to_the_log_tab_sends_no_time_and_reads_only_a_changed_l
     QVERIFY(over.label("labelCountRows")->text() != count);
 }
 
-void tst_chain::writing_brings_the_model_to_the_unit()
+void tst_chain::writingBringsTheModelToTheUnit()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -205,7 +206,7 @@ void tst_chain::writing_brings_the_model_to_the_unit()
     QCOMPARE(over.unit.state().outputs[0][0], output(1, QByteArrayLiteral("\x04\x05")));
 }
 
-void tst_chain::default_settings_are_told_as_one_operation()
+void tst_chain::defaultSettingsAreToldAsOneOperation()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -234,7 +235,7 @@ void tst_chain::default_settings_are_told_as_one_operation()
     QFile::remove(QStringLiteral("DefaultSetting_EN.cfg"));
 }
 
-void tst_chain::status_bar_follows_the_watch()
+void tst_chain::statusBarFollowsTheWatch()
 {
     WindowOverUnit over(installation());
     QVERIFY(over.waitForChain());
@@ -256,7 +257,7 @@ void tst_chain::status_bar_follows_the_watch()
     QTRY_COMPARE_WITH_TIMEOUT(lamp(), icon("green.png"), 20000);
 }
 
-void tst_chain::the_logger_shows_the_traffic()
+void tst_chain::theLoggerShowsTheTraffic()
 {
     WindowOverUnit over(installation());
     over.get<QCheckBox>("checkBoxPeriodicRequest")->setChecked(false);
@@ -271,7 +272,7 @@ void tst_chain::the_logger_shows_the_traffic()
     QCOMPARE(table->item(0, 3)->text(), QString::fromLatin1(last->answer.toHex(' ')) + QLatin1Char(' '));
 }
 
-void tst_chain::packets_of_another_port_go_above_the_old_ones()
+void tst_chain::packetsOfAnotherPortGoAboveTheOldOnes()
 {
     UnitState state = installation();
     UnitSimulator first(state);
@@ -292,7 +293,7 @@ void tst_chain::packets_of_another_port_go_above_the_old_ones()
                ports->item(0, 5)->text() == texts::portCoordinatorConnected() &&
                ports->item(1, 5)->text() == texts::portCoordinatorConnected();
     };
-    QVERIFY(WindowOverUnit::waitUntil(isDone, 60000));
+    QVERIFY(eventually(isDone, 60000));
     const int former = form->currentAddress();
 
     ports->setCurrentCell(former == 3 ? 1 : 0, 2);

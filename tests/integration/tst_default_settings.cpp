@@ -1,4 +1,5 @@
 #include "model/RelayInfo.h"
+#include "support/Eventually.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
 
@@ -36,7 +37,7 @@ void tst_default_settings::theUnitHoldsWhatTheFileSays()
         return !over.told.filter(texts::resultWriteScriptsOk()).isEmpty() && !over.isBusy();
     };
     over.trigger("actionFactorySetting");
-    QVERIFY(WindowOverUnit::waitUntil(ended, 60000));
+    QVERIFY(eventually(ended, 60000));
     QCOMPARE(shown, (QStringList{QStringLiteral("Loading default settings started..."),
                                  QStringLiteral("Loading default settings SUCCESSFUL COMPLETE")}));
 

@@ -1,4 +1,5 @@
 #include "simulator/DemoInstallation.h"
+#include "support/Eventually.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
 
@@ -44,7 +45,7 @@ bool worksAfterwards(WindowOverUnit& over)
     over.unit.plugIn();
     const QImage green = QPixmap(QStringLiteral(":/icons/icons/green.png")).toImage();
     const auto isConnected = [&] { return over.label("labelIconPort")->pixmap(Qt::ReturnByValue).toImage() == green; };
-    return WindowOverUnit::waitUntil(isConnected, 20000) && over.read() && over.result() == readResult(0, 0);
+    return eventually(isConnected, 20000) && over.read() && over.result() == readResult(0, 0);
 }
 
 } // namespace
@@ -56,23 +57,23 @@ class tst_faults : public QObject
     Q_OBJECT
 
 private slots:
-    void a_step_that_fails_once_is_repeated_data();
-    void a_step_that_fails_once_is_repeated();
-    void a_step_that_fails_for_good_is_told_data();
-    void a_step_that_fails_for_good_is_told();
-    void a_writing_counts_its_failed_steps();
-    void a_port_that_vanishes_ends_the_chain_and_comes_back_data();
-    void a_port_that_vanishes_ends_the_chain_and_comes_back();
-    void a_port_that_vanishes_while_writing_comes_back();
-    void noise_and_pieces_do_no_harm_data();
-    void noise_and_pieces_do_no_harm();
-    void answers_that_differ_are_read_until_two_agree();
-    void a_silent_unit_is_not_found();
-    void a_unit_of_the_slow_rate_is_found();
-    void without_any_port_the_window_lives();
+    void aStepThatFailsOnceIsRepeated_data();
+    void aStepThatFailsOnceIsRepeated();
+    void aStepThatFailsForGoodIsTold_data();
+    void aStepThatFailsForGoodIsTold();
+    void aWritingCountsItsFailedSteps();
+    void aPortThatVanishesEndsTheChainAndComesBack_data();
+    void aPortThatVanishesEndsTheChainAndComesBack();
+    void aPortThatVanishesWhileWritingComesBack();
+    void noiseAndPiecesDoNoHarm_data();
+    void noiseAndPiecesDoNoHarm();
+    void answersThatDifferAreReadUntilTwoAgree();
+    void aSilentUnitIsNotFound();
+    void aUnitOfTheSlowRateIsFound();
+    void withoutAnyPortTheWindowLives();
 };
 
-void tst_faults::a_step_that_fails_once_is_repeated_data()
+void tst_faults::aStepThatFailsOnceIsRepeated_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("type");
@@ -86,12 +87,12 @@ void tst_faults::a_step_that_fails_once_is_repeated_data()
          {Named{UnitFault::LoseRequest, "lost request"}, Named{UnitFault::LoseAnswer, "lost answer"},
           Named{UnitFault::BadChecksum, "bad checksum"}, Named{UnitFault::Refuse, "refusal"}}) {
         for (const int type : {12, 14, 16, 18, 19, 7, 8, 4, 3, 1, 2}) {
-            QTest::addRow("%s to request %d", fault.name, type) << static_cast<int>(fault.kind) << type;
+            QTest::addRow("%s to request %d", fault.name, type) << int(fault.kind) << type;
         }
     }
 }
 
-void tst_faults::a_step_that_fails_once_is_repeated()
+void tst_faults::aStepThatFailsOnceIsRepeated()
 {
     QFETCH(const int, kind);
     QFETCH(const int, type);
@@ -104,7 +105,7 @@ void tst_faults::a_step_that_fails_once_is_repeated()
     QTRY_VERIFY(over.get<QTableView>("tableViewLogEvents")->model() != nullptr);
 }
 
-void tst_faults::a_step_that_fails_for_good_is_told_data()
+void tst_faults::aStepThatFailsForGoodIsTold_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("from");
@@ -127,7 +128,7 @@ void tst_faults::a_step_that_fails_for_good_is_told_data()
     QTest::newRow("information about terminals") << 19 << 1 << -1 << 0 << 0 << read;
 }
 
-void tst_faults::a_step_that_fails_for_good_is_told()
+void tst_faults::aStepThatFailsForGoodIsTold()
 {
     QFETCH(const int, type);
     QFETCH(const int, from);
@@ -148,7 +149,7 @@ void tst_faults::a_step_that_fails_for_good_is_told()
     QVERIFY(worksAfterwards(over));
 }
 
-void tst_faults::a_writing_counts_its_failed_steps()
+void tst_faults::aWritingCountsItsFailedSteps()
 {
     WindowOverUnit over(unitUnderTest());
     QVERIFY(over.waitForChain());
@@ -161,7 +162,7 @@ void tst_faults::a_writing_counts_its_failed_steps()
     QCOMPARE(over.result(), writeResult(0, 0));
 }
 
-void tst_faults::a_port_that_vanishes_ends_the_chain_and_comes_back_data()
+void tst_faults::aPortThatVanishesEndsTheChainAndComesBack_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("from");
@@ -174,7 +175,7 @@ void tst_faults::a_port_that_vanishes_ends_the_chain_and_comes_back_data()
     QTest::newRow("in the middle of the log") << 3 << 4;
 }
 
-void tst_faults::a_port_that_vanishes_ends_the_chain_and_comes_back()
+void tst_faults::aPortThatVanishesEndsTheChainAndComesBack()
 {
     QFETCH(const int, type);
     QFETCH(const int, from);
@@ -187,7 +188,7 @@ void tst_faults::a_port_that_vanishes_ends_the_chain_and_comes_back()
     QVERIFY(worksAfterwards(over));
 }
 
-void tst_faults::a_port_that_vanishes_while_writing_comes_back()
+void tst_faults::aPortThatVanishesWhileWritingComesBack()
 {
     WindowOverUnit over(unitUnderTest());
     QVERIFY(over.waitForChain());
@@ -197,17 +198,17 @@ void tst_faults::a_port_that_vanishes_while_writing_comes_back()
     QVERIFY(worksAfterwards(over));
 }
 
-void tst_faults::noise_and_pieces_do_no_harm_data()
+void tst_faults::noiseAndPiecesDoNoHarm_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("value");
-    QTest::newRow("noise before every answer") << static_cast<int>(UnitFault::NoiseBefore) << -1;
-    QTest::newRow("noise behind every answer") << static_cast<int>(UnitFault::NoiseAfter) << -1;
-    QTest::newRow("every answer in pieces") << static_cast<int>(UnitFault::SplitAnswer) << 5;
-    QTest::newRow("every answer late") << static_cast<int>(UnitFault::DelayAnswer) << 20;
+    QTest::newRow("noise before every answer") << int(UnitFault::NoiseBefore) << -1;
+    QTest::newRow("noise behind every answer") << int(UnitFault::NoiseAfter) << -1;
+    QTest::newRow("every answer in pieces") << int(UnitFault::SplitAnswer) << 5;
+    QTest::newRow("every answer late") << int(UnitFault::DelayAnswer) << 20;
 }
 
-void tst_faults::noise_and_pieces_do_no_harm()
+void tst_faults::noiseAndPiecesDoNoHarm()
 {
     QFETCH(const int, kind);
     QFETCH(const int, value);
@@ -230,7 +231,7 @@ void tst_faults::noise_and_pieces_do_no_harm()
     QCOMPARE(over.told.last(), texts::resultLogOk());
 }
 
-void tst_faults::answers_that_differ_are_read_until_two_agree()
+void tst_faults::answersThatDifferAreReadUntilTwoAgree()
 {
     WindowOverUnit calm(unitUnderTest());
     QVERIFY(calm.waitForChain());
@@ -240,7 +241,7 @@ void tst_faults::answers_that_differ_are_read_until_two_agree()
     QCOMPARE(restless.unit.requestCount(19), calm.unit.requestCount(19));
 }
 
-void tst_faults::a_silent_unit_is_not_found()
+void tst_faults::aSilentUnitIsNotFound()
 {
     WindowOverUnit over(unitUnderTest(), {UnitFault(UnitFault::LoseRequest)});
     QTRY_VERIFY_WITH_TIMEOUT(over.unit.requestCount(10) >= 4, 20000);
@@ -252,7 +253,7 @@ void tst_faults::a_silent_unit_is_not_found()
     QCOMPARE(over.result(), readResult(0, 0));
 }
 
-void tst_faults::a_unit_of_the_slow_rate_is_found()
+void tst_faults::aUnitOfTheSlowRateIsFound()
 {
     UnitState slow = unitUnderTest();
     slow.baudRates = {9600};
@@ -264,7 +265,7 @@ void tst_faults::a_unit_of_the_slow_rate_is_found()
     QCOMPARE(over.result(), readResult(0, 0));
 }
 
-void tst_faults::without_any_port_the_window_lives()
+void tst_faults::withoutAnyPortTheWindowLives()
 {
     WindowSeams seams;
     seams.portNames = [] { return QStringList(); };

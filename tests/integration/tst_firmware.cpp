@@ -1,6 +1,7 @@
 #include "firmware/Loading.h"
 #include "firmware/protocol_boot.h"
 #include "link/Transmitter.h"
+#include "support/Eventually.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
 
@@ -80,7 +81,7 @@ public:
     /// Waits until a run has ended, well or not.
     bool waitForEnd() const
     {
-        return WindowOverUnit::waitUntil([this] { return dialog.isNull() || hasFailed(); }, patience);
+        return eventually([this] { return dialog.isNull() || hasFailed(); }, patience);
     }
     bool hasFailed() const
     {
@@ -147,27 +148,27 @@ private slots:
     void init();
 
     // The dialog and a worker.
-    void the_image_arrives_in_spite_of_losses_and_damage_data();
-    void the_image_arrives_in_spite_of_losses_and_damage();
-    void abort_at_any_stage_and_repeat_data();
-    void abort_at_any_stage_and_repeat();
-    void the_link_is_cut_and_a_repeat_succeeds_data();
-    void the_link_is_cut_and_a_repeat_succeeds();
-    void the_unit_loses_its_power_and_a_repeat_succeeds();
-    void a_refused_block_is_a_write_error();
-    void a_unit_in_its_bootloader_is_loaded_at_once();
+    void theImageArrivesInSpiteOfLossesAndDamage_data();
+    void theImageArrivesInSpiteOfLossesAndDamage();
+    void abortAtAnyStageAndRepeat_data();
+    void abortAtAnyStageAndRepeat();
+    void theLinkIsCutAndARepeatSucceeds_data();
+    void theLinkIsCutAndARepeatSucceeds();
+    void theUnitLosesItsPowerAndARepeatSucceeds();
+    void aRefusedBlockIsAWriteError();
+    void aUnitInItsBootloaderIsLoadedAtOnce();
 
     // The whole program.
-    void the_menu_loads_the_current_port();
-    void the_watch_rests_and_comes_back();
-    void a_slow_unit_enters_its_bootloader_at_its_own_rate();
-    void a_disconnected_row_loads_its_port();
-    void a_row_that_never_found_a_coordinator_loads_at_the_usual_rate();
-    void cancel_leaves_everything_as_it_was();
-    void a_small_file_is_refused();
-    void a_silent_bootloader_ends_the_run();
-    void closing_the_dialog_brings_the_watch_back();
-    void without_a_port_abort_ends_it();
+    void theMenuLoadsTheCurrentPort();
+    void theWatchRestsAndComesBack();
+    void aSlowUnitEntersItsBootloaderAtItsOwnRate();
+    void aDisconnectedRowLoadsItsPort();
+    void aRowThatNeverFoundACoordinatorLoadsAtTheUsualRate();
+    void cancelLeavesEverythingAsItWas();
+    void aSmallFileIsRefused();
+    void aSilentBootloaderEndsTheRun();
+    void closingTheDialogBringsTheWatchBack();
+    void withoutAPortAbortEndsIt();
 
 private:
     QString file(const QByteArray& bytes) const;
@@ -188,7 +189,7 @@ QString tst_firmware::file(const QByteArray& bytes) const
     return image.open(QIODevice::WriteOnly) && image.write(bytes) == bytes.size() ? image.fileName() : QString();
 }
 
-void tst_firmware::the_image_arrives_in_spite_of_losses_and_damage_data()
+void tst_firmware::theImageArrivesInSpiteOfLossesAndDamage_data()
 {
     QTest::addColumn<int>("size");
     for (const int size : {3, 129, 130, 131, 258, 32770, 32771, 200000}) {
@@ -196,7 +197,7 @@ void tst_firmware::the_image_arrives_in_spite_of_losses_and_damage_data()
     }
 }
 
-void tst_firmware::the_image_arrives_in_spite_of_losses_and_damage()
+void tst_firmware::theImageArrivesInSpiteOfLossesAndDamage()
 {
     QFETCH(const int, size);
     const QByteArray image = randomImage(size);
@@ -215,7 +216,7 @@ void tst_firmware::the_image_arrives_in_spite_of_losses_and_damage()
     }
 }
 
-void tst_firmware::abort_at_any_stage_and_repeat_data()
+void tst_firmware::abortAtAnyStageAndRepeat_data()
 {
     QTest::addColumn<int>("requestType");
     QTest::addColumn<int>("bootType");
@@ -225,7 +226,7 @@ void tst_firmware::abort_at_any_stage_and_repeat_data()
     }
 }
 
-void tst_firmware::abort_at_any_stage_and_repeat()
+void tst_firmware::abortAtAnyStageAndRepeat()
 {
     QFETCH(const int, requestType);
     QFETCH(const int, bootType);
@@ -261,7 +262,7 @@ void tst_firmware::abort_at_any_stage_and_repeat()
     QCOMPARE(over.unit.bootRequestCount(6), bootType == 6 || bootType == 1 ? 2 : 1);
 }
 
-void tst_firmware::the_link_is_cut_and_a_repeat_succeeds_data()
+void tst_firmware::theLinkIsCutAndARepeatSucceeds_data()
 {
     QTest::addColumn<int>("block");
     QTest::addColumn<int>("bytesOfTheAnswer");
@@ -273,7 +274,7 @@ void tst_firmware::the_link_is_cut_and_a_repeat_succeeds_data()
     }
 }
 
-void tst_firmware::the_link_is_cut_and_a_repeat_succeeds()
+void tst_firmware::theLinkIsCutAndARepeatSucceeds()
 {
     QFETCH(const int, block);
     QFETCH(const int, bytesOfTheAnswer);
@@ -299,7 +300,7 @@ void tst_firmware::the_link_is_cut_and_a_repeat_succeeds()
     QVERIFY(over.isComplete(image));
 }
 
-void tst_firmware::the_unit_loses_its_power_and_a_repeat_succeeds()
+void tst_firmware::theUnitLosesItsPowerAndARepeatSucceeds()
 {
     const QByteArray image = randomImage(700);
     LoadingOverUnit over({UnitFault(UnitFault::LosePower).onBoot(5).from(3).times(1).value(900)});
@@ -316,7 +317,7 @@ void tst_firmware::the_unit_loses_its_power_and_a_repeat_succeeds()
     QVERIFY(over.isComplete(image));
 }
 
-void tst_firmware::a_refused_block_is_a_write_error()
+void tst_firmware::aRefusedBlockIsAWriteError()
 {
     const QByteArray image = randomImage(700);
     LoadingOverUnit over({UnitFault(UnitFault::Refuse).onBoot(5).from(2).times(4)});
@@ -330,7 +331,7 @@ void tst_firmware::a_refused_block_is_a_write_error()
     QVERIFY(over.isComplete(image));
 }
 
-void tst_firmware::a_unit_in_its_bootloader_is_loaded_at_once()
+void tst_firmware::aUnitInItsBootloaderIsLoadedAtOnce()
 {
     const QByteArray image = randomImage(300);
     LoadingOverUnit over;
@@ -344,7 +345,7 @@ void tst_firmware::a_unit_in_its_bootloader_is_loaded_at_once()
     QVERIFY(!requests.constFirst().heard);
 }
 
-void tst_firmware::the_menu_loads_the_current_port()
+void tst_firmware::theMenuLoadsTheCurrentPort()
 {
     const QByteArray image = randomImage(3000);
     UnitState state;
@@ -378,7 +379,7 @@ void tst_firmware::the_menu_loads_the_current_port()
     QCOMPARE(over.unit.requestCount(22), 1);
 }
 
-void tst_firmware::the_watch_rests_and_comes_back()
+void tst_firmware::theWatchRestsAndComesBack()
 {
     constexpr int watch = 9; // on the wire the watch looks like a search
     WindowOverUnit over;
@@ -403,10 +404,10 @@ void tst_firmware::the_watch_rests_and_comes_back()
     over.trigger("actionFirmware");
     QVERIFY(!user.overdue);
     QVERIFY(watched >= 0);
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.unit.requestCount(watch) >= watched + 2; }, patience));
+    QVERIFY(eventually([&] { return over.unit.requestCount(watch) >= watched + 2; }, patience));
 }
 
-void tst_firmware::a_slow_unit_enters_its_bootloader_at_its_own_rate()
+void tst_firmware::aSlowUnitEntersItsBootloaderAtItsOwnRate()
 {
     const QByteArray image = randomImage(700);
     UnitState state;
@@ -425,7 +426,7 @@ void tst_firmware::a_slow_unit_enters_its_bootloader_at_its_own_rate()
     }
 }
 
-void tst_firmware::a_disconnected_row_loads_its_port()
+void tst_firmware::aDisconnectedRowLoadsItsPort()
 {
     const QByteArray image = randomImage(700);
     WindowOverUnit over;
@@ -452,7 +453,7 @@ void tst_firmware::a_disconnected_row_loads_its_port()
     QCOMPARE(over.result(), before);
 }
 
-void tst_firmware::a_row_that_never_found_a_coordinator_loads_at_the_usual_rate()
+void tst_firmware::aRowThatNeverFoundACoordinatorLoadsAtTheUsualRate()
 {
     // A load was broken off before: the unit waits in its bootloader and answers no search.
     UnitState state;
@@ -483,7 +484,7 @@ void tst_firmware::a_row_that_never_found_a_coordinator_loads_at_the_usual_rate(
     QVERIFY(over.waitForChain());
 }
 
-void tst_firmware::cancel_leaves_everything_as_it_was()
+void tst_firmware::cancelLeavesEverythingAsItWas()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());
@@ -499,7 +500,7 @@ void tst_firmware::cancel_leaves_everything_as_it_was()
     QCOMPARE(over.unit.requestCount(22), 0);
 }
 
-void tst_firmware::a_small_file_is_refused()
+void tst_firmware::aSmallFileIsRefused()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());
@@ -511,7 +512,7 @@ void tst_firmware::a_small_file_is_refused()
     QCOMPARE(over.unit.requestCount(22), 0);
 }
 
-void tst_firmware::a_silent_bootloader_ends_the_run()
+void tst_firmware::aSilentBootloaderEndsTheRun()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());
@@ -534,7 +535,7 @@ void tst_firmware::a_silent_bootloader_ends_the_run()
              QStringLiteral("ERROR PROGRAMMING firmware\n") + directory->filePath(QStringLiteral("image.crypt")));
 }
 
-void tst_firmware::closing_the_dialog_brings_the_watch_back()
+void tst_firmware::closingTheDialogBringsTheWatchBack()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());
@@ -553,10 +554,10 @@ void tst_firmware::closing_the_dialog_brings_the_watch_back()
     QCOMPARE(running.constLast().constFirst().toBool(), false);
     // A unit that is left in its bootloader doesn't answer the watch, but is asked again.
     const int watched = over.unit.requestCount(9);
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.unit.requestCount(9) > watched; }, patience));
+    QVERIFY(eventually([&] { return over.unit.requestCount(9) > watched; }, patience));
 }
 
-void tst_firmware::without_a_port_abort_ends_it()
+void tst_firmware::withoutAPortAbortEndsIt()
 {
     ScriptedDialogs dialogs;
     dialogs.openAnswers.append(file(randomImage(700)));

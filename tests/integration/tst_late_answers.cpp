@@ -36,7 +36,7 @@ QByteArray byte(int value)
 QByteArrayList outputsOf(const UnitState& state)
 {
     QByteArrayList list;
-    for (int address = 0; address < UnitState::Addresses; ++address) {
+    for (int address = 0; address < UnitState::addressCount; ++address) {
         for (int output = 0; output <= (address == 0 ? 7 : 1); ++output) {
             list.append(byte(address) + byte(output) + state.outputs.at(size_t(address)).at(size_t(output)));
         }
@@ -47,7 +47,7 @@ QByteArrayList outputsOf(const UnitState& state)
 QByteArrayList scriptsOf(const UnitState& state)
 {
     QByteArrayList list;
-    for (int number = 0; number < UnitState::Scripts; ++number) {
+    for (int number = 0; number < UnitState::scriptCount; ++number) {
         list.append(byte(number) + state.scripts.at(size_t(number)));
     }
     return list;
@@ -312,12 +312,12 @@ class tst_late_answers : public QObject
     Q_OBJECT
 
 private slots:
-    void no_answer_is_taken_for_anothers_data();
-    void no_answer_is_taken_for_anothers();
-    void a_silent_unit_costs_one_wait();
+    void noAnswerIsTakenForAnothers_data();
+    void noAnswerIsTakenForAnothers();
+    void aSilentUnitCostsOneWait();
 };
 
-void tst_late_answers::no_answer_is_taken_for_anothers_data()
+void tst_late_answers::noAnswerIsTakenForAnothers_data()
 {
     const QStringList range = qEnvironmentVariable("LATE_ANSWERS", QStringLiteral("1 10")).split(QLatin1Char(' '));
     QTest::addColumn<quint32>("seed");
@@ -327,13 +327,13 @@ void tst_late_answers::no_answer_is_taken_for_anothers_data()
     }
 }
 
-void tst_late_answers::no_answer_is_taken_for_anothers()
+void tst_late_answers::noAnswerIsTakenForAnothers()
 {
     QFETCH(const quint32, seed);
     QCOMPARE(Case(seed).run(), QString());
 }
 
-void tst_late_answers::a_silent_unit_costs_one_wait()
+void tst_late_answers::aSilentUnitCostsOneWait()
 {
     constexpr int steps = 102;
     constexpr int silence = 120;

@@ -2,6 +2,7 @@
 #include "model/Device.h"
 #include "simulator/LogGenerator.h"
 #include "support/DebugLines.h"
+#include "support/Eventually.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
@@ -23,7 +24,7 @@ namespace
 constexpr int waitTime = 60000;
 
 /// A unit without terminals, so that the chain comes to the log at once, with a history of every kind of event.
-UnitState unitWithLog(int records, int capacity = LogRing::MaximumCapacity)
+UnitState unitWithLog(int records, int capacity = LogRing::maximumCapacity)
 {
     UnitState state;
     state.log = LogRing(capacity);
@@ -117,7 +118,7 @@ private:
     }
     static bool shown(const WindowOverUnit& over, int timeout = waitTime)
     {
-        return WindowOverUnit::waitUntil(
+        return eventually(
             [&] { return view(over)->model() != nullptr && !over.label("labelCountRows")->text().isEmpty(); }, timeout);
     }
     static QString count(const WindowOverUnit& over)
@@ -132,31 +133,31 @@ private:
 private slots:
     void initTestCase();
 
-    void a_full_log_reaches_the_table_and_a_file_and_comes_back();
-    void an_empty_log_shows_a_count_of_zero();
-    void a_wrapped_log_shows_what_the_ring_still_holds();
-    void the_number_of_records_in_the_last_block_does_not_matter_data();
-    void the_number_of_records_in_the_last_block_does_not_matter();
-    void a_lost_answer_costs_what_the_unit_makes_of_it_data();
-    void a_lost_answer_costs_what_the_unit_makes_of_it();
-    void a_wrapped_log_that_lost_a_block_says_so();
-    void a_link_that_dies_leaves_the_records_before_it_data();
-    void a_link_that_dies_leaves_the_records_before_it();
-    void a_block_of_another_length_ends_the_reading_data();
-    void a_block_of_another_length_ends_the_reading();
-    void information_that_cannot_be_read_empties_the_table();
-    void a_reading_that_left_nothing_is_made_again_on_the_tab_data();
-    void a_reading_that_left_nothing_is_made_again_on_the_tab();
-    void a_reading_that_left_some_rows_is_not_made_again();
-    void an_empty_log_is_not_read_at_every_change_to_the_tab();
-    void an_unchanged_log_comes_back_without_a_reading();
-    void the_action_reads_an_unchanged_log_too();
-    void a_log_that_has_grown_is_read_again_on_the_tab();
-    void the_tab_chosen_twice_at_once_reads_the_log_once();
-    void after_a_loaded_file_the_tab_reads_the_unit_again();
-    void nothing_happens_on_the_tab_while_reading_is_disabled();
-    void the_window_closes_at_any_moment_of_a_reading_data();
-    void the_window_closes_at_any_moment_of_a_reading();
+    void aFullLogReachesTheTableAndAFileAndComesBack();
+    void anEmptyLogShowsACountOfZero();
+    void aWrappedLogShowsWhatTheRingStillHolds();
+    void theNumberOfRecordsInTheLastBlockDoesNotMatter_data();
+    void theNumberOfRecordsInTheLastBlockDoesNotMatter();
+    void aLostAnswerCostsWhatTheUnitMakesOfIt_data();
+    void aLostAnswerCostsWhatTheUnitMakesOfIt();
+    void aWrappedLogThatLostABlockSaysSo();
+    void aLinkThatDiesLeavesTheRecordsBeforeIt_data();
+    void aLinkThatDiesLeavesTheRecordsBeforeIt();
+    void aBlockOfAnotherLengthEndsTheReading_data();
+    void aBlockOfAnotherLengthEndsTheReading();
+    void informationThatCannotBeReadEmptiesTheTable();
+    void aReadingThatLeftNothingIsMadeAgainOnTheTab_data();
+    void aReadingThatLeftNothingIsMadeAgainOnTheTab();
+    void aReadingThatLeftSomeRowsIsNotMadeAgain();
+    void anEmptyLogIsNotReadAtEveryChangeToTheTab();
+    void anUnchangedLogComesBackWithoutAReading();
+    void theActionReadsAnUnchangedLogToo();
+    void aLogThatHasGrownIsReadAgainOnTheTab();
+    void theTabChosenTwiceAtOnceReadsTheLogOnce();
+    void afterALoadedFileTheTabReadsTheUnitAgain();
+    void nothingHappensOnTheTabWhileReadingIsDisabled();
+    void theWindowClosesAtAnyMomentOfAReading_data();
+    void theWindowClosesAtAnyMomentOfAReading();
 };
 
 void tst_log_reading::initTestCase()
@@ -167,9 +168,9 @@ void tst_log_reading::initTestCase()
 
 // ---- Whole logs --------------------------------------------------------------------------------------------------
 
-void tst_log_reading::a_full_log_reaches_the_table_and_a_file_and_comes_back()
+void tst_log_reading::aFullLogReachesTheTableAndAFileAndComesBack()
 {
-    const UnitState state = unitWithLog(LogRing::MaximumCapacity);
+    const UnitState state = unitWithLog(LogRing::maximumCapacity);
     QCOMPARE(state.log.size(), 32767);
     const QStringList expected = rowsOf(state.log.records());
 
@@ -186,7 +187,7 @@ void tst_log_reading::a_full_log_reaches_the_table_and_a_file_and_comes_back()
     const QString file = directory.filePath(QStringLiteral("whole.db"));
     over.dialogs.saveAnswers.append(file);
     over.trigger("actionSaveLog");
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.result() == texts::resultLogSaveOk().arg(file); }, waitTime));
+    QVERIFY(eventually([&] { return over.result() == texts::resultLogSaveOk().arg(file); }, waitTime));
     QProcess shell;
     shell.start(QStringLiteral("sqlite3"),
                 {QStringLiteral("-readonly"), file, QStringLiteral("SELECT * FROM EventLogTable")});
@@ -204,13 +205,13 @@ void tst_log_reading::a_full_log_reaches_the_table_and_a_file_and_comes_back()
     QCOMPARE(count(over), countOf(0));
     over.dialogs.openAnswers.append(file);
     over.trigger("actionLoadLog");
-    QVERIFY(WindowOverUnit::waitUntil([&] { return count(over) == countOf(expected.size()); }, waitTime));
+    QVERIFY(eventually([&] { return count(over) == countOf(expected.size()); }, waitTime));
     QCOMPARE(over.result(), texts::resultLogLoadOk().arg(file));
     QVERIFY(rowsInView(view(over)) == expected);
     QVERIFY(over.dialogs.boxes.isEmpty());
 }
 
-void tst_log_reading::an_empty_log_shows_a_count_of_zero()
+void tst_log_reading::anEmptyLogShowsACountOfZero()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());
@@ -219,7 +220,7 @@ void tst_log_reading::an_empty_log_shows_a_count_of_zero()
     QCOMPARE(count(over), countOf(0));
 }
 
-void tst_log_reading::a_wrapped_log_shows_what_the_ring_still_holds()
+void tst_log_reading::aWrappedLogShowsWhatTheRingStillHolds()
 {
     const UnitState state = unitWithLog(250, 100);
     QVERIFY(state.log.wrapped());
@@ -229,7 +230,7 @@ void tst_log_reading::a_wrapped_log_shows_what_the_ring_still_holds()
     QCOMPARE(rowsInView(view(over)), rowsOf(state.log.records()));
 }
 
-void tst_log_reading::the_number_of_records_in_the_last_block_does_not_matter_data()
+void tst_log_reading::theNumberOfRecordsInTheLastBlockDoesNotMatter_data()
 {
     QTest::addColumn<int>("records");
     for (const int records : {1, 3, 4, 5, 8, 11}) {
@@ -237,7 +238,7 @@ void tst_log_reading::the_number_of_records_in_the_last_block_does_not_matter_da
     }
 }
 
-void tst_log_reading::the_number_of_records_in_the_last_block_does_not_matter()
+void tst_log_reading::theNumberOfRecordsInTheLastBlockDoesNotMatter()
 {
     QFETCH(int, records);
     const UnitState state = unitWithLog(records);
@@ -251,7 +252,7 @@ void tst_log_reading::the_number_of_records_in_the_last_block_does_not_matter()
 
 // ---- A bad link --------------------------------------------------------------------------------------------------
 
-void tst_log_reading::a_lost_answer_costs_what_the_unit_makes_of_it_data()
+void tst_log_reading::aLostAnswerCostsWhatTheUnitMakesOfIt_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<bool>("repeats");
@@ -260,7 +261,7 @@ void tst_log_reading::a_lost_answer_costs_what_the_unit_makes_of_it_data()
     QTest::newRow("damaged, the unit goes on: four records are missing") << int(UnitFault::BadChecksum) << false;
 }
 
-void tst_log_reading::a_lost_answer_costs_what_the_unit_makes_of_it()
+void tst_log_reading::aLostAnswerCostsWhatTheUnitMakesOfIt()
 {
     QFETCH(int, kind);
     QFETCH(bool, repeats);
@@ -282,7 +283,7 @@ void tst_log_reading::a_lost_answer_costs_what_the_unit_makes_of_it()
     QCOMPARE(count(over), countOf(rowsOf(received.records).size()));
 }
 
-void tst_log_reading::a_wrapped_log_that_lost_a_block_says_so()
+void tst_log_reading::aWrappedLogThatLostABlockSaysSo()
 {
     UnitState state = unitWithLog(250, 100);
     state.repeatsLostLogBlock = false;
@@ -293,7 +294,7 @@ void tst_log_reading::a_wrapped_log_that_lost_a_block_says_so()
     QCOMPARE(over.told.last(), received.result(100));
 }
 
-void tst_log_reading::a_link_that_dies_leaves_the_records_before_it_data()
+void tst_log_reading::aLinkThatDiesLeavesTheRecordsBeforeIt_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("request");
@@ -309,7 +310,7 @@ void tst_log_reading::a_link_that_dies_leaves_the_records_before_it_data()
     }
 }
 
-void tst_log_reading::a_link_that_dies_leaves_the_records_before_it()
+void tst_log_reading::aLinkThatDiesLeavesTheRecordsBeforeIt()
 {
     QFETCH(int, kind);
     QFETCH(int, request);
@@ -326,7 +327,7 @@ void tst_log_reading::a_link_that_dies_leaves_the_records_before_it()
     QVERIFY(over.dialogs.boxes.isEmpty());
 }
 
-void tst_log_reading::a_block_of_another_length_ends_the_reading_data()
+void tst_log_reading::aBlockOfAnotherLengthEndsTheReading_data()
 {
     QTest::addColumn<QByteArray>("block");
     QTest::addColumn<int>("records");
@@ -341,7 +342,7 @@ void tst_log_reading::a_block_of_another_length_ends_the_reading_data()
     QTest::newRow("five records") << records << 5 << texts::resultLogOk();
 }
 
-void tst_log_reading::a_block_of_another_length_ends_the_reading()
+void tst_log_reading::aBlockOfAnotherLengthEndsTheReading()
 {
     QFETCH(QByteArray, block);
     QFETCH(int, records);
@@ -359,7 +360,7 @@ void tst_log_reading::a_block_of_another_length_ends_the_reading()
     QCOMPARE(rowsInView(view(over)), rowsOf(received + state.log.records().mid(42 - 8)));
 }
 
-void tst_log_reading::information_that_cannot_be_read_empties_the_table()
+void tst_log_reading::informationThatCannotBeReadEmptiesTheTable()
 {
     WindowOverUnit over(unitWithLog(10));
     QVERIFY(over.waitForChain());
@@ -372,7 +373,7 @@ void tst_log_reading::information_that_cannot_be_read_empties_the_table()
     QCOMPARE(count(over), countOf(0));
 }
 
-void tst_log_reading::a_reading_that_left_nothing_is_made_again_on_the_tab_data()
+void tst_log_reading::aReadingThatLeftNothingIsMadeAgainOnTheTab_data()
 {
     QTest::addColumn<int>("newRecords");
     QTest::addColumn<UnitFault>("fault");
@@ -382,7 +383,7 @@ void tst_log_reading::a_reading_that_left_nothing_is_made_again_on_the_tab_data(
         << 1 << UnitFault(UnitFault::ReplaceAnswer).onRequest(3).bytes(QByteArray(15, 'x'));
 }
 
-void tst_log_reading::a_reading_that_left_nothing_is_made_again_on_the_tab()
+void tst_log_reading::aReadingThatLeftNothingIsMadeAgainOnTheTab()
 {
     QFETCH(int, newRecords);
     QFETCH(UnitFault, fault);
@@ -408,7 +409,7 @@ void tst_log_reading::a_reading_that_left_nothing_is_made_again_on_the_tab()
     QCOMPARE(rowsInView(view(over)), rowsOf(over.unit.state().log.records()));
 }
 
-void tst_log_reading::a_reading_that_left_some_rows_is_not_made_again()
+void tst_log_reading::aReadingThatLeftSomeRowsIsNotMadeAgain()
 {
     WindowOverUnit over(unitWithLog(10), {UnitFault(UnitFault::Refuse).onRequest(3).from(2)});
     QVERIFY(over.waitForChain());
@@ -424,7 +425,7 @@ void tst_log_reading::a_reading_that_left_some_rows_is_not_made_again()
     QCOMPARE(count(over), before);
 }
 
-void tst_log_reading::an_empty_log_is_not_read_at_every_change_to_the_tab()
+void tst_log_reading::anEmptyLogIsNotReadAtEveryChangeToTheTab()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());
@@ -437,7 +438,7 @@ void tst_log_reading::an_empty_log_is_not_read_at_every_change_to_the_tab()
 
 // ---- When it reads -----------------------------------------------------------------------------------------------
 
-void tst_log_reading::an_unchanged_log_comes_back_without_a_reading()
+void tst_log_reading::anUnchangedLogComesBackWithoutAReading()
 {
     const UnitState state = unitWithLog(30);
     WindowOverUnit over(state);
@@ -458,7 +459,7 @@ void tst_log_reading::an_unchanged_log_comes_back_without_a_reading()
     QVERIFY(debug.linesWith(QStringLiteral("(Database)")).isEmpty());
 }
 
-void tst_log_reading::the_action_reads_an_unchanged_log_too()
+void tst_log_reading::theActionReadsAnUnchangedLogToo()
 {
     const UnitState state = unitWithLog(30);
     WindowOverUnit over(state);
@@ -469,13 +470,13 @@ void tst_log_reading::the_action_reads_an_unchanged_log_too()
     QCOMPARE(rowsInView(view(over)), rowsOf(state.log.records()));
 }
 
-void tst_log_reading::a_log_that_has_grown_is_read_again_on_the_tab()
+void tst_log_reading::aLogThatHasGrownIsReadAgainOnTheTab()
 {
     WindowOverUnit over(unitWithLog(30));
     QVERIFY(over.waitForChain());
     QVERIFY(shown(over));
     over.unit.growLog(5);
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.unit.state().log.size() > 40; }, waitTime));
+    QVERIFY(eventually([&] { return over.unit.state().log.size() > 40; }, waitTime));
     over.unit.growLog(0);
     over.told.clear();
     over.get<QTabWidget>("tabWidget")->setCurrentIndex(1);
@@ -484,7 +485,7 @@ void tst_log_reading::a_log_that_has_grown_is_read_again_on_the_tab()
     QCOMPARE(rowsInView(view(over)), rowsOf(over.unit.state().log.records()));
 }
 
-void tst_log_reading::the_tab_chosen_twice_at_once_reads_the_log_once()
+void tst_log_reading::theTabChosenTwiceAtOnceReadsTheLogOnce()
 {
     WindowOverUnit over(unitWithLog(30));
     QVERIFY(over.waitForChain());
@@ -501,7 +502,7 @@ void tst_log_reading::the_tab_chosen_twice_at_once_reads_the_log_once()
     QCOMPARE(rowsInView(view(over)), rowsOf(over.unit.state().log.records()));
 }
 
-void tst_log_reading::after_a_loaded_file_the_tab_reads_the_unit_again()
+void tst_log_reading::afterALoadedFileTheTabReadsTheUnitAgain()
 {
     const UnitState state = unitWithLog(30);
     WindowOverUnit over(state);
@@ -512,7 +513,7 @@ void tst_log_reading::after_a_loaded_file_the_tab_reads_the_unit_again()
     over.trigger("actionSaveLog");
     over.dialogs.openAnswers.append(file);
     over.trigger("actionLoadLog");
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.result() == texts::resultLogLoadOk().arg(file); }, waitTime));
+    QVERIFY(eventually([&] { return over.result() == texts::resultLogLoadOk().arg(file); }, waitTime));
     QVERIFY(shown(over));
 
     over.unit.clearRequests();
@@ -524,7 +525,7 @@ void tst_log_reading::after_a_loaded_file_the_tab_reads_the_unit_again()
     QCOMPARE(rowsInView(view(over)), rowsOf(state.log.records()));
 }
 
-void tst_log_reading::nothing_happens_on_the_tab_while_reading_is_disabled()
+void tst_log_reading::nothingHappensOnTheTabWhileReadingIsDisabled()
 {
     WindowOverUnit over(unitWithLog(30));
     QVERIFY(over.waitForChain());
@@ -538,7 +539,7 @@ void tst_log_reading::nothing_happens_on_the_tab_while_reading_is_disabled()
     QCOMPARE(over.unit.requestCount(4), 0);
 }
 
-void tst_log_reading::the_window_closes_at_any_moment_of_a_reading_data()
+void tst_log_reading::theWindowClosesAtAnyMomentOfAReading_data()
 {
     QTest::addColumn<QString>("line");
     QTest::newRow("blocks come in") << QString();
@@ -550,14 +551,14 @@ void tst_log_reading::the_window_closes_at_any_moment_of_a_reading_data()
     QTest::newRow("the table is read anew") << QStringLiteral("ended (size = %1)").arg(rows - 2000);
 }
 
-void tst_log_reading::the_window_closes_at_any_moment_of_a_reading()
+void tst_log_reading::theWindowClosesAtAnyMomentOfAReading()
 {
     QFETCH(QString, line);
     const UnitState state = unitWithLog(2000);
     const DebugLines debug;
     {
         WindowOverUnit over(state);
-        QVERIFY(WindowOverUnit::waitUntil(
+        QVERIFY(eventually(
             [&] { return line.isEmpty() ? over.unit.requestCount(3) > 10 : !debug.linesWith(line).isEmpty(); },
             waitTime));
         over.window.reset();

@@ -1,4 +1,5 @@
 #include "model/RelayInfo.h"
+#include "support/Eventually.h"
 #include "support/WindowOverUnit.h"
 #include "ui/tree/FormAddingTerminal.h"
 
@@ -45,7 +46,7 @@ void tst_realWindow::xdotool(const QStringList& words)
     bool ended = false;
     connect(&tool, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &tool, [&] { ended = true; });
     tool.start(QStringLiteral("xdotool"), words);
-    QVERIFY(WindowOverUnit::waitUntil([&] { return ended; }, 10000));
+    QVERIFY(eventually([&] { return ended; }, 10000));
     QCOMPARE(tool.exitCode(), 0);
     // The tool is gone once the server has its events; the program gets them behind whatever it sends to itself now.
     QTest::qWait(60);
@@ -75,7 +76,7 @@ void tst_realWindow::click(const QWidget* widget, const QPoint& place)
 
 void tst_realWindow::click(const QWidget* widget)
 {
-    QVERIFY(WindowOverUnit::waitUntil([&] { return widget->isVisible() && widget->isEnabled(); }, 10000));
+    QVERIFY(eventually([&] { return widget->isVisible() && widget->isEnabled(); }, 10000));
     // A check box is wider than what of it can be clicked.
     const bool isBox = qobject_cast<const QCheckBox*>(widget) != nullptr;
     click(widget, isBox ? QPoint(8, widget->height() / 2) : widget->rect().center());
@@ -107,7 +108,7 @@ void tst_realWindow::choose(QComboBox* combo, const QString& text)
     const int wanted = combo->findText(text);
     QVERIFY(wanted >= 0);
     click(combo);
-    QVERIFY(WindowOverUnit::waitUntil([] { return QApplication::activePopupWidget() != nullptr; }, 10000));
+    QVERIFY(eventually([] { return QApplication::activePopupWidget() != nullptr; }, 10000));
     press(QStringLiteral("Home"));
     for (int i = 0; i < wanted; ++i) {
         press(QStringLiteral("Down"));
@@ -121,7 +122,7 @@ void tst_realWindow::chooseAction(WindowOverUnit& over, const char* menu, const 
     const auto* bar = over.window->menuBar();
     auto* popup = over.get<QMenu>(menu);
     click(bar, bar->actionGeometry(popup->menuAction()).center());
-    QVERIFY(WindowOverUnit::waitUntil([&] { return popup->isVisible(); }, 10000));
+    QVERIFY(eventually([&] { return popup->isVisible(); }, 10000));
     over.told.clear();
     click(popup, popup->actionGeometry(over.get<QAction>(action)).center());
 }
@@ -161,10 +162,10 @@ void tst_realWindow::addTerminal(WindowOverUnit& over)
         }
     }
     QVERIFY(form != nullptr);
-    QVERIFY(WindowOverUnit::waitUntil([&] { return form->isActiveWindow(); }, 10000));
+    QVERIFY(eventually([&] { return form->isActiveWindow(); }, 10000));
     replaceText(form->findChild<QLineEdit*>(QStringLiteral("lineEditTerminal")), QStringLiteral("Siren of the hall"));
     click(form->findChild<QPushButton*>(QStringLiteral("pushButton")));
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.window->isActiveWindow(); }, 10000));
+    QVERIFY(eventually([&] { return over.window->isActiveWindow(); }, 10000));
     QTRY_COMPARE(over.label("labelTitleParamRelay")->text(), QStringLiteral("Siren of the hall #1(Output 1)"));
 }
 
@@ -214,7 +215,7 @@ void tst_realWindow::aTerminalWithTwoScriptsIsAddedEditedSavedAndReadBack()
     WindowOverUnit over;
     over.window->showMaximized();
     QVERIFY(over.waitForChain());
-    QVERIFY(WindowOverUnit::waitUntil([&] { return over.window->isActiveWindow(); }, 10000));
+    QVERIFY(eventually([&] { return over.window->isActiveWindow(); }, 10000));
 
     addTerminal(over);
     addScript(over, 0);

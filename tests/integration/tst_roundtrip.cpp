@@ -22,7 +22,7 @@ public:
     UnitState draw()
     {
         UnitState state;
-        for (quint8 address = 1; address < UnitState::Addresses; ++address) {
+        for (quint8 address = 1; address < UnitState::addressCount; ++address) {
             if (chance(4)) {
                 // Two outputs, the number that the unit is asked for.
                 state.terminals.append(UnitTerminal::make(address, 2, below(16), below(256), below(256), 8));
@@ -37,14 +37,14 @@ public:
                 state.outputs.at(address).at(1) = UnitState::emptyOutput();
             }
         }
-        drawOutputs(state, 0, UnitState::OutputsPerAddress);
+        drawOutputs(state, 0, UnitState::outputsPerAddress);
         for (QByteArray& script : state.scripts) {
             script = drawScript();
         }
         // The editor shows the first script of the first output, and showing one without a trigger clears its channels.
         state.outputs[0][0] = QByteArrayLiteral("\x01\x00");
         state.scripts[0][2] = 1;
-        state.scripts[0][14] = static_cast<char>(0x20);
+        state.scripts[0][14] = char(0x20);
         return state;
     }
 
@@ -66,13 +66,13 @@ private:
     void drawOutputs(UnitState& state, int address, int count)
     {
         for (int number = 0; number < count; ++number) {
-            QByteArray record(1, static_cast<char>(below(4)));
-            for (char script = 0; script < UnitState::Scripts; ++script) {
+            QByteArray record(1, char(below(4)));
+            for (char script = 0; script < UnitState::scriptCount; ++script) {
                 if (chance(10)) {
                     record.insert(1 + below(record.size()), script);
                 }
             }
-            state.outputs.at(static_cast<std::size_t>(address)).at(static_cast<std::size_t>(number)) = record;
+            state.outputs.at(std::size_t(address)).at(std::size_t(number)) = record;
         }
     }
 
@@ -95,7 +95,7 @@ private:
               bcd(0, 59), bcd(0, 23),           bcd(1, 31), bcd(1, 12), (chance(3) ? 15 : below(5)) * 16 + below(16),
               below(256), below(256),           below(256), below(256), below(256),
               below(256)}) {
-            script.append(static_cast<char>(byte));
+            script.append(char(byte));
         }
         return script;
     }
@@ -112,16 +112,15 @@ void fill(RelayInfo& model, const UnitState& state)
         terminals.append(terminal.infoRecord);
     }
     QByteArrayList outputs;
-    for (int address = 0; address < UnitState::Addresses; ++address) {
-        for (int number = 0; number < (address == 0 ? UnitState::OutputsPerAddress : 2); ++number) {
-            const QByteArray place{QByteArray(1, static_cast<char>(address)) + static_cast<char>(number)};
-            outputs.append(place +
-                           state.outputs.at(static_cast<std::size_t>(address)).at(static_cast<std::size_t>(number)));
+    for (int address = 0; address < UnitState::addressCount; ++address) {
+        for (int number = 0; number < (address == 0 ? UnitState::outputsPerAddress : 2); ++number) {
+            const QByteArray place{QByteArray(1, char(address)) + char(number)};
+            outputs.append(place + state.outputs.at(std::size_t(address)).at(std::size_t(number)));
         }
     }
     QByteArrayList scripts;
-    for (int number = 0; number < UnitState::Scripts; ++number) {
-        scripts.append(static_cast<char>(number) + state.scripts.at(static_cast<std::size_t>(number)));
+    for (int number = 0; number < UnitState::scriptCount; ++number) {
+        scripts.append(char(number) + state.scripts.at(std::size_t(number)));
     }
     model.readTerminalRecords(terminals);
     model.readOutputRecords(outputs);
@@ -216,9 +215,9 @@ class tst_roundtrip : public QObject
 
 private slots:
     void initTestCase();
-    void a_thousand_configurations_survive_writing_and_reading_data();
-    void a_thousand_configurations_survive_writing_and_reading();
-    void configurations_survive_the_way_through_the_window();
+    void aThousandConfigurationsSurviveWritingAndReading_data();
+    void aThousandConfigurationsSurviveWritingAndReading();
+    void configurationsSurviveTheWayThroughTheWindow();
 };
 
 void tst_roundtrip::initTestCase()
@@ -227,7 +226,7 @@ void tst_roundtrip::initTestCase()
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
 }
 
-void tst_roundtrip::a_thousand_configurations_survive_writing_and_reading_data()
+void tst_roundtrip::aThousandConfigurationsSurviveWritingAndReading_data()
 {
     QTest::addColumn<quint32>("first");
     for (quint32 first = 1; first <= 1000; first += 50) {
@@ -235,7 +234,7 @@ void tst_roundtrip::a_thousand_configurations_survive_writing_and_reading_data()
     }
 }
 
-void tst_roundtrip::a_thousand_configurations_survive_writing_and_reading()
+void tst_roundtrip::aThousandConfigurationsSurviveWritingAndReading()
 {
     QFETCH(const quint32, first);
     FormOverUnit over;
@@ -257,7 +256,7 @@ void tst_roundtrip::a_thousand_configurations_survive_writing_and_reading()
     }
 }
 
-void tst_roundtrip::configurations_survive_the_way_through_the_window()
+void tst_roundtrip::configurationsSurviveTheWayThroughTheWindow()
 {
     WindowOverUnit over;
     QVERIFY(over.waitForChain());

@@ -24,17 +24,17 @@ UnitState fullUnit(int events = 9)
     state.terminals = {UnitTerminal::make(3, 2, 1, 2, 3, 8), UnitTerminal::make(31, 2, 1, 2, 4, 7),
                        UnitTerminal::make(1, 0, 2, 2, 2), UnitTerminal::make(124, 4, 3, 3, 3),
                        UnitTerminal::make(125, 4, 3, 3, 3)};
-    for (int address = 0; address < UnitState::Addresses; ++address) {
-        for (int output = 0; output < UnitState::OutputsPerAddress; ++output) {
+    for (int address = 0; address < UnitState::addressCount; ++address) {
+        for (int output = 0; output < UnitState::outputsPerAddress; ++output) {
             // With bytes that have to be stuffed.
             state.outputs.at(size_t(address)).at(size_t(output)) = byte(0xC0 + output % 3) + byte(address);
         }
     }
-    for (int number = 0; number < UnitState::Scripts; ++number) {
-        state.scripts.at(size_t(number)) = QByteArray(UnitState::ScriptLength, char(0xB0 + number));
+    for (int number = 0; number < UnitState::scriptCount; ++number) {
+        state.scripts.at(size_t(number)) = QByteArray(UnitState::scriptLength, char(0xB0 + number));
     }
     for (int event = 0; event < events; ++event) {
-        state.log.append(QByteArray(LogRing::RecordSize, char(event)));
+        state.log.append(QByteArray(LogRing::recordSize, char(event)));
     }
     return state;
 }
@@ -42,7 +42,7 @@ UnitState fullUnit(int events = 9)
 QByteArrayList outputsOf(const UnitState& state)
 {
     QByteArrayList list;
-    for (int address = 0; address < UnitState::Addresses; ++address) {
+    for (int address = 0; address < UnitState::addressCount; ++address) {
         for (int output = 0; output <= (address == 0 ? 7 : 1); ++output) {
             list.append(byte(address) + byte(output) + state.outputs.at(size_t(address)).at(size_t(output)));
         }
@@ -53,7 +53,7 @@ QByteArrayList outputsOf(const UnitState& state)
 QByteArrayList scriptsOf(const UnitState& state)
 {
     QByteArrayList list;
-    for (int number = 0; number < UnitState::Scripts; ++number) {
+    for (int number = 0; number < UnitState::scriptCount; ++number) {
         list.append(byte(number) + state.scripts.at(size_t(number)));
     }
     return list;
@@ -260,7 +260,7 @@ void tst_DeviceOperations::readsTheLogBlockByBlock()
     UnitState state;
     state.log = LogRing(40);
     for (int event = 0; event < events; ++event) {
-        state.log.append(QByteArray(LogRing::RecordSize, char(event)));
+        state.log.append(QByteArray(LogRing::recordSize, char(event)));
     }
     Line line(state);
     EVENTUALLY(line.isReady());
@@ -290,7 +290,7 @@ void tst_DeviceOperations::leavesAnUnchangedLogAlone()
     QCOMPARE(line.unit.requestCount(Protocol::Read_Log), 0);
     QVERIFY(!line.recorder.busy()->isVisible());
 
-    line.unit.change([](UnitState& state) { state.log.append(QByteArray(LogRing::RecordSize, 'x')); });
+    line.unit.change([](UnitState& state) { state.log.append(QByteArray(LogRing::recordSize, 'x')); });
     line.beginAnew();
     line.recorder.form.sl_SendRequestBeginReadLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("result ") + texts::resultLogOk()));

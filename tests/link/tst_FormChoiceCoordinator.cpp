@@ -793,8 +793,8 @@ void tst_FormChoiceCoordinator::closingTheMainWindowEndsTheApplication()
     }
     QCOMPARE(window.findChild<FormWaiting*>()->isVisible(), isBusy);
     QTimer::singleShot(0, &window, &QWidget::close);
-    constexpr int DidNotEnd = 1;
-    QTimer::singleShot(10000, &window, [] { QCoreApplication::exit(DidNotEnd); });
+    constexpr int didNotEnd = 1;
+    QTimer::singleShot(10000, &window, [] { QCoreApplication::exit(didNotEnd); });
     QCOMPARE(QApplication::exec(), 0);
 }
 
@@ -808,9 +808,9 @@ void tst_FormChoiceCoordinator::hidingOrClosingTheFormsDoesNotEndTheApplication(
         form.close();
         form.sl_HideFormWaiting();
     });
-    constexpr int StillThere = 7;
-    QTimer::singleShot(500, &form, [] { QCoreApplication::exit(StillThere); });
-    QCOMPARE(QApplication::exec(), StillThere);
+    constexpr int stillThere = 7;
+    QTimer::singleShot(500, &form, [] { QCoreApplication::exit(stillThere); });
+    QCOMPARE(QApplication::exec(), stillThere);
 }
 
 // Steps.

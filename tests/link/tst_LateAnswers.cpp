@@ -56,25 +56,25 @@ class tst_LateAnswers : public QObject
     Q_OBJECT
 
 private slots:
-    void an_answered_step_holds_nothing_back();
-    void a_damaged_answer_owes_nothing();
-    void silence_holds_back_everything_else();
-    void a_broken_off_answer_counts_as_silence();
-    void the_step_itself_may_be_sent_again();
-    void the_next_block_of_the_log_is_another_question();
-    void the_missing_answer_ends_the_wait();
-    void every_missing_answer_has_to_come();
-    void an_answer_may_come_in_pieces_behind_noise();
-    void two_answers_to_one_step_in_one_go_are_both_counted();
-    void quiet_ends_the_wait();
-    void each_byte_prolongs_the_quiet();
-    void a_line_of_which_something_was_heard_is_not_mute();
-    void a_mute_line_waits_no_second_time();
-    void what_wakes_a_mute_line_is_nobodys();
-    void the_watch_asks_and_hears_a_silent_line();
-    void the_rest_of_the_watch_waits();
-    void the_search_neither_owes_nor_waits();
-    void a_lost_line_owes_nothing();
+    void anAnsweredStepHoldsNothingBack();
+    void aDamagedAnswerOwesNothing();
+    void silenceHoldsBackEverythingElse();
+    void aBrokenOffAnswerCountsAsSilence();
+    void theStepItselfMayBeSentAgain();
+    void theNextBlockOfTheLogIsAnotherQuestion();
+    void theMissingAnswerEndsTheWait();
+    void everyMissingAnswerHasToCome();
+    void anAnswerMayComeInPiecesBehindNoise();
+    void twoAnswersToOneStepInOneGoAreBothCounted();
+    void quietEndsTheWait();
+    void eachByteProlongsTheQuiet();
+    void aLineOfWhichSomethingWasHeardIsNotMute();
+    void aMuteLineWaitsNoSecondTime();
+    void whatWakesAMuteLineIsNobodys();
+    void theWatchAsksAndHearsASilentLine();
+    void theRestOfTheWatchWaits();
+    void theSearchNeitherOwesNorWaits();
+    void aLostLineOwesNothing();
 
 private:
     LateAnswers made() const
@@ -83,7 +83,7 @@ private:
     }
 };
 
-void tst_LateAnswers::an_answered_step_holds_nothing_back()
+void tst_LateAnswers::anAnsweredStepHoldsNothingBack()
 {
     LateAnswers late = made();
     late.ended(answeredBy(output(0), someAnswer()), start);
@@ -92,14 +92,14 @@ void tst_LateAnswers::an_answered_step_holds_nothing_back()
     QVERIFY(!late.waitEnd());
 }
 
-void tst_LateAnswers::a_damaged_answer_owes_nothing()
+void tst_LateAnswers::aDamagedAnswerOwesNothing()
 {
     LateAnswers late = made();
     late.ended(answeredBy(output(0), QByteArray(8, 'x')), start);
     QVERIFY(late.letsGo(output(1), start));
 }
 
-void tst_LateAnswers::silence_holds_back_everything_else()
+void tst_LateAnswers::silenceHoldsBackEverythingElse()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -112,14 +112,14 @@ void tst_LateAnswers::silence_holds_back_everything_else()
     QCOMPARE(*late.waitEnd(), start + LateAnswers::quiet);
 }
 
-void tst_LateAnswers::a_broken_off_answer_counts_as_silence()
+void tst_LateAnswers::aBrokenOffAnswerCountsAsSilence()
 {
     LateAnswers late = made();
     late.ended(answeredBy(output(0), someAnswer().left(4)), start);
     QVERIFY(!late.letsGo(output(1), after(120ms)));
 }
 
-void tst_LateAnswers::the_step_itself_may_be_sent_again()
+void tst_LateAnswers::theStepItselfMayBeSentAgain()
 {
     LateAnswers late = made();
     const message again = resendOf(output(0));
@@ -129,7 +129,7 @@ void tst_LateAnswers::the_step_itself_may_be_sent_again()
     QVERIFY(!late.letsGo(resendOf(output(1)), after(120ms)));
 }
 
-void tst_LateAnswers::the_next_block_of_the_log_is_another_question()
+void tst_LateAnswers::theNextBlockOfTheLogIsAnotherQuestion()
 {
     LateAnswers late = made();
     const message block = P::requestReadLog(1, false);
@@ -138,7 +138,7 @@ void tst_LateAnswers::the_next_block_of_the_log_is_another_question()
     QVERIFY(!late.letsGo(block, after(150ms)));
 }
 
-void tst_LateAnswers::the_missing_answer_ends_the_wait()
+void tst_LateAnswers::theMissingAnswerEndsTheWait()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -149,7 +149,7 @@ void tst_LateAnswers::the_missing_answer_ends_the_wait()
     QVERIFY(!late.waitEnd());
 }
 
-void tst_LateAnswers::every_missing_answer_has_to_come()
+void tst_LateAnswers::everyMissingAnswerHasToCome()
 {
     LateAnswers late = made();
     for (int send = 0; send < 4; ++send) {
@@ -162,7 +162,7 @@ void tst_LateAnswers::every_missing_answer_has_to_come()
     QVERIFY(late.letsGo(output(1), after(2000ms)));
 }
 
-void tst_LateAnswers::an_answer_may_come_in_pieces_behind_noise()
+void tst_LateAnswers::anAnswerMayComeInPiecesBehindNoise()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -174,7 +174,7 @@ void tst_LateAnswers::an_answer_may_come_in_pieces_behind_noise()
     QVERIFY(late.letsGo(output(1), after(200ms)));
 }
 
-void tst_LateAnswers::two_answers_to_one_step_in_one_go_are_both_counted()
+void tst_LateAnswers::twoAnswersToOneStepInOneGoAreBothCounted()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -182,7 +182,7 @@ void tst_LateAnswers::two_answers_to_one_step_in_one_go_are_both_counted()
     QVERIFY(late.letsGo(output(1), after(150ms)));
 }
 
-void tst_LateAnswers::quiet_ends_the_wait()
+void tst_LateAnswers::quietEndsTheWait()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -191,7 +191,7 @@ void tst_LateAnswers::quiet_ends_the_wait()
     QVERIFY(late.belongTo(output(1), after(LateAnswers::quiet)));
 }
 
-void tst_LateAnswers::each_byte_prolongs_the_quiet()
+void tst_LateAnswers::eachByteProlongsTheQuiet()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -202,7 +202,7 @@ void tst_LateAnswers::each_byte_prolongs_the_quiet()
     QVERIFY(late.letsGo(output(1), after(2000ms) + LateAnswers::quiet));
 }
 
-void tst_LateAnswers::a_line_of_which_something_was_heard_is_not_mute()
+void tst_LateAnswers::aLineOfWhichSomethingWasHeardIsNotMute()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -213,7 +213,7 @@ void tst_LateAnswers::a_line_of_which_something_was_heard_is_not_mute()
     QVERIFY(!late.letsGo(output(2), after(4120ms)));
 }
 
-void tst_LateAnswers::a_mute_line_waits_no_second_time()
+void tst_LateAnswers::aMuteLineWaitsNoSecondTime()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -231,7 +231,7 @@ void tst_LateAnswers::a_mute_line_waits_no_second_time()
     QVERIFY(!late.letsGo(output(3), later));
 }
 
-void tst_LateAnswers::what_wakes_a_mute_line_is_nobodys()
+void tst_LateAnswers::whatWakesAMuteLineIsNobodys()
 {
     LateAnswers late = made();
     late.ended(output(0), start);
@@ -249,7 +249,7 @@ void tst_LateAnswers::what_wakes_a_mute_line_is_nobodys()
     QVERIFY(late.belongTo(resendOf(output(2)), quiet));
 }
 
-void tst_LateAnswers::the_watch_asks_and_hears_a_silent_line()
+void tst_LateAnswers::theWatchAsksAndHearsASilentLine()
 {
     LateAnswers late = made();
     late.ended(check(), start);
@@ -264,7 +264,7 @@ void tst_LateAnswers::the_watch_asks_and_hears_a_silent_line()
     QVERIFY(late.belongTo(check(), after(3000ms)));
 }
 
-void tst_LateAnswers::the_rest_of_the_watch_waits()
+void tst_LateAnswers::theRestOfTheWatchWaits()
 {
     LateAnswers late = made();
     late.ended(P::requestDeviceTime(1), start);
@@ -272,7 +272,7 @@ void tst_LateAnswers::the_rest_of_the_watch_waits()
     QVERIFY(!late.letsGo(output(0), after(880ms)));
 }
 
-void tst_LateAnswers::the_search_neither_owes_nor_waits()
+void tst_LateAnswers::theSearchNeitherOwesNorWaits()
 {
     LateAnswers late = made();
     for (const message& request : {P::requestSearchCoordinator(), P::requestCheckCoordinator(1)}) {
@@ -286,7 +286,7 @@ void tst_LateAnswers::the_search_neither_owes_nor_waits()
     }
 }
 
-void tst_LateAnswers::a_lost_line_owes_nothing()
+void tst_LateAnswers::aLostLineOwesNothing()
 {
     LateAnswers late = made();
     late.ended(output(0), start);

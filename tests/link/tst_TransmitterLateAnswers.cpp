@@ -67,17 +67,17 @@ class tst_TransmitterLateAnswers : public QObject
     Q_OBJECT
 
 private slots:
-    void a_late_answer_is_not_the_next_requests();
-    void a_resend_takes_the_late_answer_and_waits_for_its_own();
-    void a_late_answer_of_the_bootloader_is_counted_too();
-    void silence_is_waited_out_once();
-    void what_wakes_a_silent_line_belongs_to_no_request();
-    void requests_on_a_lost_port_fail_at_once();
-    void the_watch_goes_on_over_a_silent_line();
-    void without_the_rule_requests_follow_each_other();
+    void aLateAnswerIsNotTheNextRequests();
+    void aResendTakesTheLateAnswerAndWaitsForItsOwn();
+    void aLateAnswerOfTheBootloaderIsCountedToo();
+    void silenceIsWaitedOutOnce();
+    void whatWakesASilentLineBelongsToNoRequest();
+    void requestsOnALostPortFailAtOnce();
+    void theWatchGoesOnOverASilentLine();
+    void withoutTheRuleRequestsFollowEachOther();
 };
 
-void tst_TransmitterLateAnswers::a_late_answer_is_not_the_next_requests()
+void tst_TransmitterLateAnswers::aLateAnswerIsNotTheNextRequests()
 {
     CarefulBench bench;
     bench.writeAfterAnswer(1, frames::answer(0, "to a"));
@@ -89,7 +89,7 @@ void tst_TransmitterLateAnswers::a_late_answer_is_not_the_next_requests()
     QCOMPARE(bench.payloads(), (QByteArrayList{"", "to b"}));
 }
 
-void tst_TransmitterLateAnswers::a_resend_takes_the_late_answer_and_waits_for_its_own()
+void tst_TransmitterLateAnswers::aResendTakesTheLateAnswerAndWaitsForItsOwn()
 {
     CarefulBench bench;
     connect(&bench.worker, &Transmitter::sig_SendAnswer, &bench, [&bench] {
@@ -107,7 +107,7 @@ void tst_TransmitterLateAnswers::a_resend_takes_the_late_answer_and_waits_for_it
     QCOMPARE(bench.payloads(), (QByteArrayList{"", "first", "to b"}));
 }
 
-void tst_TransmitterLateAnswers::a_late_answer_of_the_bootloader_is_counted_too()
+void tst_TransmitterLateAnswers::aLateAnswerOfTheBootloaderIsCountedToo()
 {
     CarefulBench bench;
     bench.writeAfterAnswer(1, frames::withChecksum(frames::hex("0300")).prepend('\xFA'));
@@ -120,7 +120,7 @@ void tst_TransmitterLateAnswers::a_late_answer_of_the_bootloader_is_counted_too(
     QVERIFY(bench.requestMoments.at(1) - bench.requestMoments.at(0) < LateAnswers::quiet.count());
 }
 
-void tst_TransmitterLateAnswers::silence_is_waited_out_once()
+void tst_TransmitterLateAnswers::silenceIsWaitedOutOnce()
 {
     CarefulBench bench;
     for (const char* bytes : {"a", "b", "c", "d"}) {
@@ -134,7 +134,7 @@ void tst_TransmitterLateAnswers::silence_is_waited_out_once()
     }
 }
 
-void tst_TransmitterLateAnswers::what_wakes_a_silent_line_belongs_to_no_request()
+void tst_TransmitterLateAnswers::whatWakesASilentLineBelongsToNoRequest()
 {
     CarefulBench bench;
     // As if late: it may be that to the request before.
@@ -152,7 +152,7 @@ void tst_TransmitterLateAnswers::what_wakes_a_silent_line_belongs_to_no_request(
     QVERIFY(bench.requestMoments.at(3) - bench.requestMoments.at(2) >= LateAnswers::quiet.count());
 }
 
-void tst_TransmitterLateAnswers::requests_on_a_lost_port_fail_at_once()
+void tst_TransmitterLateAnswers::requestsOnALostPortFailAtOnce()
 {
     CarefulBench bench;
     connect(&bench.worker, &Transmitter::sig_SendAnswer, &bench, [&bench] {
@@ -171,7 +171,7 @@ void tst_TransmitterLateAnswers::requests_on_a_lost_port_fail_at_once()
     QCOMPARE(bench.shownRequests, QByteArrayList{"a"});
 }
 
-void tst_TransmitterLateAnswers::the_watch_goes_on_over_a_silent_line()
+void tst_TransmitterLateAnswers::theWatchGoesOnOverASilentLine()
 {
     CarefulBench bench;
     const message time = protocol_HUBN_NX_Q::requestDeviceTime(1);
@@ -190,7 +190,7 @@ void tst_TransmitterLateAnswers::the_watch_goes_on_over_a_silent_line()
     QCOMPARE(bench.answers.at(1).payload(), QByteArray("here"));
 }
 
-void tst_TransmitterLateAnswers::without_the_rule_requests_follow_each_other()
+void tst_TransmitterLateAnswers::withoutTheRuleRequestsFollowEachOther()
 {
     Bench bench;
     bench.open();

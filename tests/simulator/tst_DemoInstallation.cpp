@@ -36,7 +36,7 @@ void tst_DemoInstallation::hasTerminalsOfEveryClass()
         addresses.insert(terminal.address);
         QCOMPARE(int(terminal.infoRecord.at(0)), int(terminal.address));
         QCOMPARE(terminal.infoRecord.at(1) >> 4, terminal.channelClass);
-        QVERIFY(terminal.address < UnitState::Addresses);
+        QVERIFY(terminal.address < UnitState::addressCount);
     }
     QCOMPARE(classes, (QSet<int>{0, 1, 2, 3, 4}));
     QCOMPARE(addresses.size(), state.terminals.size());
@@ -58,8 +58,8 @@ void tst_DemoInstallation::scriptsAreWholeAndUsed()
 {
     const UnitState state = demoInstallation(1, 0, noon);
     QSet<int> active;
-    for (int number = 0; number < UnitState::Scripts; ++number) {
-        QCOMPARE(state.scripts.at(size_t(number)).size(), int(UnitState::ScriptLength));
+    for (int number = 0; number < UnitState::scriptCount; ++number) {
+        QCOMPARE(state.scripts.at(size_t(number)).size(), int(UnitState::scriptLength));
         if (state.scripts.at(size_t(number)) != UnitState::emptyScript()) {
             active.insert(number);
         }
@@ -76,7 +76,7 @@ void tst_DemoInstallation::scriptsAreWholeAndUsed()
     QVERIFY(active.size() >= 10);
 }
 
-/* The first: pulsation, five minutes, fire, channels 1 and 2, filter by address 1, 2, 4, 14, 24. */
+/// The first: pulsation, five minutes, fire, channels 1 and 2, filter by address 1, 2, 4, 14, 24.
 void tst_DemoInstallation::scriptFieldsStandInTheirPlaces()
 {
     QCOMPARE(demoInstallation(1, 0, noon).scripts.at(0).toHex(' '),

@@ -32,14 +32,14 @@ struct Fields
 
 Fields fieldsOf(const QByteArray& record)
 {
-    const auto at = [&record](int index) { return int(static_cast<quint8>(record.at(index))); };
+    const auto at = [&record](int index) { return int(quint8(record.at(index))); };
     return {at(4) >> 4, at(5), at(9), at(10), record.mid(11)};
 }
 
-/* Minutes of 2000 and later, from the packed time. */
+/// Minutes of 2000 and later, from the packed time.
 qint64 minutesOf(const QByteArray& record)
 {
-    const auto at = [&record](int index) { return int(static_cast<quint8>(record.at(index))); };
+    const auto at = [&record](int index) { return int(quint8(record.at(index))); };
     const auto bcd = [](int byte) { return (byte >> 4) * 10 + (byte & 15); };
     const int year = (at(0) & 0x80) | (at(1) & 0xC0) >> 1 | (at(2) & 0xC0) >> 3 | (at(3) & 0xE0) >> 5;
     const QDate date(2000 + bcd(year), bcd(at(3) & 0x1F), bcd(at(2) & 0x3F));

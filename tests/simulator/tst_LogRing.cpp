@@ -19,7 +19,7 @@ namespace
 {
 QByteArray record(int number)
 {
-    return QByteArray::number(number).rightJustified(LogRing::RecordSize, '0');
+    return QByteArray::number(number).rightJustified(LogRing::recordSize, '0');
 }
 
 LogRing filled(int capacity, int count)

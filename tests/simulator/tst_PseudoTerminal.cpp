@@ -33,7 +33,7 @@ private slots:
     void destructionEndsThePort();
 
 private:
-    /* A raw 8N1 port at 57600 on the near end. */
+    /// A raw 8N1 port at 57600 on the near end.
     bool open();
 
     std::unique_ptr<PseudoTerminal> pair;

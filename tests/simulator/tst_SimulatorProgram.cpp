@@ -7,7 +7,7 @@
 
 #include <csignal>
 
-/* The program as a process, its output, its exit code, its files. */
+/// The program as a process, its output, its exit code, its files.
 class tst_SimulatorProgram : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ private:
 
 namespace
 {
-constexpr int Patience = 20000;
+constexpr int patience = 20000;
 const char* const whoAreYou = "C1060100 01615C47";
 } // namespace
 
@@ -57,21 +57,21 @@ void tst_SimulatorProgram::cleanup()
 {
     if (program.state() != QProcess::NotRunning) {
         program.kill();
-        program.waitForFinished(Patience);
+        program.waitForFinished(patience);
     }
 }
 
 void tst_SimulatorProgram::start(const QStringList& arguments)
 {
     program.start(QStringLiteral(SIMULATOR_PROGRAM), arguments);
-    QVERIFY2(program.waitForStarted(Patience), qPrintable(program.errorString()));
+    QVERIFY2(program.waitForStarted(patience), qPrintable(program.errorString()));
     port = nextLine();
     QVERIFY2(port.startsWith(QLatin1String("pts/")), qPrintable(port));
 }
 
 QString tst_SimulatorProgram::nextLine()
 {
-    while (!program.canReadLine() && program.waitForReadyRead(Patience)) {
+    while (!program.canReadLine() && program.waitForReadyRead(patience)) {
     }
     return QString::fromUtf8(program.readLine()).trimmed();
 }
@@ -85,7 +85,7 @@ void tst_SimulatorProgram::send(const char* command)
 void tst_SimulatorProgram::quit()
 {
     send("quit");
-    QVERIFY(program.waitForFinished(Patience));
+    QVERIFY(program.waitForFinished(patience));
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
 }
@@ -93,7 +93,7 @@ void tst_SimulatorProgram::quit()
 void tst_SimulatorProgram::helpNamesItsOptions()
 {
     program.start(QStringLiteral(SIMULATOR_PROGRAM), {QStringLiteral("--help")});
-    QVERIFY(program.waitForFinished(Patience));
+    QVERIFY(program.waitForFinished(patience));
     QCOMPARE(program.exitCode(), 0);
     const QByteArray text = program.readAllStandardOutput();
     for (const char* const word :
@@ -110,7 +110,7 @@ void tst_SimulatorProgram::printsThePortAndAnswers()
     QVERIFY(line.setBaudRate(57600));
     line.write(QByteArray::fromHex(whoAreYou));
     QByteArray answer;
-    QTRY_COMPARE_WITH_TIMEOUT((answer += line.readAll()), QByteArray::fromHex("C20601000500671202060DAE"), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT((answer += line.readAll()), QByteArray::fromHex("C20601000500671202060DAE"), patience);
     quit();
 }
 
@@ -121,7 +121,7 @@ void tst_SimulatorProgram::unplugsAndComesBackUnderTheSameName()
     QVERIFY(line.open(QIODevice::ReadWrite));
     send("unplug");
     QCOMPARE(nextLine(), QStringLiteral("unplugged"));
-    QTRY_COMPARE_WITH_TIMEOUT(line.error(), QSerialPort::ResourceError, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(line.error(), QSerialPort::ResourceError, patience);
     line.close();
     send("plug");
     QCOMPARE(nextLine(), port);
@@ -146,12 +146,12 @@ void tst_SimulatorProgram::signalsSaveAndQuit()
 {
     start({QStringLiteral("--state"), stateFile, QStringLiteral("--blank")});
     kill(pid_t(program.processId()), SIGUSR1);
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(stateFile), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(stateFile), patience);
     QCOMPARE(program.state(), QProcess::Running);
     for (const int number : {SIGTERM, SIGINT}) {
         QVERIFY(QFile::remove(stateFile));
         kill(pid_t(program.processId()), number);
-        QVERIFY(program.waitForFinished(Patience));
+        QVERIFY(program.waitForFinished(patience));
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 0);
         QVERIFY(QFile::exists(stateFile));
@@ -193,7 +193,7 @@ void tst_SimulatorProgram::traceShowsTheTraffic()
     QVERIFY(line.open(QIODevice::ReadWrite));
     QVERIFY(line.setBaudRate(57600));
     line.write(QByteArray::fromHex(whoAreYou));
-    QVERIFY(line.waitForBytesWritten(Patience));
+    QVERIFY(line.waitForBytesWritten(patience));
     QCOMPARE(nextLine(), QStringLiteral("57600 9: c1 06 01 00 01 61 5c 47 -> c2 06 01 00 01 02 bc 1a"));
     quit();
 }
@@ -220,7 +220,7 @@ void tst_SimulatorProgram::refusesWhatMakesNoSense()
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, reason);
     program.start(QStringLiteral(SIMULATOR_PROGRAM), arguments);
-    QVERIFY(program.waitForFinished(Patience));
+    QVERIFY(program.waitForFinished(patience));
     QCOMPARE(program.exitCode(), 1);
     QVERIFY(program.readAllStandardOutput().isEmpty());
     const QByteArray text = program.readAllStandardError();
@@ -234,7 +234,7 @@ void tst_SimulatorProgram::brokenStateFileIsLeftAlone()
     file.write("address = 999\n");
     file.close();
     program.start(QStringLiteral(SIMULATOR_PROGRAM), {QStringLiteral("--state"), stateFile});
-    QVERIFY(program.waitForFinished(Patience));
+    QVERIFY(program.waitForFinished(patience));
     QCOMPARE(program.exitCode(), 1);
     QVERIFY(program.readAllStandardError().contains("line 1 makes no sense: address = 999"));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -246,10 +246,10 @@ void tst_SimulatorProgram::endOfInputDoesNotEndIt()
     start({QStringLiteral("--state"), stateFile, QStringLiteral("--blank")});
     program.closeWriteChannel();
     kill(pid_t(program.processId()), SIGUSR1);
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(stateFile), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(stateFile), patience);
     QCOMPARE(program.state(), QProcess::Running);
     program.terminate();
-    QVERIFY(program.waitForFinished(Patience));
+    QVERIFY(program.waitForFinished(patience));
     QCOMPARE(program.exitCode(), 0);
 }
 

@@ -28,7 +28,7 @@ private slots:
 
 namespace
 {
-/* Which of the first twenty requests of a type are hit. */
+/// Which of the first twenty requests of a type are hit.
 QVector<int> hits(FaultPlan& plan, int requestType, int bootType)
 {
     QVector<int> numbers;

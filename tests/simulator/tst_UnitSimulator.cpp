@@ -8,7 +8,7 @@
 
 #include <memory>
 
-/* Talks to the unit through a serial port, in bytes written out by hand. */
+/// Talks to the unit through a serial port, in bytes written out by hand.
 class tst_UnitSimulator : public QObject
 {
     Q_OBJECT
@@ -77,11 +77,11 @@ private slots:
 private:
     bool open();
     void start(const UnitState& state, UnitSimulator::Place place = UnitSimulator::OnOwnThread);
-    /* Sends a request and waits until the unit has dealt with it. */
+    /// Sends a request and waits until the unit has dealt with it.
     void tell(const QByteArray& request);
-    /* What the unit sends after `request`, as far as it is as long as `expected`. */
+    /// What the unit sends after `request`, as far as it is as long as `expected`.
     QByteArray ask(const QByteArray& request, int expectedLength);
-    /* The data of a log block, asked for again where a busy machine was too late with it. */
+    /// The data of a log block, asked for again where a busy machine was too late with it.
     QByteArray askLogBlock(const char* request, int length);
 
     std::unique_ptr<UnitSimulator> unit;
@@ -90,7 +90,7 @@ private:
 
 namespace
 {
-constexpr int Patience = 20000;
+constexpr int patience = 20000;
 
 QByteArray hex(const char* text)
 {
@@ -121,13 +121,13 @@ const char* const bootStart = "FA 03 01 59 CB";
 const char* const bootOk = "FA 03 00 D0 DA";
 const char* const bootWriteError = "FA 03 01 59 CB";
 
-/* The same sum as in the unit, counted in the plainest way. */
+/// The same sum as in the unit, counted in the plainest way.
 QByteArray withChecksum(const QByteArray& bytes, int from)
 {
     quint16 sum = 0xFFFF;
     const QByteArray summed = bytes.mid(from);
     for (const char byte : summed) {
-        sum ^= static_cast<quint8>(byte);
+        sum ^= quint8(byte);
         for (int bit = 0; bit < 8; ++bit) {
             sum = quint16((sum & 1) != 0 ? (sum >> 1) ^ 0x8408 : sum >> 1);
         }
@@ -140,16 +140,16 @@ QByteArray bootBlock(int number, const QByteArray& content)
     return withChecksum(QByteArray("\xFA") + char(content.size() + 4) + '\x05' + char(number) + content, 1);
 }
 
-/* The data of an answer without reserved bytes. */
+/// The data of an answer without reserved bytes.
 QByteArray dataOf(const QByteArray& answer)
 {
     return answer.mid(6, answer.size() - 8);
 }
 
-/* Record n of a log, of plain digits. */
+/// Record n of a log, of plain digits.
 QByteArray record(int number)
 {
-    return QByteArray::number(number).rightJustified(LogRing::RecordSize, '0');
+    return QByteArray::number(number).rightJustified(LogRing::recordSize, '0');
 }
 
 UnitState withLog(int capacity, int count)
@@ -203,7 +203,7 @@ QByteArray tst_UnitSimulator::ask(const QByteArray& request, int expectedLength)
     QByteArray answer;
     QElapsedTimer time;
     time.start();
-    while (answer.size() < expectedLength && !time.hasExpired(Patience)) {
+    while (answer.size() < expectedLength && !time.hasExpired(patience)) {
         QTest::qWait(0);
         port->waitForReadyRead(5);
         answer += port->readAll();
@@ -229,7 +229,7 @@ void tst_UnitSimulator::tell(const QByteArray& request)
 {
     const int before = unit->requestCount();
     port->write(request);
-    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(), before + 1, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(), before + 1, patience);
 }
 
 #define COMPARE_ANSWER(request, expected)                                                                              \
@@ -326,7 +326,7 @@ void tst_UnitSimulator::numbersItsRequests_data()
     device(20, "C1 06 01 00 02 54 05 7D E8");
     device(21, "C1 06 01 00 02 94 05 D7 22");
     device(22, "C1 06 01 00 01 6F 22 AE");
-    device(UnitRequest::UnknownRequest, "C1 06 01 00 01 77 EB 32");
+    device(UnitRequest::unknownRequest, "C1 06 01 00 01 77 EB 32");
     boot(1, hex(bootStart));
     boot(2, hex(bootHello));
     boot(3, hex(bootErase));
@@ -342,7 +342,7 @@ void tst_UnitSimulator::numbersItsRequests()
     QFETCH(int, requestType);
     QFETCH(int, bootType);
     port->write(request);
-    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(), 1, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(), 1, patience);
     QCOMPARE(unit->requests().first().requestType, requestType);
     QCOMPARE(unit->requests().first().bootType, bootType);
     if (requestType != 0) {
@@ -368,7 +368,7 @@ void tst_UnitSimulator::staysSilent_data()
     QTest::newRow("half a request") << hex("C1 06 01 00");
 }
 
-/* The next request gets its answer and nothing else comes. */
+/// The next request gets its answer and nothing else comes.
 void tst_UnitSimulator::staysSilent()
 {
     QFETCH(QByteArray, request);
@@ -379,7 +379,7 @@ void tst_UnitSimulator::answersAtItsRatesOnly()
 {
     unit->change([](UnitState& state) { state.baudRates = {9600}; });
     port->write(hex(whoAreYou));
-    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(9), 1, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(9), 1, patience);
     QVERIFY(port->setBaudRate(9600));
     COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
 
@@ -411,7 +411,7 @@ void tst_UnitSimulator::requestsMayComeInPieces()
     const QByteArray request = hex(whoAreYou);
     for (int cut = 1; cut < request.size(); ++cut) {
         port->write(request.left(cut));
-        QVERIFY(port->waitForBytesWritten(Patience));
+        QVERIFY(port->waitForBytesWritten(patience));
         COMPARE_ANSWER(request.mid(cut), hex(itIsMe));
     }
 }
@@ -499,7 +499,7 @@ void tst_UnitSimulator::logComesNewestBlockFirst()
     const QByteArray information = dataOf(ask(hex("C1 86 01 00 02 06 00 35 5A"), 12));
     QCOMPARE(int(information.at(0)), capacity);
     QCOMPARE(int(information.at(2)), written > capacity ? written % capacity : written);
-    QCOMPARE(static_cast<quint8>(information.at(3)), quint8(written > capacity ? 0x80 : 0));
+    QCOMPARE(quint8(information.at(3)), quint8(written > capacity ? 0x80 : 0));
 }
 
 void tst_UnitSimulator::logReadingIsNotDisturbedByNewEvents()
@@ -539,14 +539,14 @@ void tst_UnitSimulator::lostLogBlock()
     unit->setFaults({UnitFault(UnitFault::LoseAnswer).onRequest(3).from(2).times(1)});
     QCOMPARE(dataOf(ask(hex(logFirst), 72)), record(9) + record(10) + record(11) + record(12));
     port->write(hex(logNext));
-    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(3), 2, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(3), 2, patience);
     QCOMPARE(dataOf(ask(hex(logNext), 72)), afterTheLoss);
 }
 
 void tst_UnitSimulator::logGrowsWhileRunning()
 {
     unit->growLog(1, 5);
-    QTRY_VERIFY_WITH_TIMEOUT(unit->state().log.size() >= 5, Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(unit->state().log.size() >= 5, patience);
     unit->growLog(0);
     const int size = unit->state().log.size();
     COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
@@ -638,7 +638,7 @@ void tst_UnitSimulator::powerLostInTheBootloaderComesBackThere()
     COMPARE_ANSWER(hex(bootBegin), hex(bootOk));
     COMPARE_ANSWER(bootBlock(0, block), hex(bootOk));
     port->write(bootBlock(1, block));
-    QTRY_COMPARE_WITH_TIMEOUT(unit->bootRequestCount(5), 2, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->bootRequestCount(5), 2, patience);
     // Dead first, then there again: sooner or later it greets.
     QByteArray answer;
     for (int attempt = 0; attempt < 1000 && !answer.contains(hex(bootOk)); ++attempt) {
@@ -650,7 +650,7 @@ void tst_UnitSimulator::powerLostInTheBootloaderComesBackThere()
     QVERIFY(unit->state().inBootloader);
     // The run has to begin again. Answers to the greetings may still come before this one.
     port->write(bootBlock(1, block));
-    QTRY_VERIFY_WITH_TIMEOUT((answer += port->readAll()).endsWith(hex(bootWriteError)), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT((answer += port->readAll()).endsWith(hex(bootWriteError)), patience);
 }
 
 void tst_UnitSimulator::bootloaderKnowsOneRateOnly()
@@ -660,7 +660,7 @@ void tst_UnitSimulator::bootloaderKnowsOneRateOnly()
     start(state);
     QVERIFY(port->setBaudRate(9600));
     port->write(hex(bootHello));
-    QTRY_COMPARE_WITH_TIMEOUT(unit->bootRequestCount(2), 1, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->bootRequestCount(2), 1, patience);
     QVERIFY(!unit->requests().first().heard);
     QVERIFY(port->setBaudRate(57600));
     COMPARE_ANSWER(hex(bootHello), hex(bootOk));
@@ -689,7 +689,7 @@ void tst_UnitSimulator::faults_data()
     row("late", UnitFault(UnitFault::DelayAnswer).value(5), itIsMe);
 }
 
-/* The second of three requests is hit. */
+/// The second of three requests is hit.
 void tst_UnitSimulator::faults()
 {
     QFETCH(UnitFault, fault);
@@ -733,8 +733,8 @@ void tst_UnitSimulator::changedAnswerHasARightChecksum()
     QCOMPARE(right, QByteArray(20, '\x09'));
     for (int count = 0; count < 5; ++count) {
         port->write(hex(readOutput51));
-        QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(), count + 2, Patience);
-        QTRY_VERIFY_WITH_TIMEOUT(!unit->requests().last().answer.isEmpty(), Patience);
+        QTRY_COMPARE_WITH_TIMEOUT(unit->requestCount(), count + 2, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!unit->requests().last().answer.isEmpty(), patience);
         QByteArray frame = unit->requests().last().answer.left(1);
         const QByteArray stuffed = unit->requests().last().answer.mid(1);
         for (int index = 0; index < stuffed.size(); ++index) {
@@ -759,7 +759,7 @@ void tst_UnitSimulator::damagedAnswerDiffersInOneBit()
         QCOMPARE(wrong.size(), right.size());
         uint bits = 0;
         for (int index = 0; index < right.size(); ++index) {
-            bits += qPopulationCount(static_cast<quint8>(right.at(index) ^ wrong.at(index)));
+            bits += qPopulationCount(quint8(right.at(index) ^ wrong.at(index)));
         }
         QCOMPARE(bits, 1U);
     }
@@ -773,7 +773,7 @@ void tst_UnitSimulator::splitAnswerComesInPieces()
     QElapsedTimer time;
     time.start();
     port->write(hex(whoAreYou));
-    while (answer.size() < hex(itIsMe).size() && port->waitForReadyRead(Patience)) {
+    while (answer.size() < hex(itIsMe).size() && port->waitForReadyRead(patience)) {
         answer += port->readAll();
         ++pieces;
     }
@@ -824,8 +824,8 @@ void tst_UnitSimulator::unplugsAtTheNthRequestAndComesBack()
     COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
     COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
     port->write(hex(whoAreYou));
-    QTRY_COMPARE_WITH_TIMEOUT(port->error(), QSerialPort::ResourceError, Patience);
-    QTRY_COMPARE_WITH_TIMEOUT(changes.size(), 2, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(port->error(), QSerialPort::ResourceError, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(changes.size(), 2, patience);
     QCOMPARE(changes.at(0).at(0).toBool(), false);
     QCOMPARE(changes.at(1).at(0).toBool(), true);
     QVERIFY2(open(), qPrintable(port->errorString()));
@@ -838,7 +838,7 @@ void tst_UnitSimulator::unplugsWithinAnAnswer()
 {
     unit->setFaults({UnitFault(UnitFault::Unplug).amount(5).times(1)});
     port->write(hex(writeOutput51));
-    QTRY_COMPARE_WITH_TIMEOUT(unit->isPluggedIn(), false, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(unit->isPluggedIn(), false, patience);
     QVERIFY(unit->requests().first().heard);
     QVERIFY(unit->plugIn());
     QVERIFY2(open(), qPrintable(port->errorString()));
@@ -850,7 +850,7 @@ void tst_UnitSimulator::staysUnpluggedUntilPluggedIn()
     const QString name = unit->portName();
     unit->unplug();
     QVERIFY(!unit->isPluggedIn());
-    QTRY_COMPARE_WITH_TIMEOUT(port->error(), QSerialPort::ResourceError, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(port->error(), QSerialPort::ResourceError, patience);
     QVERIFY(!open());
     QVERIFY(unit->plugIn());
     QCOMPARE(unit->portName(), name);
@@ -877,7 +877,7 @@ void tst_UnitSimulator::keepsThePaceOfTheWire()
     unit->change([rate](UnitState& state) { state.baudRates = {rate}; });
     unit->setPace(UnitSimulator::OfTheWire, thinkingTime);
     QVERIFY(port->setBaudRate(rate));
-    double quickest = Patience;
+    double quickest = patience;
     for (int count = 0; count < 10; ++count) {
         QElapsedTimer time;
         time.start();
@@ -900,14 +900,14 @@ void tst_UnitSimulator::requestsAreRecordedWithTheirTime()
     QVERIFY(requests.at(1).received <= after);
 }
 
-/* This thread never returns to its event loop while the unit answers. */
+/// This thread never returns to its event loop while the unit answers.
 void tst_UnitSimulator::answersWhileTheOwnerIsBusy()
 {
     const QByteArray expected = hex(itIsMe);
     for (int count = 0; count < 20; ++count) {
         port->write(hex(whoAreYou));
         QByteArray answer;
-        while (answer.size() < expected.size() && port->waitForReadyRead(Patience)) {
+        while (answer.size() < expected.size() && port->waitForReadyRead(patience)) {
             answer += port->readAll();
         }
         QCOMPARE(answer, expected);
@@ -936,9 +936,9 @@ void tst_UnitSimulator::requestGivenUpIsDoneButNotAnswered()
     QVERIFY(port->setBaudRate(1200));
     port->write(hex(readScript0));
     QByteArray answer;
-    QTRY_VERIFY_WITH_TIMEOUT(!(answer += port->readAll()).isEmpty(), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!(answer += port->readAll()).isEmpty(), patience);
     port->write(hex(whoAreYou));
-    QTRY_VERIFY_WITH_TIMEOUT((answer += port->readAll()).endsWith(hex(itIsMe)), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT((answer += port->readAll()).endsWith(hex(itIsMe)), patience);
     QVERIFY2(answer.size() < hex(scriptEmpty).size() + hex(itIsMe).size(), answer.toHex(' ').constData());
 }
 
@@ -956,9 +956,9 @@ void tst_UnitSimulator::givenUpLogBlockCountsAsLost()
     QCOMPARE(askLogBlock(logFirst, 64), record(9) + record(10) + record(11) + record(12));
     port->write(hex(logNext));
     QByteArray begin;
-    QTRY_VERIFY_WITH_TIMEOUT(!(begin += port->readAll()).isEmpty(), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!(begin += port->readAll()).isEmpty(), patience);
     tell(hex(whoAreYou));
-    QTRY_VERIFY_WITH_TIMEOUT((begin += port->readAll()).endsWith(hex(itIsMe)), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT((begin += port->readAll()).endsWith(hex(itIsMe)), patience);
     QCOMPARE(askLogBlock(logNext, 64), record(5) + record(6) + record(7) + record(8));
 }
 

@@ -3,19 +3,17 @@
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
 #include "simulator/UnitSimulator.h"
+#include "support/Eventually.h"
 #include "support/ScriptedDialogs.h"
 #include "texts/texts.h"
 #include "ui/window/MainWindow.h"
 
 #include <QAction>
-#include <QEventLoop>
 #include <QLabel>
 #include <QString>
 #include <QStringList>
-#include <QTimer>
 
 #include <algorithm>
-#include <functional>
 #include <memory>
 
 /// The main window over a simulated unit, its only port, with what tests ask of the two.
@@ -61,27 +59,11 @@ public:
         return window->findChild<FormWaiting*>()->isVisible();
     }
 
-    /// Runs the event loop until something holds. QTest's own waiting sleeps between its turns, which slows down a
-    /// sequence of a hundred exchanges by a second.
-    static bool waitUntil(const std::function<bool()>& holds, int timeout)
-    {
-        QEventLoop loop;
-        QTimer poll;
-        QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-            if (holds()) {
-                loop.quit();
-            }
-        });
-        poll.start(2);
-        QTimer::singleShot(timeout, &loop, [&] { loop.exit(1); });
-        return loop.exec() == 0;
-    }
-
     /// Waits until the coordinator form has told one of the texts, which are searched for, and the busy form is gone.
     bool waitFor(const QStringList& anyOf, int timeout = 60000) const
     {
         const auto isTold = [&](const QString& text) { return !told.filter(text).isEmpty(); };
-        return waitUntil([&] { return std::any_of(anyOf.cbegin(), anyOf.cend(), isTold) && !isBusy(); }, timeout);
+        return eventually([&] { return std::any_of(anyOf.cbegin(), anyOf.cend(), isTold) && !isBusy(); }, timeout);
     }
     bool waitForChain(int timeout = 60000) const
     {

@@ -15,10 +15,10 @@ private slots:
     void init();
     void cleanup();
 
-    void the_title_takes_the_colour();
-    void an_empty_dock_takes_the_colour_as_well();
-    void what_stands_in_the_dock_is_not_styled_anew();
-    void what_stands_in_the_dock_can_be_styled_afterwards();
+    void theTitleTakesTheColour();
+    void anEmptyDockTakesTheColourAsWell();
+    void whatStandsInTheDockIsNotStyledAnew();
+    void whatStandsInTheDockCanBeStyledAfterwards();
 
 private:
     QColor titleColor() const;
@@ -63,7 +63,7 @@ QColor tst_DockTitle::labelColor() const
     return window->grab().toImage().pixelColor(label->mapTo(window, label->rect().center()));
 }
 
-void tst_DockTitle::the_title_takes_the_colour()
+void tst_DockTitle::theTitleTakesTheColour()
 {
     QCOMPARE(titleColor(), QColor(220, 220, 220));
     for (const QColor& color : {QColor(0, 200, 0), QColor(200, 0, 0), QColor(200, 0, 0), QColor(0, 200, 0)}) {
@@ -74,7 +74,7 @@ void tst_DockTitle::the_title_takes_the_colour()
     }
 }
 
-void tst_DockTitle::an_empty_dock_takes_the_colour_as_well()
+void tst_DockTitle::anEmptyDockTakesTheColourAsWell()
 {
     QDockWidget empty;
     dockTitle::setBackground(&empty, QStringLiteral("rgb(1, 2, 3)"));
@@ -82,7 +82,7 @@ void tst_DockTitle::an_empty_dock_takes_the_colour_as_well()
     QCOMPARE(empty.styleSheet(), look::dockTitleStyle(QStringLiteral("rgb(4, 5, 6)")));
 }
 
-void tst_DockTitle::what_stands_in_the_dock_is_not_styled_anew()
+void tst_DockTitle::whatStandsInTheDockIsNotStyledAnew()
 {
     class Events : public QObject
     {
@@ -107,7 +107,7 @@ void tst_DockTitle::what_stands_in_the_dock_is_not_styled_anew()
     QCOMPARE(events.count, 0);
 }
 
-void tst_DockTitle::what_stands_in_the_dock_can_be_styled_afterwards()
+void tst_DockTitle::whatStandsInTheDockCanBeStyledAfterwards()
 {
     dockTitle::setBackground(dock, QStringLiteral("rgb(0, 200, 0)"));
     label->setStyleSheet(QStringLiteral("background-color: rgb(255, 0, 0)"));

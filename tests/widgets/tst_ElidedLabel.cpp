@@ -16,17 +16,17 @@ private slots:
         QToolTip::hideText();
     }
 
-    void asks_for_the_room_of_its_text_and_needs_none();
-    void long_text_ends_in_an_ellipsis();
-    void ellipsis_stands_where_it_is_set();
-    void wrapped_text_breaks_between_words();
-    void word_that_is_longer_than_a_line_is_broken();
-    void wrapped_text_without_room_is_elided_in_the_middle();
-    void formatted_text_is_shown_by_its_letters();
-    void markup_is_drawn_as_text();
-    void cut_text_is_whole_in_the_tooltip();
-    void text_that_fits_has_no_tooltip();
-    void own_tooltip_comes_first();
+    void asksForTheRoomOfItsTextAndNeedsNone();
+    void longTextEndsInAnEllipsis();
+    void ellipsisStandsWhereItIsSet();
+    void wrappedTextBreaksBetweenWords();
+    void wordThatIsLongerThanALineIsBroken();
+    void wrappedTextWithoutRoomIsElidedInTheMiddle();
+    void formattedTextIsShownByItsLetters();
+    void markupIsDrawnAsText();
+    void cutTextIsWholeInTheTooltip();
+    void textThatFitsHasNoTooltip();
+    void ownTooltipComesFirst();
 
 private:
     static QImage picture(QLabel& label)
@@ -44,7 +44,7 @@ private:
     }
 };
 
-void tst_ElidedLabel::asks_for_the_room_of_its_text_and_needs_none()
+void tst_ElidedLabel::asksForTheRoomOfItsTextAndNeedsNone()
 {
     ElidedLabel label;
     label.setText(QStringLiteral("Terminal"));
@@ -54,7 +54,7 @@ void tst_ElidedLabel::asks_for_the_room_of_its_text_and_needs_none()
     QCOMPARE(label.minimumSizeHint(), QSize(0, metrics.height() + 10));
 }
 
-void tst_ElidedLabel::long_text_ends_in_an_ellipsis()
+void tst_ElidedLabel::longTextEndsInAnEllipsis()
 {
     ElidedLabel cut;
     cut.setText(QStringLiteral("one two three four five"));
@@ -67,7 +67,7 @@ void tst_ElidedLabel::long_text_ends_in_an_ellipsis()
     QCOMPARE(cut.text(), QStringLiteral("one two three four five"));
 }
 
-void tst_ElidedLabel::ellipsis_stands_where_it_is_set()
+void tst_ElidedLabel::ellipsisStandsWhereItIsSet()
 {
     ElidedLabel cut;
     cut.setElideMode(Qt::ElideMiddle);
@@ -80,7 +80,7 @@ void tst_ElidedLabel::ellipsis_stands_where_it_is_set()
     QCOMPARE(picture(cut), picture(shown).copy(cut.rect()));
 }
 
-void tst_ElidedLabel::wrapped_text_breaks_between_words()
+void tst_ElidedLabel::wrappedTextBreaksBetweenWords()
 {
     ElidedLabel wrapped;
     wrapped.setWordWrap(true);
@@ -95,7 +95,7 @@ void tst_ElidedLabel::wrapped_text_breaks_between_words()
     QVERIFY(!wrapped.hasHeightForWidth());
 }
 
-void tst_ElidedLabel::word_that_is_longer_than_a_line_is_broken()
+void tst_ElidedLabel::wordThatIsLongerThanALineIsBroken()
 {
     ElidedLabel wrapped;
     wrapped.setWordWrap(true);
@@ -111,7 +111,7 @@ void tst_ElidedLabel::word_that_is_longer_than_a_line_is_broken()
     QVERIFY(!QToolTip::isVisible());
 }
 
-void tst_ElidedLabel::wrapped_text_without_room_is_elided_in_the_middle()
+void tst_ElidedLabel::wrappedTextWithoutRoomIsElidedInTheMiddle()
 {
     ElidedLabel wrapped;
     wrapped.setWordWrap(true);
@@ -140,7 +140,7 @@ void tst_ElidedLabel::wrapped_text_without_room_is_elided_in_the_middle()
     QCOMPARE(tip.toPlainText().remove(QChar(0x200B)), text);
 }
 
-void tst_ElidedLabel::formatted_text_is_shown_by_its_letters()
+void tst_ElidedLabel::formattedTextIsShownByItsLetters()
 {
     ElidedLabel formatted;
     formatted.setTextFormat(Qt::AutoText);
@@ -153,7 +153,7 @@ void tst_ElidedLabel::formatted_text_is_shown_by_its_letters()
     QCOMPARE(formatted.sizeHint(), plain.sizeHint());
 }
 
-void tst_ElidedLabel::markup_is_drawn_as_text()
+void tst_ElidedLabel::markupIsDrawnAsText()
 {
     ElidedLabel marked;
     marked.setText(QStringLiteral("<b>a</b>"));
@@ -165,7 +165,7 @@ void tst_ElidedLabel::markup_is_drawn_as_text()
     QVERIFY(picture(marked) != picture(plain));
 }
 
-void tst_ElidedLabel::cut_text_is_whole_in_the_tooltip()
+void tst_ElidedLabel::cutTextIsWholeInTheTooltip()
 {
     ElidedLabel label;
     label.setText(QStringLiteral("<i> & ") + QString(30, QLatin1Char('x')));
@@ -178,7 +178,7 @@ void tst_ElidedLabel::cut_text_is_whole_in_the_tooltip()
     QCOMPARE(shown.toPlainText(), label.text());
 }
 
-void tst_ElidedLabel::text_that_fits_has_no_tooltip()
+void tst_ElidedLabel::textThatFitsHasNoTooltip()
 {
     ElidedLabel label;
     label.setText(QStringLiteral("x"));
@@ -188,7 +188,7 @@ void tst_ElidedLabel::text_that_fits_has_no_tooltip()
     QVERIFY(!QToolTip::isVisible());
 }
 
-void tst_ElidedLabel::own_tooltip_comes_first()
+void tst_ElidedLabel::ownTooltipComesFirst()
 {
     ElidedLabel label;
     label.setText(QString(60, QLatin1Char('x')));

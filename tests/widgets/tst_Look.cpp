@@ -10,21 +10,21 @@ class tst_Look : public QObject
     Q_OBJECT
 
 private slots:
-    void colours_have_four_parts();
-    void combos_wear_their_row_and_are_red_without();
-    void equal_style_sheets_are_not_set_again();
-    void rich_text_shows_what_was_typed_data();
-    void rich_text_shows_what_was_typed();
-    void long_words_may_be_broken();
+    void coloursHaveFourParts();
+    void combosWearTheirRowAndAreRedWithout();
+    void equalStyleSheetsAreNotSetAgain();
+    void richTextShowsWhatWasTyped_data();
+    void richTextShowsWhatWasTyped();
+    void longWordsMayBeBroken();
 };
 
-void tst_Look::colours_have_four_parts()
+void tst_Look::coloursHaveFourParts()
 {
     QCOMPARE(look::rgba(QColor(0, 255, 17, 150)), QStringLiteral("rgba(0, 255, 17, 150)"));
     QCOMPARE(look::rgba(QColor(240, 240, 240)), QStringLiteral("rgba(240, 240, 240, 255)"));
 }
 
-void tst_Look::combos_wear_their_row_and_are_red_without()
+void tst_Look::combosWearTheirRowAndAreRedWithout()
 {
     const QString begin = QStringLiteral("combobox-popup: 0; selection-color: black; "
                                          "selection-background-color: rgba(0,0,0,20);background-color: ");
@@ -35,7 +35,7 @@ void tst_Look::combos_wear_their_row_and_are_red_without()
     QCOMPARE(look::comboProperties(&combo, 1), begin + QStringLiteral("rgba(1, 2, 3, 4);"));
 }
 
-void tst_Look::equal_style_sheets_are_not_set_again()
+void tst_Look::equalStyleSheetsAreNotSetAgain()
 {
     struct Label : public QLabel
     {
@@ -58,7 +58,7 @@ void tst_Look::equal_style_sheets_are_not_set_again()
     QCOMPARE(label.changes, once);
 }
 
-void tst_Look::rich_text_shows_what_was_typed_data()
+void tst_Look::richTextShowsWhatWasTyped_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("plain") << QStringLiteral("Fan 1");
@@ -67,7 +67,7 @@ void tst_Look::rich_text_shows_what_was_typed_data()
     QTest::newRow("pairs of surrogates") << QStringLiteral("\U0001F525").repeated(50);
 }
 
-void tst_Look::rich_text_shows_what_was_typed()
+void tst_Look::richTextShowsWhatWasTyped()
 {
     QFETCH(QString, text);
     QTextDocument document;
@@ -75,7 +75,7 @@ void tst_Look::rich_text_shows_what_was_typed()
     QCOMPARE(document.toPlainText().remove(QChar(0x200B)), text);
 }
 
-void tst_Look::long_words_may_be_broken()
+void tst_Look::longWordsMayBeBroken()
 {
     const auto widthNeeded = [](const QString& html) {
         QTextDocument document;

@@ -48,8 +48,8 @@ PacketLogger::PacketLogger(QTableWidget* table_, QPushButton* stopButton_, QPush
     table->setHorizontalHeaderLabels(
         {texts::loggerTimeOfRequest(), texts::loggerRequest(), texts::loggerTimeOfAnswer(), texts::loggerAnswer()});
     table->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
-    for (int column = 0; column < static_cast<int>(columnWidths.size()); ++column) {
-        table->setColumnWidth(column, columnWidths.at(static_cast<std::size_t>(column)));
+    for (int column = 0; column < int(columnWidths.size()); ++column) {
+        table->setColumnWidth(column, columnWidths.at(std::size_t(column)));
     }
     table->horizontalHeader()->setStretchLastSection(true);
 

@@ -95,7 +95,7 @@ void SpecialDateFrame::sl_spinBoxDay_valueChanged(int arg)
 
 void SpecialDateFrame::sl_comboMonth_currentIndexChanged(int arg)
 {
-    if (arg >= 0 && arg < static_cast<int>(std::size(monthLengths))) {
+    if (arg >= 0 && arg < int(std::size(monthLengths))) {
         maxDay = monthLengths[arg];
     }
     if (day() > maxDay) {

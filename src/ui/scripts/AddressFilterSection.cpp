@@ -34,8 +34,8 @@ void AddressFilterSection::addButton(const QString& text, int address, int index
 {
     AddressButton entry;
     entry.button = new QPushButton(text, ui.F_Address);
-    entry.address = static_cast<quint8>(address);
-    entry.index = static_cast<quint8>(index);
+    entry.address = quint8(address);
+    entry.index = quint8(index);
     entry.button->setFixedHeight(diameter);
     if (address == 0) {
         entry.button->setObjectName(QStringLiteral("ButtonAddressHUBN"));

@@ -36,7 +36,8 @@ QString channelSheet(unsigned char state)
 
 TriggerSection::TriggerSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent)
     : ScriptSection(form, parent), allStates(model.stateChannels()), terminalStates(model.terminalStates()),
-      states(fill(form.comboStateChannel, allStates + ParamItems{scriptRules::makeOtherState(ParamItem::NotActive)})),
+      states(
+          fill(form.comboStateChannel, allStates + ParamItems{scriptRules::makeOtherState(ParamItem::notActiveCode)})),
       families{{StateKind::Button, form.comboBoxPNB, form.F_PNB},
                {StateKind::Analog, form.comboBoxAnalog, form.comboBoxAnalog}}
 {
@@ -147,7 +148,7 @@ void TriggerSection::stateChosen(int index)
     if (!script) {
         startFurtherControls(kind);
     } else if (editing() && state) {
-        const auto code = static_cast<quint8>(ui.spinBoxOtherStateChannel->value());
+        const auto code = quint8(ui.spinBoxOtherStateChannel->value());
         setState(kind == StateKind::Other ? scriptRules::makeOtherState(code) : state, TypeFilter::SwitchOffIfUnfit);
     }
 }
@@ -192,7 +193,7 @@ void TriggerSection::setOtherCode(int code)
         return;
     }
     if (scriptRules::kindOf(script->stateChannel) == StateKind::Other) {
-        script->stateChannel->code = static_cast<quint8>(code);
+        script->stateChannel->code = quint8(code);
     }
     scriptRules::updateTrigger(*script);
     emit edited();

@@ -129,7 +129,7 @@ void TypeFilterSection::showNumbers()
     for (const Number& number : numbers) {
         number.field->setValue(filter.*number.number);
         if (ownNumbers()) {
-            filter.*number.number = static_cast<quint8>(number.field->value());
+            filter.*number.number = quint8(number.field->value());
         }
     }
 }
@@ -203,7 +203,7 @@ void TypeFilterSection::setNumber(QSpinBox* field, int value)
         return;
     }
     if (ownNumbers()) {
-        (*script->terminalFilter).*number.number = static_cast<quint8>(value);
+        (*script->terminalFilter).*number.number = quint8(value);
     }
     emit filterChanged();
 }

@@ -146,7 +146,7 @@ QStringList FormAddingTerminal::freeAddresses() const
 {
     QStringList addresses;
     for (int address = 0; address < addressCount; ++address) {
-        if (!relayInfo->findGroup(static_cast<quint16>(address))) {
+        if (!relayInfo->findGroup(quint16(address))) {
             addresses.append(QString::number(address));
         }
     }

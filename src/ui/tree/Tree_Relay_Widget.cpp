@@ -285,7 +285,7 @@ void Tree_Relay_Widget::workOn(const RelayInformationPtr& relay, const GroupRela
 void Tree_Relay_Widget::sl_CreateNewGroupAndRelays(const QString& nameGroup, short addressGroup,
                                                    const QStringList& namesRelays)
 {
-    currentGroup = m_info->addGroup(nameGroup, static_cast<quint16>(addressGroup));
+    currentGroup = m_info->addGroup(nameGroup, quint16(addressGroup));
     for (const QString& name : namesRelays) {
         m_info->addOutput(currentGroup, name);
     }

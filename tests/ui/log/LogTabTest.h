@@ -19,8 +19,8 @@ inline QByteArray record(int number)
 {
     QByteArray data = QByteArray::fromHex("375425091110203200010700000000");
     data.append('\0');
-    data[7] = static_cast<char>(number >> 8);
-    data[8] = static_cast<char>(number);
+    data[7] = char(number >> 8);
+    data[8] = char(number);
     return data;
 }
 

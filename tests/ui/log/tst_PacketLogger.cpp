@@ -35,25 +35,25 @@ private slots:
     void init();
     void cleanup();
 
-    void the_table_looks_as_it_should();
-    void controls_carry_their_captions();
-    void request_fills_the_first_two_columns_of_a_new_top_row();
-    void bytes_are_written_in_two_lower_case_digits_and_a_blank_each_data();
-    void bytes_are_written_in_two_lower_case_digits_and_a_blank_each();
-    void answer_goes_to_the_top_row();
-    void a_second_answer_replaces_the_first();
-    void no_bytes_are_told_as_no_answer();
-    void an_answer_without_any_row_is_lost();
-    void stop_leaves_out_request_and_answer();
-    void a_stop_between_request_and_answer_loses_the_answer();
-    void the_stop_button_changes_its_caption();
-    void periodic_packets_can_be_left_out();
-    void a_filtered_answer_leaves_the_cells_empty();
-    void a_periodic_answer_does_not_overwrite_an_operation();
-    void the_newest_2000_requests_are_kept();
-    void clearing_keeps_the_rows_and_they_count();
-    void packets_of_another_port_go_above_the_old_ones();
-    void a_packet_into_a_full_table_is_quick();
+    void theTableLooksAsItShould();
+    void controlsCarryTheirCaptions();
+    void requestFillsTheFirstTwoColumnsOfANewTopRow();
+    void bytesAreWrittenInTwoLowerCaseDigitsAndABlankEach_data();
+    void bytesAreWrittenInTwoLowerCaseDigitsAndABlankEach();
+    void answerGoesToTheTopRow();
+    void aSecondAnswerReplacesTheFirst();
+    void noBytesAreToldAsNoAnswer();
+    void anAnswerWithoutAnyRowIsLost();
+    void stopLeavesOutRequestAndAnswer();
+    void aStopBetweenRequestAndAnswerLosesTheAnswer();
+    void theStopButtonChangesItsCaption();
+    void periodicPacketsCanBeLeftOut();
+    void aFilteredAnswerLeavesTheCellsEmpty();
+    void aPeriodicAnswerDoesNotOverwriteAnOperation();
+    void theNewest2000RequestsAreKept();
+    void clearingKeepsTheRowsAndTheyCount();
+    void packetsOfAnotherPortGoAboveTheOldOnes();
+    void aPacketIntoAFullTableIsQuick();
 
 private:
     QString cell(int row, int column) const
@@ -88,7 +88,7 @@ void tst_PacketLogger::cleanup()
     table.reset();
 }
 
-void tst_PacketLogger::the_table_looks_as_it_should()
+void tst_PacketLogger::theTableLooksAsItShould()
 {
     QCOMPARE(table->columnCount(), 4);
     const QStringList headers{QStringLiteral("Time of request"), QStringLiteral("Request"),
@@ -110,13 +110,13 @@ void tst_PacketLogger::the_table_looks_as_it_should()
     QCOMPARE(table->rowCount(), 0);
 }
 
-void tst_PacketLogger::controls_carry_their_captions()
+void tst_PacketLogger::controlsCarryTheirCaptions()
 {
     QCOMPARE(stopButton->text(), QStringLiteral("Stop"));
     QCOMPARE(clearButton->text(), QStringLiteral("Clear"));
 }
 
-void tst_PacketLogger::request_fills_the_first_two_columns_of_a_new_top_row()
+void tst_PacketLogger::requestFillsTheFirstTwoColumnsOfANewTopRow()
 {
     logger->logRequest(someTime(), QByteArrayLiteral("\x01"), false);
     logger->logRequest(someTime().addMSecs(1), QByteArrayLiteral("\x02"), false);
@@ -129,7 +129,7 @@ void tst_PacketLogger::request_fills_the_first_two_columns_of_a_new_top_row()
     QCOMPARE(cell(1, 1), QStringLiteral("01 "));
 }
 
-void tst_PacketLogger::bytes_are_written_in_two_lower_case_digits_and_a_blank_each_data()
+void tst_PacketLogger::bytesAreWrittenInTwoLowerCaseDigitsAndABlankEach_data()
 {
     QTest::addColumn<QByteArray>("packet");
     QTest::addColumn<QString>("text");
@@ -139,7 +139,7 @@ void tst_PacketLogger::bytes_are_written_in_two_lower_case_digits_and_a_blank_ea
     QTest::newRow("one byte") << QByteArray::fromHex("0A") << "0a ";
 }
 
-void tst_PacketLogger::bytes_are_written_in_two_lower_case_digits_and_a_blank_each()
+void tst_PacketLogger::bytesAreWrittenInTwoLowerCaseDigitsAndABlankEach()
 {
     QFETCH(const QByteArray, packet);
     QFETCH(const QString, text);
@@ -149,7 +149,7 @@ void tst_PacketLogger::bytes_are_written_in_two_lower_case_digits_and_a_blank_ea
     QCOMPARE(cell(0, 3), text);
 }
 
-void tst_PacketLogger::answer_goes_to_the_top_row()
+void tst_PacketLogger::answerGoesToTheTopRow()
 {
     logger->logRequest(someTime(), bytes(1), false);
     logger->logRequest(someTime(), bytes(2), false);
@@ -159,7 +159,7 @@ void tst_PacketLogger::answer_goes_to_the_top_row()
     QCOMPARE(cell(1, 3), QString());
 }
 
-void tst_PacketLogger::a_second_answer_replaces_the_first()
+void tst_PacketLogger::aSecondAnswerReplacesTheFirst()
 {
     logger->logRequest(someTime(), bytes(1), false);
     logger->logAnswer(someTime(), QByteArrayLiteral("\x10"), false);
@@ -168,7 +168,7 @@ void tst_PacketLogger::a_second_answer_replaces_the_first()
     QCOMPARE(cell(0, 3), QStringLiteral("11 "));
 }
 
-void tst_PacketLogger::no_bytes_are_told_as_no_answer()
+void tst_PacketLogger::noBytesAreToldAsNoAnswer()
 {
     logger->logRequest(someTime(), bytes(1), false);
     logger->logAnswer(someTime(), {}, false);
@@ -176,13 +176,13 @@ void tst_PacketLogger::no_bytes_are_told_as_no_answer()
     QCOMPARE(cell(0, 3), QStringLiteral("-----<No answer>-----"));
 }
 
-void tst_PacketLogger::an_answer_without_any_row_is_lost()
+void tst_PacketLogger::anAnswerWithoutAnyRowIsLost()
 {
     logger->logAnswer(someTime(), bytes(1), false);
     QCOMPARE(table->rowCount(), 0);
 }
 
-void tst_PacketLogger::stop_leaves_out_request_and_answer()
+void tst_PacketLogger::stopLeavesOutRequestAndAnswer()
 {
     logger->logRequest(someTime(), bytes(1), false);
     stopButton->setChecked(true);
@@ -195,7 +195,7 @@ void tst_PacketLogger::stop_leaves_out_request_and_answer()
     QCOMPARE(table->rowCount(), 2);
 }
 
-void tst_PacketLogger::a_stop_between_request_and_answer_loses_the_answer()
+void tst_PacketLogger::aStopBetweenRequestAndAnswerLosesTheAnswer()
 {
     logger->logRequest(someTime(), bytes(1), false);
     stopButton->setChecked(true);
@@ -205,7 +205,7 @@ void tst_PacketLogger::a_stop_between_request_and_answer_loses_the_answer()
     QCOMPARE(cell(0, 3), QString());
 }
 
-void tst_PacketLogger::the_stop_button_changes_its_caption()
+void tst_PacketLogger::theStopButtonChangesItsCaption()
 {
     logger->showStopped(true);
     QCOMPARE(stopButton->text(), QStringLiteral("Start"));
@@ -213,7 +213,7 @@ void tst_PacketLogger::the_stop_button_changes_its_caption()
     QCOMPARE(stopButton->text(), QStringLiteral("Stop"));
 }
 
-void tst_PacketLogger::periodic_packets_can_be_left_out()
+void tst_PacketLogger::periodicPacketsCanBeLeftOut()
 {
     logger->logRequest(someTime(), bytes(1), true);
     QCOMPARE(table->rowCount(), 1);
@@ -224,7 +224,7 @@ void tst_PacketLogger::periodic_packets_can_be_left_out()
     QCOMPARE(table->rowCount(), 2);
 }
 
-void tst_PacketLogger::a_filtered_answer_leaves_the_cells_empty()
+void tst_PacketLogger::aFilteredAnswerLeavesTheCellsEmpty()
 {
     logger->logRequest(someTime(), bytes(1), true);
     periodicBox->setChecked(false);
@@ -233,7 +233,7 @@ void tst_PacketLogger::a_filtered_answer_leaves_the_cells_empty()
     QCOMPARE(cell(0, 3), QString());
 }
 
-void tst_PacketLogger::a_periodic_answer_does_not_overwrite_an_operation()
+void tst_PacketLogger::aPeriodicAnswerDoesNotOverwriteAnOperation()
 {
     periodicBox->setChecked(false);
     logger->logRequest(someTime(), bytes(1), false);
@@ -242,7 +242,7 @@ void tst_PacketLogger::a_periodic_answer_does_not_overwrite_an_operation()
     QCOMPARE(cell(0, 3), QStringLiteral("10 "));
 }
 
-void tst_PacketLogger::the_newest_2000_requests_are_kept()
+void tst_PacketLogger::theNewest2000RequestsAreKept()
 {
     for (int i = 0; i < 2001; ++i) {
         logger->logRequest(someTime(), bytes(i), false);
@@ -252,7 +252,7 @@ void tst_PacketLogger::the_newest_2000_requests_are_kept()
     QCOMPARE(cell(1999, 1), QStringLiteral("31 "));       // "1": "0" is gone
 }
 
-void tst_PacketLogger::clearing_keeps_the_rows_and_they_count()
+void tst_PacketLogger::clearingKeepsTheRowsAndTheyCount()
 {
     for (int i = 0; i < 1999; ++i) {
         logger->logRequest(someTime(), bytes(i), false);
@@ -269,7 +269,7 @@ void tst_PacketLogger::clearing_keeps_the_rows_and_they_count()
     QCOMPARE(cell(2, 1), QString());
 }
 
-void tst_PacketLogger::packets_of_another_port_go_above_the_old_ones()
+void tst_PacketLogger::packetsOfAnotherPortGoAboveTheOldOnes()
 {
     logger->logRequest(someTime(), QByteArrayLiteral("\xA1"), false);
     logger->logRequest(someTime(), QByteArrayLiteral("\xB2"), false);
@@ -277,7 +277,7 @@ void tst_PacketLogger::packets_of_another_port_go_above_the_old_ones()
     QCOMPARE(cell(1, 1), QStringLiteral("a1 "));
 }
 
-void tst_PacketLogger::a_packet_into_a_full_table_is_quick()
+void tst_PacketLogger::aPacketIntoAFullTableIsQuick()
 {
     const QByteArray request(12, '\x5A');
     const QByteArray answer(76, '\xA5');
@@ -295,7 +295,7 @@ void tst_PacketLogger::a_packet_into_a_full_table_is_quick()
         costs.push_back(timer.nsecsElapsed());
     }
     std::nth_element(costs.begin(), costs.begin() + 150, costs.end());
-    qInfo("median %.3f ms", static_cast<double>(costs.at(150)) / 1e6);
+    qInfo("median %.3f ms", double(costs.at(150)) / 1e6);
     // The bench holds the real bar; this one only tells a cost that grows with the rows from one that doesn't matter.
     QVERIFY(costs.at(150) < 5'000'000);
 }

@@ -39,46 +39,46 @@ private slots:
     void init();
     void cleanup();
 
-    void lists_select_many_and_the_active_one_is_dragged();
-    void all_list_shows_every_script();
-    void active_list_shows_the_scripts_of_the_output_in_their_order();
-    void rows_are_coloured_by_mode_or_grey_data();
-    void rows_are_coloured_by_mode_or_grey();
-    void no_output_empties_the_active_list();
+    void listsSelectManyAndTheActiveOneIsDragged();
+    void allListShowsEveryScript();
+    void activeListShowsTheScriptsOfTheOutputInTheirOrder();
+    void rowsAreColouredByModeOrGrey_data();
+    void rowsAreColouredByModeOrGrey();
+    void noOutputEmptiesTheActiveList();
 
-    void adding_takes_the_selected_scripts_in_the_order_of_the_list();
-    void adding_an_active_script_changes_nothing_but_is_told();
-    void removing_takes_the_selected_scripts();
-    void a_script_that_stands_twice_goes_by_its_row();
-    void a_script_that_stands_twice_is_selected_twice();
-    void without_an_output_adding_and_removing_are_only_told();
-    void double_click_in_the_all_list_adds();
-    void double_click_in_the_active_list_removes();
-    void fast_double_clicks_lose_nothing();
+    void addingTakesTheSelectedScriptsInTheOrderOfTheList();
+    void addingAnActiveScriptChangesNothingButIsTold();
+    void removingTakesTheSelectedScripts();
+    void aScriptThatStandsTwiceGoesByItsRow();
+    void aScriptThatStandsTwiceIsSelectedTwice();
+    void withoutAnOutputAddingAndRemovingAreOnlyTold();
+    void doubleClickInTheAllListAdds();
+    void doubleClickInTheActiveListRemoves();
+    void fastDoubleClicksLoseNothing();
 
-    void chosen_row_is_reported_and_mirrored();
-    void chosen_row_without_a_partner_leaves_no_current_row();
-    void chosen_active_row_is_mirrored();
-    void selection_is_mirrored();
-    void selection_by_keys_is_mirrored();
-    void selection_of_active_rows_is_mirrored();
-    void current_row_stays_selected_when_nothing_else_is();
-    void rebuilt_active_list_follows_the_all_list();
-    void first_active_row_is_selected_alone();
+    void chosenRowIsReportedAndMirrored();
+    void chosenRowWithoutAPartnerLeavesNoCurrentRow();
+    void chosenActiveRowIsMirrored();
+    void selectionIsMirrored();
+    void selectionByKeysIsMirrored();
+    void selectionOfActiveRowsIsMirrored();
+    void currentRowStaysSelectedWhenNothingElseIs();
+    void rebuiltActiveListFollowsTheAllList();
+    void firstActiveRowIsSelectedAlone();
 
-    void repainting_follows_name_mode_and_trigger();
-    void repainting_passes_over_scripts_without_a_mode();
-    void repainting_reports_the_colour_of_the_edited_script();
-    void new_scripts_select_the_first_active_row();
-    void new_scripts_select_the_first_row_of_all_without_active_ones();
+    void repaintingFollowsNameModeAndTrigger();
+    void repaintingPassesOverScriptsWithoutAMode();
+    void repaintingReportsTheColourOfTheEditedScript();
+    void newScriptsSelectTheFirstActiveRow();
+    void newScriptsSelectTheFirstRowOfAllWithoutActiveOnes();
 
-    void finished_drag_stores_the_order();
-    void lost_row_stops_the_storing_and_comes_back();
-    void no_row_can_be_dropped_onto();
+    void finishedDragStoresTheOrder();
+    void lostRowStopsTheStoringAndComesBack();
+    void noRowCanBeDroppedOnto();
 
-    void tooltip_is_the_summary_in_both_lists();
-    void odd_names_are_shown_as_they_are_data();
-    void odd_names_are_shown_as_they_are();
+    void tooltipIsTheSummaryInBothLists();
+    void oddNamesAreShownAsTheyAre_data();
+    void oddNamesAreShownAsTheyAre();
 
 private:
     QLabel* label(QListWidget* list, int row) const
@@ -160,12 +160,12 @@ void tst_ScriptLists::activate(const QList<int>& numbers)
 {
     output->activatedScripts.clear();
     for (int number : numbers) {
-        output->activatedScripts.append(info->findScript(static_cast<quint8>(number)));
+        output->activatedScripts.append(info->findScript(quint8(number)));
     }
     lists->rebuildActive(output);
 }
 
-void tst_ScriptLists::lists_select_many_and_the_active_one_is_dragged()
+void tst_ScriptLists::listsSelectManyAndTheActiveOneIsDragged()
 {
     QCOMPARE(all->selectionMode(), QAbstractItemView::ExtendedSelection);
     QCOMPARE(active->selectionMode(), QAbstractItemView::ExtendedSelection);
@@ -173,7 +173,7 @@ void tst_ScriptLists::lists_select_many_and_the_active_one_is_dragged()
     QVERIFY(all->dragDropMode() != QAbstractItemView::InternalMove);
 }
 
-void tst_ScriptLists::all_list_shows_every_script()
+void tst_ScriptLists::allListShowsEveryScript()
 {
     info->findScript(9)->name = QStringLiteral("Fan");
     lists->rebuildAll();
@@ -183,14 +183,14 @@ void tst_ScriptLists::all_list_shows_every_script()
     QCOMPARE(label(all, 31)->text(), QStringLiteral("32. Script"));
 }
 
-void tst_ScriptLists::active_list_shows_the_scripts_of_the_output_in_their_order()
+void tst_ScriptLists::activeListShowsTheScriptsOfTheOutputInTheirOrder()
 {
     activate({11, 0, 5});
     QCOMPARE(texts(active), QStringList({QStringLiteral(" 12. Script"), QStringLiteral("  1. Script"),
                                          QStringLiteral("  6. Script")}));
 }
 
-void tst_ScriptLists::rows_are_coloured_by_mode_or_grey_data()
+void tst_ScriptLists::rowsAreColouredByModeOrGrey_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<bool>("notActive");
@@ -202,7 +202,7 @@ void tst_ScriptLists::rows_are_coloured_by_mode_or_grey_data()
     QTest::newRow("disable") << 4 << false << QStringLiteral("rgba(255, 0, 0, 150)");
 }
 
-void tst_ScriptLists::rows_are_coloured_by_mode_or_grey()
+void tst_ScriptLists::rowsAreColouredByModeOrGrey()
 {
     QFETCH(int, mode);
     QFETCH(bool, notActive);
@@ -216,7 +216,7 @@ void tst_ScriptLists::rows_are_coloured_by_mode_or_grey()
     QCOMPARE(label(active, 0)->styleSheet(), rowStyle(color));
 }
 
-void tst_ScriptLists::no_output_empties_the_active_list()
+void tst_ScriptLists::noOutputEmptiesTheActiveList()
 {
     activate({1, 2});
     lists->rebuildActive({});
@@ -224,7 +224,7 @@ void tst_ScriptLists::no_output_empties_the_active_list()
     QVERIFY(!all->signalsBlocked());
 }
 
-void tst_ScriptLists::adding_takes_the_selected_scripts_in_the_order_of_the_list()
+void tst_ScriptLists::addingTakesTheSelectedScriptsInTheOrderOfTheList()
 {
     activate({30});
     all->item(7)->setSelected(true);
@@ -238,7 +238,7 @@ void tst_ScriptLists::adding_takes_the_selected_scripts_in_the_order_of_the_list
     QCOMPARE(outputChanges, 1);
 }
 
-void tst_ScriptLists::adding_an_active_script_changes_nothing_but_is_told()
+void tst_ScriptLists::addingAnActiveScriptChangesNothingButIsTold()
 {
     activate({4});
     const QListWidgetItem* row = active->item(0);
@@ -249,7 +249,7 @@ void tst_ScriptLists::adding_an_active_script_changes_nothing_but_is_told()
     QCOMPARE(outputChanges, 1);
 }
 
-void tst_ScriptLists::removing_takes_the_selected_scripts()
+void tst_ScriptLists::removingTakesTheSelectedScripts()
 {
     activate({4, 8, 12});
     active->clearSelection();
@@ -264,7 +264,7 @@ void tst_ScriptLists::removing_takes_the_selected_scripts()
     QCOMPARE(outputChanges, 2);
 }
 
-void tst_ScriptLists::a_script_that_stands_twice_goes_by_its_row()
+void tst_ScriptLists::aScriptThatStandsTwiceGoesByItsRow()
 {
     activate({3, 7, 3});
     active->clearSelection();
@@ -273,7 +273,7 @@ void tst_ScriptLists::a_script_that_stands_twice_goes_by_its_row()
     QCOMPARE(numbersOf(output->activatedScripts), QList<int>({3, 7}));
 }
 
-void tst_ScriptLists::a_script_that_stands_twice_is_selected_twice()
+void tst_ScriptLists::aScriptThatStandsTwiceIsSelectedTwice()
 {
     activate({3, 7, 3});
     all->setCurrentRow(3, QItemSelectionModel::ClearAndSelect);
@@ -282,7 +282,7 @@ void tst_ScriptLists::a_script_that_stands_twice_is_selected_twice()
     QCOMPARE(selectedRows(active), QList<int>({1}));
 }
 
-void tst_ScriptLists::without_an_output_adding_and_removing_are_only_told()
+void tst_ScriptLists::withoutAnOutputAddingAndRemovingAreOnlyTold()
 {
     lists->rebuildActive({});
     all->setCurrentRow(4);
@@ -294,7 +294,7 @@ void tst_ScriptLists::without_an_output_adding_and_removing_are_only_told()
     QVERIFY(output->activatedScripts.isEmpty());
 }
 
-void tst_ScriptLists::double_click_in_the_all_list_adds()
+void tst_ScriptLists::doubleClickInTheAllListAdds()
 {
     QTest::mouseClick(label(all, 6), Qt::LeftButton);
     QTest::mouseDClick(label(all, 6), Qt::LeftButton);
@@ -303,7 +303,7 @@ void tst_ScriptLists::double_click_in_the_all_list_adds()
     QCOMPARE(chosen.last(), 6);
 }
 
-void tst_ScriptLists::double_click_in_the_active_list_removes()
+void tst_ScriptLists::doubleClickInTheActiveListRemoves()
 {
     activate({6, 7});
     QTest::mouseClick(label(active, 0), Qt::LeftButton);
@@ -314,7 +314,7 @@ void tst_ScriptLists::double_click_in_the_active_list_removes()
     QCOMPARE(chosen.last(), 6);
 }
 
-void tst_ScriptLists::fast_double_clicks_lose_nothing()
+void tst_ScriptLists::fastDoubleClicksLoseNothing()
 {
     for (int row = 0; row < 8; ++row) {
         QTest::mouseClick(label(all, row), Qt::LeftButton);
@@ -331,7 +331,7 @@ void tst_ScriptLists::fast_double_clicks_lose_nothing()
     QCOMPARE(all->count(), 32);
 }
 
-void tst_ScriptLists::chosen_row_is_reported_and_mirrored()
+void tst_ScriptLists::chosenRowIsReportedAndMirrored()
 {
     activate({3, 9});
     chosen.clear();
@@ -341,7 +341,7 @@ void tst_ScriptLists::chosen_row_is_reported_and_mirrored()
     QCOMPARE(selectedRows(active), QList<int>{1});
 }
 
-void tst_ScriptLists::chosen_row_without_a_partner_leaves_no_current_row()
+void tst_ScriptLists::chosenRowWithoutAPartnerLeavesNoCurrentRow()
 {
     activate({3, 9});
     all->setCurrentRow(9);
@@ -352,7 +352,7 @@ void tst_ScriptLists::chosen_row_without_a_partner_leaves_no_current_row()
     QCOMPARE(selectedRows(active), QList<int>());
 }
 
-void tst_ScriptLists::chosen_active_row_is_mirrored()
+void tst_ScriptLists::chosenActiveRowIsMirrored()
 {
     activate({3, 9});
     active->setCurrentRow(0);
@@ -367,7 +367,7 @@ void tst_ScriptLists::chosen_active_row_is_mirrored()
     QCOMPARE(selectedRows(all), QList<int>{3});
 }
 
-void tst_ScriptLists::selection_is_mirrored()
+void tst_ScriptLists::selectionIsMirrored()
 {
     activate({3, 9, 4});
     QTest::mouseClick(label(all, 3), Qt::LeftButton);
@@ -380,7 +380,7 @@ void tst_ScriptLists::selection_is_mirrored()
     QCOMPARE(selectedRows(active), QList<int>({1, 2}));
 }
 
-void tst_ScriptLists::selection_by_keys_is_mirrored()
+void tst_ScriptLists::selectionByKeysIsMirrored()
 {
     activate({3, 4, 5});
     all->setCurrentRow(3);
@@ -397,7 +397,7 @@ void tst_ScriptLists::selection_by_keys_is_mirrored()
     QCOMPARE(selectedRows(active), QList<int>({0, 1, 2}));
 }
 
-void tst_ScriptLists::selection_of_active_rows_is_mirrored()
+void tst_ScriptLists::selectionOfActiveRowsIsMirrored()
 {
     activate({3, 9, 4});
     QTest::mouseClick(label(active, 0), Qt::LeftButton);
@@ -406,7 +406,7 @@ void tst_ScriptLists::selection_of_active_rows_is_mirrored()
     QCOMPARE(all->currentRow(), 9);
 }
 
-void tst_ScriptLists::current_row_stays_selected_when_nothing_else_is()
+void tst_ScriptLists::currentRowStaysSelectedWhenNothingElseIs()
 {
     activate({3});
     QTest::mouseClick(label(all, 3), Qt::LeftButton);
@@ -415,7 +415,7 @@ void tst_ScriptLists::current_row_stays_selected_when_nothing_else_is()
     QCOMPARE(selectedRows(active), QList<int>{0});
 }
 
-void tst_ScriptLists::rebuilt_active_list_follows_the_all_list()
+void tst_ScriptLists::rebuiltActiveListFollowsTheAllList()
 {
     all->setCurrentRow(9);
     all->item(3)->setSelected(true);
@@ -427,7 +427,7 @@ void tst_ScriptLists::rebuilt_active_list_follows_the_all_list()
     QCOMPARE(selectedRows(all), QList<int>({3, 9}));
 }
 
-void tst_ScriptLists::first_active_row_is_selected_alone()
+void tst_ScriptLists::firstActiveRowIsSelectedAlone()
 {
     all->setCurrentRow(9);
     activate({3, 7, 9});
@@ -443,7 +443,7 @@ void tst_ScriptLists::first_active_row_is_selected_alone()
     QCOMPARE(active->currentRow(), -1);
 }
 
-void tst_ScriptLists::repainting_follows_name_mode_and_trigger()
+void tst_ScriptLists::repaintingFollowsNameModeAndTrigger()
 {
     activate({3});
     const ScriptInfoPtr script = info->findScript(3);
@@ -459,7 +459,7 @@ void tst_ScriptLists::repainting_follows_name_mode_and_trigger()
     QCOMPARE(label(all, 11)->styleSheet(), rowStyle(grey));
 }
 
-void tst_ScriptLists::repainting_passes_over_scripts_without_a_mode()
+void tst_ScriptLists::repaintingPassesOverScriptsWithoutAMode()
 {
     const ScriptInfoPtr script = info->findScript(3);
     script->name = QStringLiteral("Fan");
@@ -472,7 +472,7 @@ void tst_ScriptLists::repainting_passes_over_scripts_without_a_mode()
     QCOMPARE(label(all, 3)->styleSheet(), rowStyle(grey));
 }
 
-void tst_ScriptLists::repainting_reports_the_colour_of_the_edited_script()
+void tst_ScriptLists::repaintingReportsTheColourOfTheEditedScript()
 {
     activate({3});
     lists->refreshStates(info->findScript(3));
@@ -481,7 +481,7 @@ void tst_ScriptLists::repainting_reports_the_colour_of_the_edited_script()
     QCOMPARE(colors.size(), 1);
 }
 
-void tst_ScriptLists::new_scripts_select_the_first_active_row()
+void tst_ScriptLists::newScriptsSelectTheFirstActiveRow()
 {
     activate({5, 2});
     all->setCurrentRow(20);
@@ -496,7 +496,7 @@ void tst_ScriptLists::new_scripts_select_the_first_active_row()
     QCOMPARE(colors, QStringList{grey});
 }
 
-void tst_ScriptLists::new_scripts_select_the_first_row_of_all_without_active_ones()
+void tst_ScriptLists::newScriptsSelectTheFirstRowOfAllWithoutActiveOnes()
 {
     all->setCurrentRow(20);
     chosen.clear();
@@ -506,7 +506,7 @@ void tst_ScriptLists::new_scripts_select_the_first_row_of_all_without_active_one
     QCOMPARE(chosen, QList<int>({0, 0}));
 }
 
-void tst_ScriptLists::finished_drag_stores_the_order()
+void tst_ScriptLists::finishedDragStoresTheOrder()
 {
     activate({3, 9, 4, 12});
     active->model()->moveRow({}, 0, {}, 4);
@@ -523,7 +523,7 @@ void tst_ScriptLists::finished_drag_stores_the_order()
     QCOMPARE(numbersOf(output->activatedScripts), QList<int>({4, 9, 12}));
 }
 
-void tst_ScriptLists::lost_row_stops_the_storing_and_comes_back()
+void tst_ScriptLists::lostRowStopsTheStoringAndComesBack()
 {
     activate({3, 9, 4});
     active->model()->moveRow({}, 2, {}, 0);
@@ -537,7 +537,7 @@ void tst_ScriptLists::lost_row_stops_the_storing_and_comes_back()
                                          QStringLiteral("  5. Script")}));
 }
 
-void tst_ScriptLists::no_row_can_be_dropped_onto()
+void tst_ScriptLists::noRowCanBeDroppedOnto()
 {
     // Such a drop would replace the row; without it a drop on the middle of a row goes above or below it.
     activate({3, 9});
@@ -547,7 +547,7 @@ void tst_ScriptLists::no_row_can_be_dropped_onto()
     }
 }
 
-void tst_ScriptLists::tooltip_is_the_summary_in_both_lists()
+void tst_ScriptLists::tooltipIsTheSummaryInBothLists()
 {
     activate({3});
     const ScriptInfoPtr script = info->findScript(3);
@@ -563,7 +563,7 @@ void tst_ScriptLists::tooltip_is_the_summary_in_both_lists()
     QCOMPARE(label(active, 0)->toolTip(), scriptSummary(script));
 }
 
-void tst_ScriptLists::odd_names_are_shown_as_they_are_data()
+void tst_ScriptLists::oddNamesAreShownAsTheyAre_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("empty") << QString();
@@ -574,7 +574,7 @@ void tst_ScriptLists::odd_names_are_shown_as_they_are_data()
     QTest::newRow("200 letters") << QString(200, QLatin1Char('W'));
 }
 
-void tst_ScriptLists::odd_names_are_shown_as_they_are()
+void tst_ScriptLists::oddNamesAreShownAsTheyAre()
 {
     QFETCH(QString, name);
     info->findScript(0)->name = name;

@@ -54,29 +54,29 @@ class tst_ScriptSummary : public QObject
 private slots:
     void init();
 
-    void unknown_script();
-    void new_script_to_the_letter();
-    void missing_rows_are_unknown();
-    void colours_are_those_of_the_rows();
-    void channel_states_data();
-    void channel_states();
-    void channel_numbers_data();
-    void channel_numbers();
-    void terminal_states_are_numbered();
-    void days_of_the_week();
-    void time_has_hours_in_front();
-    void date_is_day_and_month();
-    void numbers_below_zero_are_shown_as_they_are();
-    void type_of_the_catalogue_is_named();
-    void other_type_is_shown_by_its_numbers();
-    void addresses_are_counted_data();
-    void addresses_are_counted();
-    void filters_stand_in_order();
-    void any_filter_takes_the_place_of_none_data();
-    void any_filter_takes_the_place_of_none();
-    void names_are_shown_as_they_are_data();
-    void names_are_shown_as_they_are();
-    void lists_that_are_too_short_are_harmless();
+    void unknownScript();
+    void newScriptToTheLetter();
+    void missingRowsAreUnknown();
+    void coloursAreThoseOfTheRows();
+    void channelStates_data();
+    void channelStates();
+    void channelNumbers_data();
+    void channelNumbers();
+    void terminalStatesAreNumbered();
+    void daysOfTheWeek();
+    void timeHasHoursInFront();
+    void dateIsDayAndMonth();
+    void numbersBelowZeroAreShownAsTheyAre();
+    void typeOfTheCatalogueIsNamed();
+    void otherTypeIsShownByItsNumbers();
+    void addressesAreCounted_data();
+    void addressesAreCounted();
+    void filtersStandInOrder();
+    void anyFilterTakesThePlaceOfNone_data();
+    void anyFilterTakesThePlaceOfNone();
+    void namesAreShownAsTheyAre_data();
+    void namesAreShownAsTheyAre();
+    void listsThatAreTooShortAreHarmless();
 
 private:
     QString part(const QString& from, const QString& to) const
@@ -105,12 +105,12 @@ void tst_ScriptSummary::init()
     script = info->findScript(4);
 }
 
-void tst_ScriptSummary::unknown_script()
+void tst_ScriptSummary::unknownScript()
 {
     QCOMPARE(scriptSummary({}), title(QStringLiteral("Script unknown")));
 }
 
-void tst_ScriptSummary::new_script_to_the_letter()
+void tst_ScriptSummary::newScriptToTheLetter()
 {
     QCOMPARE(
         scriptSummary(script),
@@ -122,7 +122,7 @@ void tst_ScriptSummary::new_script_to_the_letter()
             colored(grey, QStringLiteral("Not active")) + QStringLiteral("<hr>") + disabledFilters());
 }
 
-void tst_ScriptSummary::missing_rows_are_unknown()
+void tst_ScriptSummary::missingRowsAreUnknown()
 {
     script->mode.clear();
     script->delay.clear();
@@ -133,7 +133,7 @@ void tst_ScriptSummary::missing_rows_are_unknown()
                                            QStringLiteral("<u>Duration:</u>") + unknown + QStringLiteral("<hr>")));
 }
 
-void tst_ScriptSummary::colours_are_those_of_the_rows()
+void tst_ScriptSummary::coloursAreThoseOfTheRows()
 {
     script->mode = info->modeAt(1);
     script->delay = info->delayAt(1);
@@ -144,7 +144,7 @@ void tst_ScriptSummary::colours_are_those_of_the_rows()
     QVERIFY(html.contains(colored(plain, QStringLiteral("2 minutes"))));
 }
 
-void tst_ScriptSummary::channel_states_data()
+void tst_ScriptSummary::channelStates_data()
 {
     QTest::addColumn<int>("row"); // -1 no row, -2 a code of its own
     QTest::addColumn<int>("code");
@@ -161,18 +161,17 @@ void tst_ScriptSummary::channel_states_data()
     QTest::newRow("other, two digits") << -2 << 0xFE << colored(grey, QStringLiteral("0xfe"));
 }
 
-void tst_ScriptSummary::channel_states()
+void tst_ScriptSummary::channelStates()
 {
     QFETCH(int, row);
     QFETCH(int, code);
     QFETCH(QString, line);
-    script->stateChannel =
-        row == -2 ? scriptRules::makeOtherState(static_cast<quint8>(code)) : info->stateChannelAt(row);
+    script->stateChannel = row == -2 ? scriptRules::makeOtherState(quint8(code)) : info->stateChannelAt(row);
     QVERIFY2(channelPart().startsWith(line), qPrintable(channelPart()));
     QCOMPARE(channelPart().contains(QStringLiteral("Numbers of channel:")), row > 0 || row == -2);
 }
 
-void tst_ScriptSummary::channel_numbers_data()
+void tst_ScriptSummary::channelNumbers_data()
 {
     QTest::addColumn<QList<bool>>("channels");
     QTest::addColumn<QString>("numbers");
@@ -182,7 +181,7 @@ void tst_ScriptSummary::channel_numbers_data()
     QTest::newRow("empty list") << QList<bool>() << QString();
 }
 
-void tst_ScriptSummary::channel_numbers()
+void tst_ScriptSummary::channelNumbers()
 {
     QFETCH(QList<bool>, channels);
     QFETCH(QString, numbers);
@@ -191,14 +190,14 @@ void tst_ScriptSummary::channel_numbers()
     QVERIFY(channelPart().endsWith(centred(QStringLiteral("Numbers of channel: ") + numbers)));
 }
 
-void tst_ScriptSummary::terminal_states_are_numbered()
+void tst_ScriptSummary::terminalStatesAreNumbered()
 {
     script->stateTerminal = {info->terminalStateAt(0), info->terminalStateAt(3)};
     QCOMPARE(part(QStringLiteral("<u>Activation by terminal's status:</u>"), QStringLiteral("<hr>")),
              colored(yellow, QStringLiteral("1) Tamper")) + colored(yellow, QStringLiteral("2) Disconnection")));
 }
 
-void tst_ScriptSummary::days_of_the_week()
+void tst_ScriptSummary::daysOfTheWeek()
 {
     script->daysOfWeek = {true, false, false, false, false, true, true};
     QCOMPARE(filterPart(),
@@ -207,21 +206,21 @@ void tst_ScriptSummary::days_of_the_week()
     QVERIFY(filterPart().contains(QStringLiteral("MON; TUE; WED; THU; FRI; SAT; SUN; ")));
 }
 
-void tst_ScriptSummary::time_has_hours_in_front()
+void tst_ScriptSummary::timeHasHoursInFront()
 {
     script->activateFilter[2] = true;
     script->timeFilter = {5, 8, 30, 17};
     QCOMPARE(filterPart(), QStringLiteral("<u>Filter by time:</u>") + centred(QStringLiteral("08:05 - 17:30")));
 }
 
-void tst_ScriptSummary::date_is_day_and_month()
+void tst_ScriptSummary::dateIsDayAndMonth()
 {
     script->activateFilter[3] = true;
     script->dateFilter = {1, 9, 31, 12};
     QCOMPARE(filterPart(), QStringLiteral("<u>Filter by date:</u>") + centred(QStringLiteral("01.09 - 31.12")));
 }
 
-void tst_ScriptSummary::numbers_below_zero_are_shown_as_they_are()
+void tst_ScriptSummary::numbersBelowZeroAreShownAsTheyAre()
 {
     script->activateFilter = {false, false, true, true};
     script->timeFilter = {-2, -7, -32768, -2};
@@ -230,7 +229,7 @@ void tst_ScriptSummary::numbers_below_zero_are_shown_as_they_are()
                                QStringLiteral("<u>Filter by date:</u>") + centred(QStringLiteral("-2.-7 - -32768.-2")));
 }
 
-void tst_ScriptSummary::type_of_the_catalogue_is_named()
+void tst_ScriptSummary::typeOfTheCatalogueIsNamed()
 {
     info->addTerminalType(true, QStringLiteral("Haldeon-NX"), 2, 1, 0x41, 0x20, {});
     script->activateFilter[0] = true;
@@ -241,7 +240,7 @@ void tst_ScriptSummary::type_of_the_catalogue_is_named()
     QVERIFY(filterPart().contains(QStringLiteral("Filter by type of terminal:</u> ")));
 }
 
-void tst_ScriptSummary::other_type_is_shown_by_its_numbers()
+void tst_ScriptSummary::otherTypeIsShownByItsNumbers()
 {
     script->activateFilter[0] = true;
     script->terminalFilter->version = 10;
@@ -250,7 +249,7 @@ void tst_ScriptSummary::other_type_is_shown_by_its_numbers()
     QVERIFY(filterPart().contains(QStringLiteral("<u>Filter by type of terminal:</u> fa 0c 20")));
 }
 
-void tst_ScriptSummary::addresses_are_counted_data()
+void tst_ScriptSummary::addressesAreCounted_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("text");
@@ -271,7 +270,7 @@ void tst_ScriptSummary::addresses_are_counted_data()
     QTest::newRow("all with the head unit") << 32 << QStringLiteral("32 terminal");
 }
 
-void tst_ScriptSummary::addresses_are_counted()
+void tst_ScriptSummary::addressesAreCounted()
 {
     QFETCH(int, count);
     QFETCH(QString, text);
@@ -283,7 +282,7 @@ void tst_ScriptSummary::addresses_are_counted()
     QCOMPARE(linesOf(filterPart()).constLast(), text);
 }
 
-void tst_ScriptSummary::filters_stand_in_order()
+void tst_ScriptSummary::filtersStandInOrder()
 {
     script->daysOfWeek[2] = true;
     script->activateFilter = {true, true, true, true};
@@ -295,7 +294,7 @@ void tst_ScriptSummary::filters_stand_in_order()
                                  QStringLiteral("Filter by addresses:"), QStringLiteral("0 terminals")}));
 }
 
-void tst_ScriptSummary::any_filter_takes_the_place_of_none_data()
+void tst_ScriptSummary::anyFilterTakesThePlaceOfNone_data()
 {
     QTest::addColumn<int>("filter"); // -1 is the days
     QTest::newRow("days") << -1;
@@ -305,7 +304,7 @@ void tst_ScriptSummary::any_filter_takes_the_place_of_none_data()
     QTest::newRow("date") << 3;
 }
 
-void tst_ScriptSummary::any_filter_takes_the_place_of_none()
+void tst_ScriptSummary::anyFilterTakesThePlaceOfNone()
 {
     QFETCH(int, filter);
     QCOMPARE(filterPart(), disabledFilters());
@@ -318,7 +317,7 @@ void tst_ScriptSummary::any_filter_takes_the_place_of_none()
     QVERIFY(!filterPart().isEmpty());
 }
 
-void tst_ScriptSummary::names_are_shown_as_they_are_data()
+void tst_ScriptSummary::namesAreShownAsTheyAre_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("empty") << QString();
@@ -328,7 +327,7 @@ void tst_ScriptSummary::names_are_shown_as_they_are_data()
     QTest::newRow("200 letters") << QString(200, QLatin1Char('W'));
 }
 
-void tst_ScriptSummary::names_are_shown_as_they_are()
+void tst_ScriptSummary::namesAreShownAsTheyAre()
 {
     QFETCH(QString, name);
     script->name = name;
@@ -341,7 +340,7 @@ void tst_ScriptSummary::names_are_shown_as_they_are()
     QCOMPARE(lines.last(), QStringLiteral("Filter by type of terminal: ") + name);
 }
 
-void tst_ScriptSummary::lists_that_are_too_short_are_harmless()
+void tst_ScriptSummary::listsThatAreTooShortAreHarmless()
 {
     script->daysOfWeek = {true};
     script->activateFilter = {false, false, true};

@@ -18,36 +18,36 @@ private slots:
     void init();
     void cleanup();
 
-    void form_has_its_size_font_and_texts();
-    void showing_offers_other_and_the_models();
-    void first_model_begins_the_list_anew();
-    void without_models_other_works();
-    void other_has_a_free_name_and_one_output();
-    void chosen_model_fills_the_form_and_locks_it();
-    void model_of_one_output_fills_the_other_names();
-    void model_of_four_outputs_is_capped_at_two();
-    void model_without_outputs_has_one();
-    void back_to_other_unlocks_the_form();
-    void unknown_text_counts_as_other();
-    void models_of_the_same_name_are_one();
-    void number_of_outputs_shows_their_names_data();
-    void number_of_outputs_shows_their_names();
-    void number_of_outputs_goes_up_to_two();
-    void taken_addresses_are_not_offered();
-    void no_free_address_disables_adding_for_good();
-    void added_terminal_is_reported();
-    void added_address_is_gone_at_the_next_showing();
-    void address_taken_meanwhile_is_not_added();
-    void keys_alone_add_a_terminal();
-    void return_adds_from_any_field_data();
-    void return_adds_from_any_field();
-    void return_on_cancel_cancels();
-    void escape_cancels();
-    void opens_over_its_window_with_the_first_field_in_focus();
-    void cancel_keeps_nothing();
-    void coming_back_from_an_icon_keeps_what_was_entered();
-    void odd_names_are_passed_on_as_they_are();
-    void closes_with_its_window();
+    void formHasItsSizeFontAndTexts();
+    void showingOffersOtherAndTheModels();
+    void firstModelBeginsTheListAnew();
+    void withoutModelsOtherWorks();
+    void otherHasAFreeNameAndOneOutput();
+    void chosenModelFillsTheFormAndLocksIt();
+    void modelOfOneOutputFillsTheOtherNames();
+    void modelOfFourOutputsIsCappedAtTwo();
+    void modelWithoutOutputsHasOne();
+    void backToOtherUnlocksTheForm();
+    void unknownTextCountsAsOther();
+    void modelsOfTheSameNameAreOne();
+    void numberOfOutputsShowsTheirNames_data();
+    void numberOfOutputsShowsTheirNames();
+    void numberOfOutputsGoesUpToTwo();
+    void takenAddressesAreNotOffered();
+    void noFreeAddressDisablesAddingForGood();
+    void addedTerminalIsReported();
+    void addedAddressIsGoneAtTheNextShowing();
+    void addressTakenMeanwhileIsNotAdded();
+    void keysAloneAddATerminal();
+    void returnAddsFromAnyField_data();
+    void returnAddsFromAnyField();
+    void returnOnCancelCancels();
+    void escapeCancels();
+    void opensOverItsWindowWithTheFirstFieldInFocus();
+    void cancelKeepsNothing();
+    void comingBackFromAnIconKeepsWhatWasEntered();
+    void oddNamesArePassedOnAsTheyAre();
+    void closesWithItsWindow();
 
 private:
     struct Added
@@ -140,7 +140,7 @@ QStringList tst_FormAddingTerminal::textsOf(const QComboBox* box)
     return rows;
 }
 
-void tst_FormAddingTerminal::form_has_its_size_font_and_texts()
+void tst_FormAddingTerminal::formHasItsSizeFontAndTexts()
 {
     showForm();
     QCOMPARE(form->minimumSize(), QSize(400, 307));
@@ -166,7 +166,7 @@ void tst_FormAddingTerminal::form_has_its_size_font_and_texts()
     QVERIFY(form->isWindow());
 }
 
-void tst_FormAddingTerminal::showing_offers_other_and_the_models()
+void tst_FormAddingTerminal::showingOffersOtherAndTheModels()
 {
     showForm();
     QCOMPARE(textsOf(models), QStringList({QStringLiteral("<other>"), QStringLiteral("One"), QStringLiteral("Two"),
@@ -180,14 +180,14 @@ void tst_FormAddingTerminal::showing_offers_other_and_the_models()
     QCOMPARE(name->text(), QStringLiteral("New executive terminal"));
 }
 
-void tst_FormAddingTerminal::first_model_begins_the_list_anew()
+void tst_FormAddingTerminal::firstModelBeginsTheListAnew()
 {
     form->addTerminal(true, QStringLiteral("Six"), {});
     showForm();
     QCOMPARE(textsOf(models), QStringList({QStringLiteral("<other>"), QStringLiteral("Six")}));
 }
 
-void tst_FormAddingTerminal::without_models_other_works()
+void tst_FormAddingTerminal::withoutModelsOtherWorks()
 {
     FormAddingTerminal bare(info);
     QSignalSpy spy(&bare, &FormAddingTerminal::sig_addNewGroupRelay);
@@ -199,7 +199,7 @@ void tst_FormAddingTerminal::without_models_other_works()
     QCOMPARE(spy.first().at(0).toString(), QStringLiteral("New executive terminal"));
 }
 
-void tst_FormAddingTerminal::other_has_a_free_name_and_one_output()
+void tst_FormAddingTerminal::otherHasAFreeNameAndOneOutput()
 {
     showForm();
     QVERIFY(name->isEnabled());
@@ -211,7 +211,7 @@ void tst_FormAddingTerminal::other_has_a_free_name_and_one_output()
     }
 }
 
-void tst_FormAddingTerminal::chosen_model_fills_the_form_and_locks_it()
+void tst_FormAddingTerminal::chosenModelFillsTheFormAndLocksIt()
 {
     showForm();
     models->setCurrentText(QStringLiteral("Two"));
@@ -222,7 +222,7 @@ void tst_FormAddingTerminal::chosen_model_fills_the_form_and_locks_it()
     QCOMPARE(shownOutputs(), QStringList({QStringLiteral("Lamp"), QStringLiteral("Horn")}));
 }
 
-void tst_FormAddingTerminal::model_of_one_output_fills_the_other_names()
+void tst_FormAddingTerminal::modelOfOneOutputFillsTheOtherNames()
 {
     showForm();
     models->setCurrentText(QStringLiteral("One"));
@@ -231,7 +231,7 @@ void tst_FormAddingTerminal::model_of_one_output_fills_the_other_names()
     QCOMPARE(outputEdit(4)->text(), QStringLiteral("Output"));
 }
 
-void tst_FormAddingTerminal::model_of_four_outputs_is_capped_at_two()
+void tst_FormAddingTerminal::modelOfFourOutputsIsCappedAtTwo()
 {
     showForm();
     models->setCurrentText(QStringLiteral("Four"));
@@ -241,7 +241,7 @@ void tst_FormAddingTerminal::model_of_four_outputs_is_capped_at_two()
     QCOMPARE(outputEdit(4)->text(), QStringLiteral("D"));
 }
 
-void tst_FormAddingTerminal::model_without_outputs_has_one()
+void tst_FormAddingTerminal::modelWithoutOutputsHasOne()
 {
     form->addTerminal(false, QStringLiteral("None"), {});
     showForm();
@@ -250,7 +250,7 @@ void tst_FormAddingTerminal::model_without_outputs_has_one()
     QCOMPARE(shownOutputs(), QStringList(QStringLiteral("Output")));
 }
 
-void tst_FormAddingTerminal::back_to_other_unlocks_the_form()
+void tst_FormAddingTerminal::backToOtherUnlocksTheForm()
 {
     showForm();
     models->setCurrentText(QStringLiteral("Two"));
@@ -263,7 +263,7 @@ void tst_FormAddingTerminal::back_to_other_unlocks_the_form()
     QCOMPARE(shownOutputs(), QStringList(QStringLiteral("Output")));
 }
 
-void tst_FormAddingTerminal::unknown_text_counts_as_other()
+void tst_FormAddingTerminal::unknownTextCountsAsOther()
 {
     showForm();
     form->on_comboBoxTerminals_currentIndexChanged(QStringLiteral("Two"));
@@ -272,7 +272,7 @@ void tst_FormAddingTerminal::unknown_text_counts_as_other()
     QCOMPARE(shownOutputs(), QStringList(QStringLiteral("Output")));
 }
 
-void tst_FormAddingTerminal::models_of_the_same_name_are_one()
+void tst_FormAddingTerminal::modelsOfTheSameNameAreOne()
 {
     form->addTerminal(false, QStringLiteral("Two"), {QStringLiteral("X")});
     showForm();
@@ -280,7 +280,7 @@ void tst_FormAddingTerminal::models_of_the_same_name_are_one()
     QCOMPARE(shownOutputs(), QStringList({QStringLiteral("Lamp"), QStringLiteral("Horn")}));
 }
 
-void tst_FormAddingTerminal::number_of_outputs_shows_their_names_data()
+void tst_FormAddingTerminal::numberOfOutputsShowsTheirNames_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<int>("shown");
@@ -289,7 +289,7 @@ void tst_FormAddingTerminal::number_of_outputs_shows_their_names_data()
     }
 }
 
-void tst_FormAddingTerminal::number_of_outputs_shows_their_names()
+void tst_FormAddingTerminal::numberOfOutputsShowsTheirNames()
 {
     QFETCH(int, number);
     QFETCH(int, shown);
@@ -300,7 +300,7 @@ void tst_FormAddingTerminal::number_of_outputs_shows_their_names()
     QCOMPARE(outputEdit(1)->isVisible(), shown > 0);
 }
 
-void tst_FormAddingTerminal::number_of_outputs_goes_up_to_two()
+void tst_FormAddingTerminal::numberOfOutputsGoesUpToTwo()
 {
     showForm();
     for (int i = 0; i < 4; ++i) {
@@ -315,7 +315,7 @@ void tst_FormAddingTerminal::number_of_outputs_goes_up_to_two()
     QCOMPARE(shownOutputs().size(), 1);
 }
 
-void tst_FormAddingTerminal::taken_addresses_are_not_offered()
+void tst_FormAddingTerminal::takenAddressesAreNotOffered()
 {
     info->addGroup(QStringLiteral("a"), 1);
     info->addGroup(QStringLiteral("b"), 30);
@@ -328,7 +328,7 @@ void tst_FormAddingTerminal::taken_addresses_are_not_offered()
     QVERIFY(add->isEnabled());
 }
 
-void tst_FormAddingTerminal::no_free_address_disables_adding_for_good()
+void tst_FormAddingTerminal::noFreeAddressDisablesAddingForGood()
 {
     for (quint16 address = 1; address < 32; ++address) {
         info->addGroup(QStringLiteral("t"), address);
@@ -346,7 +346,7 @@ void tst_FormAddingTerminal::no_free_address_disables_adding_for_good()
     QVERIFY(!add->isEnabled());
 }
 
-void tst_FormAddingTerminal::added_terminal_is_reported()
+void tst_FormAddingTerminal::addedTerminalIsReported()
 {
     showForm();
     models->setCurrentText(QStringLiteral("Two"));
@@ -355,26 +355,25 @@ void tst_FormAddingTerminal::added_terminal_is_reported()
     QTest::mouseClick(add, Qt::LeftButton);
     QCOMPARE(added.size(), 1);
     QCOMPARE(added.first().name, QStringLiteral("Two"));
-    QCOMPARE(added.first().address, static_cast<short>(17));
+    QCOMPARE(added.first().address, short(17));
     QCOMPARE(added.first().outputs, QStringList({QStringLiteral("Lamp"), QStringLiteral("Siren")}));
     QVERIFY(!form->isVisible());
 }
 
-void tst_FormAddingTerminal::added_address_is_gone_at_the_next_showing()
+void tst_FormAddingTerminal::addedAddressIsGoneAtTheNextShowing()
 {
-    connect(
-        form.get(), &FormAddingTerminal::sig_addNewGroupRelay, info.data(),
-        [this](const QString& terminal, short address) { info->addGroup(terminal, static_cast<quint16>(address)); });
+    connect(form.get(), &FormAddingTerminal::sig_addNewGroupRelay, info.data(),
+            [this](const QString& terminal, short address) { info->addGroup(terminal, quint16(address)); });
     for (int expected = 1; expected <= 3; ++expected) {
         showForm();
         QTest::mouseClick(add, Qt::LeftButton);
-        QCOMPARE(added.last().address, static_cast<short>(expected));
+        QCOMPARE(added.last().address, short(expected));
     }
     showForm();
     QCOMPARE(addresses->itemText(0), QStringLiteral("4"));
 }
 
-void tst_FormAddingTerminal::address_taken_meanwhile_is_not_added()
+void tst_FormAddingTerminal::addressTakenMeanwhileIsNotAdded()
 {
     showForm();
     addresses->setCurrentText(QStringLiteral("5"));
@@ -387,7 +386,7 @@ void tst_FormAddingTerminal::address_taken_meanwhile_is_not_added()
     QCOMPARE(added.size(), 1);
 }
 
-void tst_FormAddingTerminal::keys_alone_add_a_terminal()
+void tst_FormAddingTerminal::keysAloneAddATerminal()
 {
     showForm();
     name->setFocus();
@@ -408,7 +407,7 @@ void tst_FormAddingTerminal::keys_alone_add_a_terminal()
     QCOMPARE(added.first().name, QStringLiteral("Siren"));
 }
 
-void tst_FormAddingTerminal::return_adds_from_any_field_data()
+void tst_FormAddingTerminal::returnAddsFromAnyField_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<QString>("field");
@@ -419,7 +418,7 @@ void tst_FormAddingTerminal::return_adds_from_any_field_data()
     QTest::newRow("enter of the number pad") << int(Qt::Key_Enter) << QStringLiteral("lineEditTerminal");
 }
 
-void tst_FormAddingTerminal::return_adds_from_any_field()
+void tst_FormAddingTerminal::returnAddsFromAnyField()
 {
     QFETCH(int, key);
     QFETCH(QString, field);
@@ -431,7 +430,7 @@ void tst_FormAddingTerminal::return_adds_from_any_field()
     QVERIFY(!form->isVisible());
 }
 
-void tst_FormAddingTerminal::return_on_cancel_cancels()
+void tst_FormAddingTerminal::returnOnCancelCancels()
 {
     showForm();
     cancel->setFocus();
@@ -440,7 +439,7 @@ void tst_FormAddingTerminal::return_on_cancel_cancels()
     QVERIFY(!form->isVisible());
 }
 
-void tst_FormAddingTerminal::escape_cancels()
+void tst_FormAddingTerminal::escapeCancels()
 {
     showForm();
     name->setFocus();
@@ -449,7 +448,7 @@ void tst_FormAddingTerminal::escape_cancels()
     QVERIFY(!form->isVisible());
 }
 
-void tst_FormAddingTerminal::opens_over_its_window_with_the_first_field_in_focus()
+void tst_FormAddingTerminal::opensOverItsWindowWithTheFirstFieldInFocus()
 {
     QWidget window;
     window.setGeometry(350, 250, 420, 320);
@@ -467,7 +466,7 @@ void tst_FormAddingTerminal::opens_over_its_window_with_the_first_field_in_focus
     }
 }
 
-void tst_FormAddingTerminal::cancel_keeps_nothing()
+void tst_FormAddingTerminal::cancelKeepsNothing()
 {
     showForm();
     name->setText(QStringLiteral("x"));
@@ -478,7 +477,7 @@ void tst_FormAddingTerminal::cancel_keeps_nothing()
     QCOMPARE(name->text(), QStringLiteral("New executive terminal"));
 }
 
-void tst_FormAddingTerminal::coming_back_from_an_icon_keeps_what_was_entered()
+void tst_FormAddingTerminal::comingBackFromAnIconKeepsWhatWasEntered()
 {
     showForm();
     name->setText(QStringLiteral("Siren"));
@@ -488,7 +487,7 @@ void tst_FormAddingTerminal::coming_back_from_an_icon_keeps_what_was_entered()
     QCOMPARE(name->text(), QStringLiteral("Siren"));
 }
 
-void tst_FormAddingTerminal::odd_names_are_passed_on_as_they_are()
+void tst_FormAddingTerminal::oddNamesArePassedOnAsTheyAre()
 {
     const QString odd = QStringLiteral("<b>%1 & \"Реле\"</b>");
     form->addTerminal(false, odd, {QString(200, QLatin1Char('W'))});
@@ -500,7 +499,7 @@ void tst_FormAddingTerminal::odd_names_are_passed_on_as_they_are()
     QCOMPARE(added.first().outputs, QStringList(QString(200, QLatin1Char('W'))));
 }
 
-void tst_FormAddingTerminal::closes_with_its_window()
+void tst_FormAddingTerminal::closesWithItsWindow()
 {
     auto window = std::make_unique<QWidget>();
     auto* child = new FormAddingTerminal(info, window.get());

@@ -38,18 +38,18 @@ class tst_NodeTree : public QObject
     Q_OBJECT
 
 private slots:
-    void frames_in_view_are_shown_and_no_others();
-    void scrolling_shows_what_comes_into_view();
-    void jumping_shows_what_comes_into_view();
-    void expanding_shows_the_children_in_view();
-    void collapsed_children_are_hidden_again();
-    void growing_shows_more();
-    void tree_that_is_filled_while_hidden_is_whole_when_shown();
-    void other_widgets_are_shown_at_once();
-    void rows_have_the_height_they_were_told();
+    void framesInViewAreShownAndNoOthers();
+    void scrollingShowsWhatComesIntoView();
+    void jumpingShowsWhatComesIntoView();
+    void expandingShowsTheChildrenInView();
+    void collapsedChildrenAreHiddenAgain();
+    void growingShowsMore();
+    void treeThatIsFilledWhileHiddenIsWholeWhenShown();
+    void otherWidgetsAreShownAtOnce();
+    void rowsHaveTheHeightTheyWereTold();
 };
 
-void tst_NodeTree::frames_in_view_are_shown_and_no_others()
+void tst_NodeTree::framesInViewAreShownAndNoOthers()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -64,7 +64,7 @@ void tst_NodeTree::frames_in_view_are_shown_and_no_others()
     }
 }
 
-void tst_NodeTree::scrolling_shows_what_comes_into_view()
+void tst_NodeTree::scrollingShowsWhatComesIntoView()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -78,7 +78,7 @@ void tst_NodeTree::scrolling_shows_what_comes_into_view()
     QCOMPARE(frameOf(tree, next)->geometry(), tree.visualItemRect(next).adjusted(0, 0, 0, -NodeTree::gap));
 }
 
-void tst_NodeTree::jumping_shows_what_comes_into_view()
+void tst_NodeTree::jumpingShowsWhatComesIntoView()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -92,7 +92,7 @@ void tst_NodeTree::jumping_shows_what_comes_into_view()
     QVERIFY(!frameOf(tree, tree.topLevelItem(10))->isVisible());
 }
 
-void tst_NodeTree::expanding_shows_the_children_in_view()
+void tst_NodeTree::expandingShowsTheChildrenInView()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -105,7 +105,7 @@ void tst_NodeTree::expanding_shows_the_children_in_view()
     QVERIFY(!frameOf(tree, tree.topLevelItem(20)->child(0))->isVisible());
 }
 
-void tst_NodeTree::collapsed_children_are_hidden_again()
+void tst_NodeTree::collapsedChildrenAreHiddenAgain()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -121,7 +121,7 @@ void tst_NodeTree::collapsed_children_are_hidden_again()
     QTRY_VERIFY(child->isVisible());
 }
 
-void tst_NodeTree::growing_shows_more()
+void tst_NodeTree::growingShowsMore()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -133,7 +133,7 @@ void tst_NodeTree::growing_shows_more()
     QTRY_VERIFY(frameOf(tree, tree.topLevelItem(7))->isVisible());
 }
 
-void tst_NodeTree::tree_that_is_filled_while_hidden_is_whole_when_shown()
+void tst_NodeTree::treeThatIsFilledWhileHiddenIsWholeWhenShown()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -148,7 +148,7 @@ void tst_NodeTree::tree_that_is_filled_while_hidden_is_whole_when_shown()
     QVERIFY(frameOf(tree, tree.topLevelItem(3))->isVisible());
 }
 
-void tst_NodeTree::other_widgets_are_shown_at_once()
+void tst_NodeTree::otherWidgetsAreShownAtOnce()
 {
     NodeTree tree;
     tree.resize(200, 200);
@@ -160,7 +160,7 @@ void tst_NodeTree::other_widgets_are_shown_at_once()
     QVERIFY(label->isVisible());
 }
 
-void tst_NodeTree::rows_have_the_height_they_were_told()
+void tst_NodeTree::rowsHaveTheHeightTheyWereTold()
 {
     NodeFrame frame;
     auto* layout = new QVBoxLayout(&frame);

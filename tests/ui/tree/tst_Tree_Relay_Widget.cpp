@@ -34,31 +34,31 @@ class tst_Tree_Relay_Widget : public ShownTree
     Q_OBJECT
 
 private slots:
-    void tree_looks_as_it_should();
-    void shows_a_node_for_each_group_and_output();
-    void node_of_an_output_holds_its_widgets();
-    void start_state_and_return_are_shown();
-    void start_state_that_the_table_lacks_is_red();
-    void numberless_output_is_shown();
-    void add_button_is_there_up_to_31_nodes_data();
-    void add_button_is_there_up_to_31_nodes();
-    void add_button_asks_for_a_new_terminal();
-    void groups_are_green_when_connected();
-    void outputs_are_grey_without_scripts();
-    void changed_scripts_repaint_the_selected_node_only();
-    void changed_scripts_repaint_the_node_of_a_selected_output();
-    void changed_scripts_repaint_the_output_worked_on_beside_a_terminal_without_outputs();
-    void lost_outputs_are_reported();
-    void chosen_start_state_goes_into_the_model();
-    void wheel_is_left_to_the_tree();
-    void clicked_return_goes_into_the_model();
-    void slots_without_a_sender_do_nothing();
-    void largest_tree_is_whole_in_every_row();
-    void narrow_dock_cuts_no_row();
-    void clicks_and_keys_in_any_speed_are_harmless();
+    void treeLooksAsItShould();
+    void showsANodeForEachGroupAndOutput();
+    void nodeOfAnOutputHoldsItsWidgets();
+    void startStateAndReturnAreShown();
+    void startStateThatTheTableLacksIsRed();
+    void numberlessOutputIsShown();
+    void addButtonIsThereUpTo31Nodes_data();
+    void addButtonIsThereUpTo31Nodes();
+    void addButtonAsksForANewTerminal();
+    void groupsAreGreenWhenConnected();
+    void outputsAreGreyWithoutScripts();
+    void changedScriptsRepaintTheSelectedNodeOnly();
+    void changedScriptsRepaintTheNodeOfASelectedOutput();
+    void changedScriptsRepaintTheOutputWorkedOnBesideATerminalWithoutOutputs();
+    void lostOutputsAreReported();
+    void chosenStartStateGoesIntoTheModel();
+    void wheelIsLeftToTheTree();
+    void clickedReturnGoesIntoTheModel();
+    void slotsWithoutASenderDoNothing();
+    void largestTreeIsWholeInEveryRow();
+    void narrowDockCutsNoRow();
+    void clicksAndKeysInAnySpeedAreHarmless();
 };
 
-void tst_Tree_Relay_Widget::tree_looks_as_it_should()
+void tst_Tree_Relay_Widget::treeLooksAsItShould()
 {
     QCOMPARE(list->styleSheet(),
              QStringLiteral("QTreeView {selection-background-color: rgba(0, 0, 255, 30); selection-color: black;} "
@@ -68,7 +68,7 @@ void tst_Tree_Relay_Widget::tree_looks_as_it_should()
     QCOMPARE(list->contextMenuPolicy(), Qt::CustomContextMenu);
 }
 
-void tst_Tree_Relay_Widget::shows_a_node_for_each_group_and_output()
+void tst_Tree_Relay_Widget::showsANodeForEachGroupAndOutput()
 {
     addTerminal(7, 2);
     addTerminal(3, 1);
@@ -87,7 +87,7 @@ void tst_Tree_Relay_Widget::shows_a_node_for_each_group_and_output()
     QVERIFY(!label(outputItem(0, 0))->isHidden());
 }
 
-void tst_Tree_Relay_Widget::node_of_an_output_holds_its_widgets()
+void tst_Tree_Relay_Widget::nodeOfAnOutputHoldsItsWidgets()
 {
     build();
     QTreeWidgetItem* item = outputItem(0, 0);
@@ -114,7 +114,7 @@ void tst_Tree_Relay_Widget::node_of_an_output_holds_its_widgets()
     QVERIFY(label(item)->mapTo(frame(item), QPoint()).y() < settings->y());
 }
 
-void tst_Tree_Relay_Widget::start_state_and_return_are_shown()
+void tst_Tree_Relay_Widget::startStateAndReturnAreShown()
 {
     const auto outputs = info->groups().first()->outputs;
     outputs.at(1)->startState = info->outputStateAt(1);
@@ -136,7 +136,7 @@ void tst_Tree_Relay_Widget::start_state_and_return_are_shown()
     QCOMPARE(outputs.at(1)->startState, info->outputStateAt(1));
 }
 
-void tst_Tree_Relay_Widget::start_state_that_the_table_lacks_is_red()
+void tst_Tree_Relay_Widget::startStateThatTheTableLacksIsRed()
 {
     const auto outputs = info->groups().first()->outputs;
     outputs.at(0)->startState.clear();
@@ -152,7 +152,7 @@ void tst_Tree_Relay_Widget::start_state_that_the_table_lacks_is_red()
     QCOMPARE(outputs.at(1)->startState, strange);
 }
 
-void tst_Tree_Relay_Widget::numberless_output_is_shown()
+void tst_Tree_Relay_Widget::numberlessOutputIsShown()
 {
     addTerminal(1, 9);
     build();
@@ -161,7 +161,7 @@ void tst_Tree_Relay_Widget::numberless_output_is_shown()
     QCOMPARE(combo(1, 8)->currentIndex(), -1);
 }
 
-void tst_Tree_Relay_Widget::add_button_is_there_up_to_31_nodes_data()
+void tst_Tree_Relay_Widget::addButtonIsThereUpTo31Nodes_data()
 {
     QTest::addColumn<int>("nodes");
     QTest::addColumn<bool>("there");
@@ -171,19 +171,19 @@ void tst_Tree_Relay_Widget::add_button_is_there_up_to_31_nodes_data()
     QTest::newRow("33 nodes, as a file may have them") << 33 << false;
 }
 
-void tst_Tree_Relay_Widget::add_button_is_there_up_to_31_nodes()
+void tst_Tree_Relay_Widget::addButtonIsThereUpTo31Nodes()
 {
     QFETCH(int, nodes);
     QFETCH(bool, there);
     for (int address = 1; address < nodes; ++address) {
-        addTerminal(static_cast<quint16>(address), 1);
+        addTerminal(quint16(address), 1);
     }
     build();
     QCOMPARE(list->topLevelItemCount(), nodes + (there ? 1 : 0));
     QCOMPARE(addButton() != nullptr, there);
 }
 
-void tst_Tree_Relay_Widget::add_button_asks_for_a_new_terminal()
+void tst_Tree_Relay_Widget::addButtonAsksForANewTerminal()
 {
     build();
     QSignalSpy spy(tree.get(), &Tree_Relay_Widget::sig_newGroupRelay);
@@ -198,7 +198,7 @@ void tst_Tree_Relay_Widget::add_button_asks_for_a_new_terminal()
     QCOMPARE(spy.count(), 1);
 }
 
-void tst_Tree_Relay_Widget::groups_are_green_when_connected()
+void tst_Tree_Relay_Widget::groupsAreGreenWhenConnected()
 {
     addTerminal(1, 1)->connected = true;
     addTerminal(2, 1);
@@ -207,7 +207,7 @@ void tst_Tree_Relay_Widget::groups_are_green_when_connected()
     QCOMPARE(frame(groupItem(2))->styleSheet(), frameStyle(white));
 }
 
-void tst_Tree_Relay_Widget::outputs_are_grey_without_scripts()
+void tst_Tree_Relay_Widget::outputsAreGreyWithoutScripts()
 {
     info->groups().first()->outputs.at(2)->activatedScripts.append(info->scripts().first());
     build();
@@ -215,7 +215,7 @@ void tst_Tree_Relay_Widget::outputs_are_grey_without_scripts()
     QCOMPARE(frame(outputItem(0, 2))->styleSheet(), frameStyle(white));
 }
 
-void tst_Tree_Relay_Widget::changed_scripts_repaint_the_selected_node_only()
+void tst_Tree_Relay_Widget::changedScriptsRepaintTheSelectedNodeOnly()
 {
     addTerminal(1, 1);
     build();
@@ -230,7 +230,7 @@ void tst_Tree_Relay_Widget::changed_scripts_repaint_the_selected_node_only()
     QCOMPARE(frame(outputItem(0, 5))->styleSheet(), frameStyle(grey));
 }
 
-void tst_Tree_Relay_Widget::changed_scripts_repaint_the_node_of_a_selected_output()
+void tst_Tree_Relay_Widget::changedScriptsRepaintTheNodeOfASelectedOutput()
 {
     addTerminal(1, 2);
     build();
@@ -240,7 +240,7 @@ void tst_Tree_Relay_Widget::changed_scripts_repaint_the_node_of_a_selected_outpu
     QCOMPARE(frame(outputItem(1, 0))->styleSheet(), frameStyle(white));
 }
 
-void tst_Tree_Relay_Widget::changed_scripts_repaint_the_output_worked_on_beside_a_terminal_without_outputs()
+void tst_Tree_Relay_Widget::changedScriptsRepaintTheOutputWorkedOnBesideATerminalWithoutOutputs()
 {
     const RelayInformationPtr relay = addTerminal(1, 2)->outputs.at(1);
     addTerminal(2, 0);
@@ -256,7 +256,7 @@ void tst_Tree_Relay_Widget::changed_scripts_repaint_the_output_worked_on_beside_
     QCOMPARE(frame(outputItem(1, 1))->styleSheet(), frameStyle(grey));
 }
 
-void tst_Tree_Relay_Widget::lost_outputs_are_reported()
+void tst_Tree_Relay_Widget::lostOutputsAreReported()
 {
     const GroupRelayPtr group = addTerminal(1, 3);
     group->outputs[0].clear();
@@ -279,7 +279,7 @@ void tst_Tree_Relay_Widget::lost_outputs_are_reported()
     QCOMPARE(lines.lines().constLast(), logLine(QStringLiteral("Relay NOT FOUND to sl_refreshCurrentNodeTree()_(1)")));
 }
 
-void tst_Tree_Relay_Widget::chosen_start_state_goes_into_the_model()
+void tst_Tree_Relay_Widget::chosenStartStateGoesIntoTheModel()
 {
     const RelayInformationPtr relay = info->groups().first()->outputs.at(1);
     build();
@@ -296,7 +296,7 @@ void tst_Tree_Relay_Widget::chosen_start_state_goes_into_the_model()
     QCOMPARE(info->groups().first()->outputs.at(0)->startState, info->outputStateAt(0));
 }
 
-void tst_Tree_Relay_Widget::wheel_is_left_to_the_tree()
+void tst_Tree_Relay_Widget::wheelIsLeftToTheTree()
 {
     build();
     QComboBox* box = combo(0, 1);
@@ -309,7 +309,7 @@ void tst_Tree_Relay_Widget::wheel_is_left_to_the_tree()
     QCOMPARE(box->currentIndex(), 0);
 }
 
-void tst_Tree_Relay_Widget::clicked_return_goes_into_the_model()
+void tst_Tree_Relay_Widget::clickedReturnGoesIntoTheModel()
 {
     const RelayInformationPtr relay = info->groups().first()->outputs.at(0);
     build();
@@ -320,7 +320,7 @@ void tst_Tree_Relay_Widget::clicked_return_goes_into_the_model()
     QVERIFY(!relay->returnStartState);
 }
 
-void tst_Tree_Relay_Widget::slots_without_a_sender_do_nothing()
+void tst_Tree_Relay_Widget::slotsWithoutASenderDoNothing()
 {
     build();
     tree->sl_StartStateChanged(1);
@@ -329,7 +329,7 @@ void tst_Tree_Relay_Widget::slots_without_a_sender_do_nothing()
     QVERIFY(!info->groups().first()->outputs.first()->returnStartState);
 }
 
-void tst_Tree_Relay_Widget::largest_tree_is_whole_in_every_row()
+void tst_Tree_Relay_Widget::largestTreeIsWholeInEveryRow()
 {
     for (quint16 address = 1; address < 32; ++address) {
         addTerminal(address, 8);
@@ -347,7 +347,7 @@ void tst_Tree_Relay_Widget::largest_tree_is_whole_in_every_row()
     }
 }
 
-void tst_Tree_Relay_Widget::narrow_dock_cuts_no_row()
+void tst_Tree_Relay_Widget::narrowDockCutsNoRow()
 {
     build();
     tree->resize(200, 700);
@@ -362,7 +362,7 @@ void tst_Tree_Relay_Widget::narrow_dock_cuts_no_row()
     QCOMPARE(frame(outputItem(0, 0))->geometry().right(), list->viewport()->rect().right());
 }
 
-void tst_Tree_Relay_Widget::clicks_and_keys_in_any_speed_are_harmless()
+void tst_Tree_Relay_Widget::clicksAndKeysInAnySpeedAreHarmless()
 {
     addTerminal(1, 2);
     build();

@@ -37,30 +37,30 @@ class tst_Tree_Relay_WidgetNames : public ShownTree
     Q_OBJECT
 
 private slots:
-    void menu_on_a_terminal();
-    void menu_on_an_output();
-    void menu_is_there_for_the_head_unit_too();
-    void no_menu_beside_the_nodes();
-    void menu_by_mouse_on_the_name();
-    void menu_by_mouse_on_the_start_state();
-    void menu_asks_to_hide_disconnected_terminals();
-    void menu_that_outlives_the_nodes_renames_nothing();
-    void rename_from_the_menu();
-    void rename_chosen_with_the_enter_key_goes_on();
-    void rename_without_a_node_does_nothing();
-    void double_click_renames_an_output();
-    void double_click_on_a_terminal_does_nothing();
-    void name_follows_each_key();
-    void enter_ends_renaming_data();
-    void enter_ends_renaming();
-    void losing_the_focus_ends_renaming();
-    void menu_of_the_edit_does_not_end_renaming();
-    void pasted_name_is_kept();
-    void odd_names_are_shown_as_they_are_data();
-    void odd_names_are_shown_as_they_are();
-    void filter_keeps_no_event();
-    void rebuild_while_renaming_is_harmless();
-    void gone_node_ends_the_renaming_of_another();
+    void menuOnATerminal();
+    void menuOnAnOutput();
+    void menuIsThereForTheHeadUnitToo();
+    void noMenuBesideTheNodes();
+    void menuByMouseOnTheName();
+    void menuByMouseOnTheStartState();
+    void menuAsksToHideDisconnectedTerminals();
+    void menuThatOutlivesTheNodesRenamesNothing();
+    void renameFromTheMenu();
+    void renameChosenWithTheEnterKeyGoesOn();
+    void renameWithoutANodeDoesNothing();
+    void doubleClickRenamesAnOutput();
+    void doubleClickOnATerminalDoesNothing();
+    void nameFollowsEachKey();
+    void enterEndsRenaming_data();
+    void enterEndsRenaming();
+    void losingTheFocusEndsRenaming();
+    void menuOfTheEditDoesNotEndRenaming();
+    void pastedNameIsKept();
+    void oddNamesAreShownAsTheyAre_data();
+    void oddNamesAreShownAsTheyAre();
+    void filterKeepsNoEvent();
+    void rebuildWhileRenamingIsHarmless();
+    void goneNodeEndsTheRenamingOfAnother();
 
 private:
     void runMenu(QTreeWidgetItem* item, const std::function<void(QMenu*)>& use);
@@ -93,7 +93,7 @@ void tst_Tree_Relay_WidgetNames::startRename(QTreeWidgetItem* item)
     tree->sl_RunRename();
 }
 
-void tst_Tree_Relay_WidgetNames::gone_node_ends_the_renaming_of_another()
+void tst_Tree_Relay_WidgetNames::goneNodeEndsTheRenamingOfAnother()
 {
     addTerminal(3, 1);
     addTerminal(5, 1);
@@ -109,7 +109,7 @@ void tst_Tree_Relay_WidgetNames::gone_node_ends_the_renaming_of_another()
     QVERIFY(edit(groupItem(1))->isHidden());
 }
 
-void tst_Tree_Relay_WidgetNames::menu_on_a_terminal()
+void tst_Tree_Relay_WidgetNames::menuOnATerminal()
 {
     const GroupRelayPtr group = addTerminal(4, 1);
     build();
@@ -131,7 +131,7 @@ void tst_Tree_Relay_WidgetNames::menu_on_a_terminal()
     QCOMPARE(hidden, QList<GroupRelayPtr>{group});
 }
 
-void tst_Tree_Relay_WidgetNames::menu_on_an_output()
+void tst_Tree_Relay_WidgetNames::menuOnAnOutput()
 {
     const GroupRelayPtr group = addTerminal(4, 2);
     build();
@@ -145,14 +145,14 @@ void tst_Tree_Relay_WidgetNames::menu_on_an_output()
     QCOMPARE(hidden, QList<GroupRelayPtr>{group});
 }
 
-void tst_Tree_Relay_WidgetNames::menu_is_there_for_the_head_unit_too()
+void tst_Tree_Relay_WidgetNames::menuIsThereForTheHeadUnitToo()
 {
     build();
     chooseFromMenu(groupItem(0), 0);
     QCOMPARE(hidden, QList<GroupRelayPtr>{info->groups().first()});
 }
 
-void tst_Tree_Relay_WidgetNames::no_menu_beside_the_nodes()
+void tst_Tree_Relay_WidgetNames::noMenuBesideTheNodes()
 {
     info->groups().first()->expand = false;
     build();
@@ -173,7 +173,7 @@ void tst_Tree_Relay_WidgetNames::no_menu_beside_the_nodes()
     QVERIFY(edit(groupItem(0))->isHidden());
 }
 
-void tst_Tree_Relay_WidgetNames::menu_by_mouse_on_the_name()
+void tst_Tree_Relay_WidgetNames::menuByMouseOnTheName()
 {
     const GroupRelayPtr group = addTerminal(4, 1);
     build();
@@ -188,7 +188,7 @@ void tst_Tree_Relay_WidgetNames::menu_by_mouse_on_the_name()
     QCOMPARE(hidden, QList<GroupRelayPtr>{group});
 }
 
-void tst_Tree_Relay_WidgetNames::menu_by_mouse_on_the_start_state()
+void tst_Tree_Relay_WidgetNames::menuByMouseOnTheStartState()
 {
     build();
     const auto rename = std::make_shared<QString>();
@@ -203,7 +203,7 @@ void tst_Tree_Relay_WidgetNames::menu_by_mouse_on_the_start_state()
     QVERIFY(box->isVisible() && box->currentIndex() == 0);
 }
 
-void tst_Tree_Relay_WidgetNames::menu_asks_to_hide_disconnected_terminals()
+void tst_Tree_Relay_WidgetNames::menuAsksToHideDisconnectedTerminals()
 {
     build();
     chooseFromMenu(outputItem(0, 0), 1);
@@ -211,7 +211,7 @@ void tst_Tree_Relay_WidgetNames::menu_asks_to_hide_disconnected_terminals()
     QVERIFY(hidden.isEmpty());
 }
 
-void tst_Tree_Relay_WidgetNames::menu_that_outlives_the_nodes_renames_nothing()
+void tst_Tree_Relay_WidgetNames::menuThatOutlivesTheNodesRenamesNothing()
 {
     addTerminal(4, 1);
     build();
@@ -225,7 +225,7 @@ void tst_Tree_Relay_WidgetNames::menu_that_outlives_the_nodes_renames_nothing()
     QVERIFY(edit(groupItem(0))->isHidden());
 }
 
-void tst_Tree_Relay_WidgetNames::rename_from_the_menu()
+void tst_Tree_Relay_WidgetNames::renameFromTheMenu()
 {
     const GroupRelayPtr group = addTerminal(4, 1);
     build();
@@ -246,7 +246,7 @@ void tst_Tree_Relay_WidgetNames::rename_from_the_menu()
     QCOMPARE(edit(outputItem(1, 0))->text(), QStringLiteral("Output"));
 }
 
-void tst_Tree_Relay_WidgetNames::rename_chosen_with_the_enter_key_goes_on()
+void tst_Tree_Relay_WidgetNames::renameChosenWithTheEnterKeyGoesOn()
 {
     const RelayInformationPtr relay = info->groups().first()->outputs.first();
     build();
@@ -272,7 +272,7 @@ void tst_Tree_Relay_WidgetNames::rename_chosen_with_the_enter_key_goes_on()
     QCOMPARE(relay->name, QStringLiteral("Internal relaya"));
 }
 
-void tst_Tree_Relay_WidgetNames::rename_without_a_node_does_nothing()
+void tst_Tree_Relay_WidgetNames::renameWithoutANodeDoesNothing()
 {
     tree->sl_RunRename();
     build();
@@ -281,7 +281,7 @@ void tst_Tree_Relay_WidgetNames::rename_without_a_node_does_nothing()
     QCOMPARE(renames, 0);
 }
 
-void tst_Tree_Relay_WidgetNames::double_click_renames_an_output()
+void tst_Tree_Relay_WidgetNames::doubleClickRenamesAnOutput()
 {
     build();
     QTest::mouseDClick(label(outputItem(0, 1)), Qt::LeftButton);
@@ -290,7 +290,7 @@ void tst_Tree_Relay_WidgetNames::double_click_renames_an_output()
     QCOMPARE(edit(outputItem(0, 1))->text(), QStringLiteral("Internal relay"));
 }
 
-void tst_Tree_Relay_WidgetNames::double_click_on_a_terminal_does_nothing()
+void tst_Tree_Relay_WidgetNames::doubleClickOnATerminalDoesNothing()
 {
     build();
     QTest::mouseDClick(label(groupItem(0)), Qt::LeftButton);
@@ -299,7 +299,7 @@ void tst_Tree_Relay_WidgetNames::double_click_on_a_terminal_does_nothing()
     QVERIFY(groupItem(0)->isExpanded());
 }
 
-void tst_Tree_Relay_WidgetNames::name_follows_each_key()
+void tst_Tree_Relay_WidgetNames::nameFollowsEachKey()
 {
     const RelayInformationPtr relay = info->groups().first()->outputs.at(1);
     build();
@@ -317,14 +317,14 @@ void tst_Tree_Relay_WidgetNames::name_follows_each_key()
     QVERIFY(name->isVisible());
 }
 
-void tst_Tree_Relay_WidgetNames::enter_ends_renaming_data()
+void tst_Tree_Relay_WidgetNames::enterEndsRenaming_data()
 {
     QTest::addColumn<int>("key");
-    QTest::newRow("return") << static_cast<int>(Qt::Key_Return);
-    QTest::newRow("enter of the number pad") << static_cast<int>(Qt::Key_Enter);
+    QTest::newRow("return") << int(Qt::Key_Return);
+    QTest::newRow("enter of the number pad") << int(Qt::Key_Enter);
 }
 
-void tst_Tree_Relay_WidgetNames::enter_ends_renaming()
+void tst_Tree_Relay_WidgetNames::enterEndsRenaming()
 {
     QFETCH(int, key);
     build();
@@ -339,7 +339,7 @@ void tst_Tree_Relay_WidgetNames::enter_ends_renaming()
     QCOMPARE(renames, 2);
 }
 
-void tst_Tree_Relay_WidgetNames::losing_the_focus_ends_renaming()
+void tst_Tree_Relay_WidgetNames::losingTheFocusEndsRenaming()
 {
     build();
     QTest::mouseDClick(label(outputItem(0, 0)), Qt::LeftButton);
@@ -349,7 +349,7 @@ void tst_Tree_Relay_WidgetNames::losing_the_focus_ends_renaming()
     QCOMPARE(renames, 0);
 }
 
-void tst_Tree_Relay_WidgetNames::menu_of_the_edit_does_not_end_renaming()
+void tst_Tree_Relay_WidgetNames::menuOfTheEditDoesNotEndRenaming()
 {
     build();
     QTest::mouseDClick(label(outputItem(0, 0)), Qt::LeftButton);
@@ -358,7 +358,7 @@ void tst_Tree_Relay_WidgetNames::menu_of_the_edit_does_not_end_renaming()
     QVERIFY(edit(outputItem(0, 0))->isVisible());
 }
 
-void tst_Tree_Relay_WidgetNames::pasted_name_is_kept()
+void tst_Tree_Relay_WidgetNames::pastedNameIsKept()
 {
     const RelayInformationPtr relay = info->groups().first()->outputs.at(0);
     build();
@@ -370,7 +370,7 @@ void tst_Tree_Relay_WidgetNames::pasted_name_is_kept()
     QCOMPARE(renames, 1);
 }
 
-void tst_Tree_Relay_WidgetNames::odd_names_are_shown_as_they_are_data()
+void tst_Tree_Relay_WidgetNames::oddNamesAreShownAsTheyAre_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("empty") << QString();
@@ -382,7 +382,7 @@ void tst_Tree_Relay_WidgetNames::odd_names_are_shown_as_they_are_data()
     QTest::newRow("200 letters") << QString(200, QLatin1Char('W'));
 }
 
-void tst_Tree_Relay_WidgetNames::odd_names_are_shown_as_they_are()
+void tst_Tree_Relay_WidgetNames::oddNamesAreShownAsTheyAre()
 {
     QFETCH(QString, name);
     const GroupRelayPtr group = addTerminal(4, 1);
@@ -397,7 +397,7 @@ void tst_Tree_Relay_WidgetNames::odd_names_are_shown_as_they_are()
     QVERIFY(label(groupItem(1))->height() < 40);
 }
 
-void tst_Tree_Relay_WidgetNames::filter_keeps_no_event()
+void tst_Tree_Relay_WidgetNames::filterKeepsNoEvent()
 {
     build();
     QTest::mouseDClick(label(outputItem(0, 0)), Qt::LeftButton);
@@ -414,7 +414,7 @@ void tst_Tree_Relay_WidgetNames::filter_keeps_no_event()
     QVERIFY(!tree->eventFilter(this, &click));
 }
 
-void tst_Tree_Relay_WidgetNames::rebuild_while_renaming_is_harmless()
+void tst_Tree_Relay_WidgetNames::rebuildWhileRenamingIsHarmless()
 {
     build();
     QTest::mouseDClick(label(outputItem(0, 0)), Qt::LeftButton);

@@ -10,29 +10,29 @@ class tst_Tree_Relay_WidgetRebuild : public ShownTree
     Q_OBJECT
 
 private slots:
-    void selected_output_is_reported();
-    void selected_terminal_stands_for_its_first_output();
-    void selected_terminal_without_outputs_reports_nothing();
-    void rebuild_keeps_open_nodes_open();
-    void rebuild_keeps_the_selection();
-    void rebuild_selects_the_head_unit_when_asked();
-    void hidden_terminal_passes_the_selection_to_the_one_before();
-    void hidden_terminals_pass_the_selection_to_the_nearest_before();
-    void hidden_terminal_behind_one_without_outputs_passes_the_selection_to_the_head_unit();
-    void gone_nodes_leave_the_widgets_of_the_others();
-    void gone_nodes_leave_what_a_rebuild_leaves_data();
-    void gone_nodes_leave_what_a_rebuild_leaves();
-    void gone_node_makes_room_for_the_add_button();
-    void groups_that_came_as_well_get_their_nodes();
-    void rebuild_without_a_model_is_reported();
-    void focus_without_nodes_is_reported();
-    void new_terminal_is_added_and_selected();
-    void outputs_of_a_new_terminal_are_in_sight();
-    void repeated_rebuilds_leave_nothing_behind();
-    void parts_of_a_rebuild_may_run_alone();
+    void selectedOutputIsReported();
+    void selectedTerminalStandsForItsFirstOutput();
+    void selectedTerminalWithoutOutputsReportsNothing();
+    void rebuildKeepsOpenNodesOpen();
+    void rebuildKeepsTheSelection();
+    void rebuildSelectsTheHeadUnitWhenAsked();
+    void hiddenTerminalPassesTheSelectionToTheOneBefore();
+    void hiddenTerminalsPassTheSelectionToTheNearestBefore();
+    void hiddenTerminalBehindOneWithoutOutputsPassesTheSelectionToTheHeadUnit();
+    void goneNodesLeaveTheWidgetsOfTheOthers();
+    void goneNodesLeaveWhatARebuildLeaves_data();
+    void goneNodesLeaveWhatARebuildLeaves();
+    void goneNodeMakesRoomForTheAddButton();
+    void groupsThatCameAsWellGetTheirNodes();
+    void rebuildWithoutAModelIsReported();
+    void focusWithoutNodesIsReported();
+    void newTerminalIsAddedAndSelected();
+    void outputsOfANewTerminalAreInSight();
+    void repeatedRebuildsLeaveNothingBehind();
+    void partsOfARebuildMayRunAlone();
 };
 
-void tst_Tree_Relay_WidgetRebuild::selected_output_is_reported()
+void tst_Tree_Relay_WidgetRebuild::selectedOutputIsReported()
 {
     const GroupRelayPtr group = addTerminal(1, 2);
     build();
@@ -45,7 +45,7 @@ void tst_Tree_Relay_WidgetRebuild::selected_output_is_reported()
     QCOMPARE(changes.first().group, group);
 }
 
-void tst_Tree_Relay_WidgetRebuild::selected_terminal_stands_for_its_first_output()
+void tst_Tree_Relay_WidgetRebuild::selectedTerminalStandsForItsFirstOutput()
 {
     const GroupRelayPtr group = addTerminal(1, 2);
     build();
@@ -58,7 +58,7 @@ void tst_Tree_Relay_WidgetRebuild::selected_terminal_stands_for_its_first_output
     QCOMPARE(changes.last().group, group);
 }
 
-void tst_Tree_Relay_WidgetRebuild::selected_terminal_without_outputs_reports_nothing()
+void tst_Tree_Relay_WidgetRebuild::selectedTerminalWithoutOutputsReportsNothing()
 {
     addTerminal(1, 0);
     build();
@@ -74,7 +74,7 @@ void tst_Tree_Relay_WidgetRebuild::selected_terminal_without_outputs_reports_not
     QCOMPARE(changes.size(), 1);
 }
 
-void tst_Tree_Relay_WidgetRebuild::rebuild_keeps_open_nodes_open()
+void tst_Tree_Relay_WidgetRebuild::rebuildKeepsOpenNodesOpen()
 {
     addTerminal(1, 1);
     addTerminal(2, 1)->expand = false;
@@ -91,7 +91,7 @@ void tst_Tree_Relay_WidgetRebuild::rebuild_keeps_open_nodes_open()
     QVERIFY(info->findGroup(2)->expand);
 }
 
-void tst_Tree_Relay_WidgetRebuild::rebuild_keeps_the_selection()
+void tst_Tree_Relay_WidgetRebuild::rebuildKeepsTheSelection()
 {
     const GroupRelayPtr group = addTerminal(5, 2);
     build();
@@ -104,7 +104,7 @@ void tst_Tree_Relay_WidgetRebuild::rebuild_keeps_the_selection()
     QCOMPARE(changes.first().group, group);
 }
 
-void tst_Tree_Relay_WidgetRebuild::rebuild_selects_the_head_unit_when_asked()
+void tst_Tree_Relay_WidgetRebuild::rebuildSelectsTheHeadUnitWhenAsked()
 {
     addTerminal(5, 2);
     build();
@@ -114,7 +114,7 @@ void tst_Tree_Relay_WidgetRebuild::rebuild_selects_the_head_unit_when_asked()
     QCOMPARE(changes.last().group, info->groups().first());
 }
 
-void tst_Tree_Relay_WidgetRebuild::hidden_terminal_passes_the_selection_to_the_one_before()
+void tst_Tree_Relay_WidgetRebuild::hiddenTerminalPassesTheSelectionToTheOneBefore()
 {
     addTerminal(3, 1);
     addTerminal(5, 1);
@@ -127,7 +127,7 @@ void tst_Tree_Relay_WidgetRebuild::hidden_terminal_passes_the_selection_to_the_o
     QCOMPARE(changes.last().group, info->findGroup(3));
 }
 
-void tst_Tree_Relay_WidgetRebuild::hidden_terminals_pass_the_selection_to_the_nearest_before()
+void tst_Tree_Relay_WidgetRebuild::hiddenTerminalsPassTheSelectionToTheNearestBefore()
 {
     addTerminal(1, 1)->connected = true;
     addTerminal(2, 1);
@@ -141,7 +141,7 @@ void tst_Tree_Relay_WidgetRebuild::hidden_terminals_pass_the_selection_to_the_ne
     QCOMPARE(changes.last().group, info->findGroup(1));
 }
 
-void tst_Tree_Relay_WidgetRebuild::hidden_terminal_behind_one_without_outputs_passes_the_selection_to_the_head_unit()
+void tst_Tree_Relay_WidgetRebuild::hiddenTerminalBehindOneWithoutOutputsPassesTheSelectionToTheHeadUnit()
 {
     addTerminal(1, 1);
     addTerminal(2, 0);
@@ -154,7 +154,7 @@ void tst_Tree_Relay_WidgetRebuild::hidden_terminal_behind_one_without_outputs_pa
     QCOMPARE(changes.last().relay, info->groups().first()->outputs.first());
 }
 
-void tst_Tree_Relay_WidgetRebuild::gone_nodes_leave_the_widgets_of_the_others()
+void tst_Tree_Relay_WidgetRebuild::goneNodesLeaveTheWidgetsOfTheOthers()
 {
     addTerminal(3, 1);
     addTerminal(5, 2);
@@ -175,7 +175,7 @@ void tst_Tree_Relay_WidgetRebuild::gone_nodes_leave_the_widgets_of_the_others()
     QCOMPARE(label(groupItem(2))->text(), QStringLiteral("Terminal (9)"));
 }
 
-void tst_Tree_Relay_WidgetRebuild::gone_nodes_leave_what_a_rebuild_leaves_data()
+void tst_Tree_Relay_WidgetRebuild::goneNodesLeaveWhatARebuildLeaves_data()
 {
     QTest::addColumn<int>("group");
     QTest::addColumn<int>("output");
@@ -187,7 +187,7 @@ void tst_Tree_Relay_WidgetRebuild::gone_nodes_leave_what_a_rebuild_leaves_data()
     QTest::newRow("a terminal behind the gone one chosen") << 4 << -1;
 }
 
-void tst_Tree_Relay_WidgetRebuild::gone_nodes_leave_what_a_rebuild_leaves()
+void tst_Tree_Relay_WidgetRebuild::goneNodesLeaveWhatARebuildLeaves()
 {
     QFETCH(int, group);
     QFETCH(int, output);
@@ -226,7 +226,7 @@ void tst_Tree_Relay_WidgetRebuild::gone_nodes_leave_what_a_rebuild_leaves()
     QCOMPARE(outcomes.last(), outcomes.first());
 }
 
-void tst_Tree_Relay_WidgetRebuild::gone_node_makes_room_for_the_add_button()
+void tst_Tree_Relay_WidgetRebuild::goneNodeMakesRoomForTheAddButton()
 {
     for (quint16 address = 1; address < 32; ++address) {
         addTerminal(address, 1);
@@ -241,7 +241,7 @@ void tst_Tree_Relay_WidgetRebuild::gone_node_makes_room_for_the_add_button()
     QCOMPARE(list->topLevelItemCount(), 31); // one button is enough
 }
 
-void tst_Tree_Relay_WidgetRebuild::groups_that_came_as_well_get_their_nodes()
+void tst_Tree_Relay_WidgetRebuild::groupsThatCameAsWellGetTheirNodes()
 {
     addTerminal(3, 1);
     build();
@@ -253,7 +253,7 @@ void tst_Tree_Relay_WidgetRebuild::groups_that_came_as_well_get_their_nodes()
     QCOMPARE(groupItem(1)->childCount(), 2);
 }
 
-void tst_Tree_Relay_WidgetRebuild::rebuild_without_a_model_is_reported()
+void tst_Tree_Relay_WidgetRebuild::rebuildWithoutAModelIsReported()
 {
     Tree_Relay_Widget orphan(QSharedPointer<RelayInfo>{});
     const DebugLines lines;
@@ -261,14 +261,14 @@ void tst_Tree_Relay_WidgetRebuild::rebuild_without_a_model_is_reported()
     QCOMPARE(lines.lines(), QStringList(logLine(QStringLiteral("m_info is NULL to fullUpdateTree()"))));
 }
 
-void tst_Tree_Relay_WidgetRebuild::focus_without_nodes_is_reported()
+void tst_Tree_Relay_WidgetRebuild::focusWithoutNodesIsReported()
 {
     const DebugLines lines;
     tree->setFocusOnNode(true);
     QCOMPARE(lines.lines(), QStringList(logLine(QStringLiteral("structure is EMPTY to setFocusOnNode()"))));
 }
 
-void tst_Tree_Relay_WidgetRebuild::new_terminal_is_added_and_selected()
+void tst_Tree_Relay_WidgetRebuild::newTerminalIsAddedAndSelected()
 {
     addTerminal(9, 1);
     build();
@@ -286,7 +286,7 @@ void tst_Tree_Relay_WidgetRebuild::new_terminal_is_added_and_selected()
     QCOMPARE(changes.first().group, group);
 }
 
-void tst_Tree_Relay_WidgetRebuild::outputs_of_a_new_terminal_are_in_sight()
+void tst_Tree_Relay_WidgetRebuild::outputsOfANewTerminalAreInSight()
 {
     for (const quint16 address : {1, 2, 3, 4, 6, 7, 8, 9}) {
         addTerminal(address, 2);
@@ -304,7 +304,7 @@ void tst_Tree_Relay_WidgetRebuild::outputs_of_a_new_terminal_are_in_sight()
     }
 }
 
-void tst_Tree_Relay_WidgetRebuild::repeated_rebuilds_leave_nothing_behind()
+void tst_Tree_Relay_WidgetRebuild::repeatedRebuildsLeaveNothingBehind()
 {
     addTerminal(1, 2);
     build();
@@ -317,7 +317,7 @@ void tst_Tree_Relay_WidgetRebuild::repeated_rebuilds_leave_nothing_behind()
     QCOMPARE(tree->findChildren<QWidget*>().size(), widgets);
 }
 
-void tst_Tree_Relay_WidgetRebuild::parts_of_a_rebuild_may_run_alone()
+void tst_Tree_Relay_WidgetRebuild::partsOfARebuildMayRunAlone()
 {
     tree->updateStructTree();
     tree->updateStructTree();

@@ -28,29 +28,29 @@ private slots:
     void init();
     void cleanup();
 
-    void title_and_size_at_start();
-    void style_and_font_are_the_applications();
-    void menus_stand_in_order();
-    void actions_carry_their_captions_data();
-    void actions_carry_their_captions();
-    void synchronising_is_checked_from_the_start();
-    void tabs_at_start();
-    void docks_can_be_moved_only();
-    void titles_of_the_first_tab();
-    void the_coordinator_form_is_shown_first_and_by_its_action();
-    void forms_that_were_minimised_come_up_when_they_are_shown_data();
-    void forms_that_were_minimised_come_up_when_they_are_shown();
-    void forms_that_block_the_window_offer_no_minimising();
+    void titleAndSizeAtStart();
+    void styleAndFontAreTheApplications();
+    void menusStandInOrder();
+    void actionsCarryTheirCaptions_data();
+    void actionsCarryTheirCaptions();
+    void synchronisingIsCheckedFromTheStart();
+    void tabsAtStart();
+    void docksCanBeMovedOnly();
+    void titlesOfTheFirstTab();
+    void theCoordinatorFormIsShownFirstAndByItsAction();
+    void formsThatWereMinimisedComeUpWhenTheyAreShown_data();
+    void formsThatWereMinimisedComeUpWhenTheyAreShown();
+    void formsThatBlockTheWindowOfferNoMinimising();
 
-    void lamp_and_labels_follow_the_port();
-    void device_time_is_shown_and_gates_the_synchronising();
-    void enabling_touches_five_actions_only();
+    void lampAndLabelsFollowThePort();
+    void deviceTimeIsShownAndGatesTheSynchronising();
+    void enablingTouchesFiveActionsOnly();
 
-    void results_reach_the_label();
-    void the_default_settings_speak_as_one_operation();
+    void resultsReachTheLabel();
+    void theDefaultSettingsSpeakAsOneOperation();
 
-    void packets_reach_the_logger();
-    void the_stop_button_keeps_packets_out();
+    void packetsReachTheLogger();
+    void theStopButtonKeepsPacketsOut();
 
 private:
     template <typename Widget>
@@ -91,7 +91,7 @@ void tst_MainWindow::cleanup()
     window.reset();
 }
 
-void tst_MainWindow::title_and_size_at_start()
+void tst_MainWindow::titleAndSizeAtStart()
 {
     QCOMPARE(window->windowTitle(), QStringLiteral("Configuration Manager HUBN-NX-Q (v.2.1) βeta"));
     QVERIFY(!window->windowIcon().isNull());
@@ -101,14 +101,14 @@ void tst_MainWindow::title_and_size_at_start()
     QVERIFY((window->geometry().center() - centre).manhattanLength() < 20);
 }
 
-void tst_MainWindow::style_and_font_are_the_applications()
+void tst_MainWindow::styleAndFontAreTheApplications()
 {
     QCOMPARE(QApplication::style()->objectName(), QStringLiteral("fusion"));
     QCOMPARE(QApplication::font().family(), QStringLiteral("MS Shell Dlg 2"));
     QCOMPARE(QApplication::font().pointSize(), 8);
 }
 
-void tst_MainWindow::menus_stand_in_order()
+void tst_MainWindow::menusStandInOrder()
 {
     // The menu of the mode "binding" goes with the first turn of the event loop.
     QTRY_COMPARE(window->menuBar()->actions().size(), 3);
@@ -133,7 +133,7 @@ void tst_MainWindow::menus_stand_in_order()
     QCOMPARE(entries(menus.at(2)->menu()), QStringLiteral("actionReadLog - actionLoadLog actionSaveLog"));
 }
 
-void tst_MainWindow::actions_carry_their_captions_data()
+void tst_MainWindow::actionsCarryTheirCaptions_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("actionSelectCoordinator") << "Coordinator selection";
@@ -149,7 +149,7 @@ void tst_MainWindow::actions_carry_their_captions_data()
     QTest::newRow("actionSaveLog") << "Save to file";
 }
 
-void tst_MainWindow::actions_carry_their_captions()
+void tst_MainWindow::actionsCarryTheirCaptions()
 {
     QFETCH(const QString, text);
     QVERIFY(action(QTest::currentDataTag()) != nullptr);
@@ -157,13 +157,13 @@ void tst_MainWindow::actions_carry_their_captions()
     QVERIFY(action(QTest::currentDataTag())->isEnabled());
 }
 
-void tst_MainWindow::synchronising_is_checked_from_the_start()
+void tst_MainWindow::synchronisingIsCheckedFromTheStart()
 {
     QVERIFY(action("actionSyncTime")->isCheckable());
     QVERIFY(action("actionSyncTime")->isChecked());
 }
 
-void tst_MainWindow::tabs_at_start()
+void tst_MainWindow::tabsAtStart()
 {
     const QTabWidget* const tabs = get<QTabWidget>("tabWidget");
     QCOMPARE(tabs->count(), 3);
@@ -176,7 +176,7 @@ void tst_MainWindow::tabs_at_start()
     QCOMPARE(tabs->tabText(2), QString());
 }
 
-void tst_MainWindow::docks_can_be_moved_only()
+void tst_MainWindow::docksCanBeMovedOnly()
 {
     const QString style = QStringLiteral("QDockWidget::title { text-align: center; background: rgb(220,220,220); "
                                          "padding-top: 5px; padding-bottom: 5px;}");
@@ -193,7 +193,7 @@ void tst_MainWindow::docks_can_be_moved_only()
     QCOMPARE(window->dockWidgetArea(get<QDockWidget>("dockScript")), Qt::RightDockWidgetArea);
 }
 
-void tst_MainWindow::titles_of_the_first_tab()
+void tst_MainWindow::titlesOfTheFirstTab()
 {
     const QLabel* const title = get<QLabel>("labelTitleParamRelay");
     QVERIFY(title->font().bold());
@@ -204,7 +204,7 @@ void tst_MainWindow::titles_of_the_first_tab()
     QCOMPARE(get<QLabel>("labelTitleComment")->text(), QStringLiteral("Comment"));
 }
 
-void tst_MainWindow::the_coordinator_form_is_shown_first_and_by_its_action()
+void tst_MainWindow::theCoordinatorFormIsShownFirstAndByItsAction()
 {
     QVERIFY(form()->isVisible());
     form()->close();
@@ -213,7 +213,7 @@ void tst_MainWindow::the_coordinator_form_is_shown_first_and_by_its_action()
     QVERIFY(form()->isVisible());
 }
 
-void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown_data()
+void tst_MainWindow::formsThatWereMinimisedComeUpWhenTheyAreShown_data()
 {
     QTest::addColumn<QString>("form");
     for (const char* name : {"FormChoiceCoordinator", "FormWaiting", "FormAddingTerminal"}) {
@@ -221,7 +221,7 @@ void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown_data(
     }
 }
 
-void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown()
+void tst_MainWindow::formsThatWereMinimisedComeUpWhenTheyAreShown()
 {
     QFETCH(const QString, form);
     auto* const widget = window->findChild<QWidget*>(form);
@@ -235,7 +235,7 @@ void tst_MainWindow::forms_that_were_minimised_come_up_when_they_are_shown()
     QVERIFY(QTest::qWaitForWindowExposed(widget));
 }
 
-void tst_MainWindow::forms_that_block_the_window_offer_no_minimising()
+void tst_MainWindow::formsThatBlockTheWindowOfferNoMinimising()
 {
     const QWidget* const blockingForms[] = {form(), window->findChild<FormWaiting*>()};
     for (const QWidget* blocking : blockingForms) {
@@ -246,7 +246,7 @@ void tst_MainWindow::forms_that_block_the_window_offer_no_minimising()
     }
 }
 
-void tst_MainWindow::lamp_and_labels_follow_the_port()
+void tst_MainWindow::lampAndLabelsFollowThePort()
 {
     emit form()->sig_sendStatusSelectPortOnForm(1, QStringLiteral("COM7"), QStringLiteral("57600"), 3,
                                                 QStringLiteral("4711"), QStringLiteral("2.05"));
@@ -256,7 +256,7 @@ void tst_MainWindow::lamp_and_labels_follow_the_port()
     QCOMPARE(get<QLabel>("labelCoordinator")->text(), QStringLiteral("Coordinator <b>3</b>"));
 }
 
-void tst_MainWindow::device_time_is_shown_and_gates_the_synchronising()
+void tst_MainWindow::deviceTimeIsShownAndGatesTheSynchronising()
 {
     emit form()->sig_sendDeviceTimeOnForm(QStringLiteral("Not supported"), false);
     QCOMPARE(get<QLabel>("labelDeviceTime")->text(), QStringLiteral("Not supported"));
@@ -266,7 +266,7 @@ void tst_MainWindow::device_time_is_shown_and_gates_the_synchronising()
     QVERIFY(action("actionSyncTime")->isEnabled());
 }
 
-void tst_MainWindow::enabling_touches_five_actions_only()
+void tst_MainWindow::enablingTouchesFiveActionsOnly()
 {
     const QStringList gated{QStringLiteral("actionRead"), QStringLiteral("actionWrite"),
                             QStringLiteral("actionFirmware"), QStringLiteral("actionFactorySetting"),
@@ -283,14 +283,14 @@ void tst_MainWindow::enabling_touches_five_actions_only()
     check(true);
 }
 
-void tst_MainWindow::results_reach_the_label()
+void tst_MainWindow::resultsReachTheLabel()
 {
     QCOMPARE(result(), QString());
     emit form()->sig_sendResultOperation(texts::resultReadStarted());
     QCOMPARE(result(), texts::resultReadStarted());
 }
 
-void tst_MainWindow::the_default_settings_speak_as_one_operation()
+void tst_MainWindow::theDefaultSettingsSpeakAsOneOperation()
 {
     emit form()->sig_sendResultOperation(texts::resultDefaultsStarted());
     emit form()->sig_sendResultOperation(texts::resultWriteStarted());
@@ -300,7 +300,7 @@ void tst_MainWindow::the_default_settings_speak_as_one_operation()
     QCOMPARE(result(), texts::resultDefaultsOk());
 }
 
-void tst_MainWindow::packets_reach_the_logger()
+void tst_MainWindow::packetsReachTheLogger()
 {
     const QDateTime time(QDate(2026, 3, 9), QTime(7, 5, 4, 12));
     emit form()->sig_sendRequestOnForm(time, QByteArrayLiteral("\x01\xAB"), true);
@@ -316,7 +316,7 @@ void tst_MainWindow::packets_reach_the_logger()
     QVERIFY(table->item(0, 0) == nullptr);
 }
 
-void tst_MainWindow::the_stop_button_keeps_packets_out()
+void tst_MainWindow::theStopButtonKeepsPacketsOut()
 {
     const QTableWidget* const table = get<QTableWidget>("tableLogger");
     auto* const stop = get<QPushButton>("pushButtonStopLog");

@@ -32,19 +32,19 @@ private slots:
     void init();
     void cleanup();
 
-    void begins_without_a_coordinator_and_without_placeholders();
-    void sections_stand_in_order_with_their_widths_and_frames();
-    void labels_of_a_section_stand_where_they_should();
-    void lamp_follows_the_state_of_the_port_data();
-    void lamp_follows_the_state_of_the_port();
-    void values_of_the_port_are_bold();
-    void name_of_the_port_is_whole_in_its_section_data();
-    void name_of_the_port_is_whole_in_its_section();
-    void long_name_of_a_port_is_elided_in_the_middle();
-    void coordinator_is_shown_by_its_address_data();
-    void coordinator_is_shown_by_its_address();
-    void time_and_result_are_shown_as_they_are();
-    void a_long_result_wraps();
+    void beginsWithoutACoordinatorAndWithoutPlaceholders();
+    void sectionsStandInOrderWithTheirWidthsAndFrames();
+    void labelsOfASectionStandWhereTheyShould();
+    void lampFollowsTheStateOfThePort_data();
+    void lampFollowsTheStateOfThePort();
+    void valuesOfThePortAreBold();
+    void nameOfThePortIsWholeInItsSection_data();
+    void nameOfThePortIsWholeInItsSection();
+    void longNameOfAPortIsElidedInTheMiddle();
+    void coordinatorIsShownByItsAddress_data();
+    void coordinatorIsShownByItsAddress();
+    void timeAndResultAreShownAsTheyAre();
+    void aLongResultWraps();
 
 private:
     QLabel* label(const char* name) const
@@ -85,7 +85,7 @@ void tst_StatusBar::cleanup()
     window.reset();
 }
 
-void tst_StatusBar::begins_without_a_coordinator_and_without_placeholders()
+void tst_StatusBar::beginsWithoutACoordinatorAndWithoutPlaceholders()
 {
     QCOMPARE(label("labelIconPort")->pixmap(Qt::ReturnByValue).toImage(), lamp(QStringLiteral("red.png")));
     QCOMPARE(label("labelCoordinator")->text(), QStringLiteral("<b>Coordinator not connected</b>"));
@@ -95,7 +95,7 @@ void tst_StatusBar::begins_without_a_coordinator_and_without_placeholders()
     QCOMPARE(label("labelResult")->text(), QString());
 }
 
-void tst_StatusBar::sections_stand_in_order_with_their_widths_and_frames()
+void tst_StatusBar::sectionsStandInOrderWithTheirWidthsAndFrames()
 {
     QFrame* const port = section("sectionPort");
     QFrame* const coordinator = section("sectionCoordinator");
@@ -119,7 +119,7 @@ void tst_StatusBar::sections_stand_in_order_with_their_widths_and_frames()
     QCOMPARE(result->minimumWidth(), 500);
 }
 
-void tst_StatusBar::labels_of_a_section_stand_where_they_should()
+void tst_StatusBar::labelsOfASectionStandWhereTheyShould()
 {
     QVERIFY(label("labelIconPort")->width() <= 30);
     QVERIFY(label("labelIconPort")->height() >= 30);
@@ -141,7 +141,7 @@ void tst_StatusBar::labels_of_a_section_stand_where_they_should()
     QVERIFY(captions.contains(QStringLiteral("Device time:")));
 }
 
-void tst_StatusBar::lamp_follows_the_state_of_the_port_data()
+void tst_StatusBar::lampFollowsTheStateOfThePort_data()
 {
     QTest::addColumn<int>("state");
     QTest::addColumn<QString>("icon");
@@ -151,7 +151,7 @@ void tst_StatusBar::lamp_follows_the_state_of_the_port_data()
     QTest::newRow("anything else") << 200 << "yellow.png";
 }
 
-void tst_StatusBar::lamp_follows_the_state_of_the_port()
+void tst_StatusBar::lampFollowsTheStateOfThePort()
 {
     QFETCH(const int, state);
     QFETCH(const QString, icon);
@@ -162,7 +162,7 @@ void tst_StatusBar::lamp_follows_the_state_of_the_port()
     QCOMPARE(shown, lamp(icon));
 }
 
-void tst_StatusBar::values_of_the_port_are_bold()
+void tst_StatusBar::valuesOfThePortAreBold()
 {
     status->showPort(1, QStringLiteral("COM7"), QStringLiteral("57600"), 3, QStringLiteral("4711"),
                      QStringLiteral("2.05"));
@@ -172,7 +172,7 @@ void tst_StatusBar::values_of_the_port_are_bold()
     QCOMPARE(label("labelVersion")->text(), QStringLiteral("<b>2.05</b>"));
 }
 
-void tst_StatusBar::name_of_the_port_is_whole_in_its_section_data()
+void tst_StatusBar::nameOfThePortIsWholeInItsSection_data()
 {
     QTest::addColumn<QString>("name");
     for (const char* name : {"ttyUSB0", "ttyUSB10", "ttyACM0", "COM256", "pts/12"}) {
@@ -180,7 +180,7 @@ void tst_StatusBar::name_of_the_port_is_whole_in_its_section_data()
     }
 }
 
-void tst_StatusBar::name_of_the_port_is_whole_in_its_section()
+void tst_StatusBar::nameOfThePortIsWholeInItsSection()
 {
     QFETCH(const QString, name);
     showPort(name);
@@ -198,7 +198,7 @@ void tst_StatusBar::name_of_the_port_is_whole_in_its_section()
     QCOMPARE(rest, nothing);
 }
 
-void tst_StatusBar::long_name_of_a_port_is_elided_in_the_middle()
+void tst_StatusBar::longNameOfAPortIsElidedInTheMiddle()
 {
     const QString name = QStringLiteral("ttyVirtualPort17");
     QLabel* const shown = label("labelPortName");
@@ -216,7 +216,7 @@ void tst_StatusBar::long_name_of_a_port_is_elided_in_the_middle()
     QToolTip::hideText();
 }
 
-void tst_StatusBar::coordinator_is_shown_by_its_address_data()
+void tst_StatusBar::coordinatorIsShownByItsAddress_data()
 {
     QTest::addColumn<int>("address");
     QTest::addColumn<QString>("text");
@@ -226,7 +226,7 @@ void tst_StatusBar::coordinator_is_shown_by_its_address_data()
     QTest::newRow("255 means none") << 255 << "<b>Coordinator not connected</b>";
 }
 
-void tst_StatusBar::coordinator_is_shown_by_its_address()
+void tst_StatusBar::coordinatorIsShownByItsAddress()
 {
     QFETCH(const int, address);
     QFETCH(const QString, text);
@@ -235,7 +235,7 @@ void tst_StatusBar::coordinator_is_shown_by_its_address()
     QCOMPARE(label("labelCoordinator")->text(), text);
 }
 
-void tst_StatusBar::time_and_result_are_shown_as_they_are()
+void tst_StatusBar::timeAndResultAreShownAsTheyAre()
 {
     status->showDeviceTime(QStringLiteral("--:--:-- --.--.----"));
     QCOMPARE(label("labelDeviceTime")->text(), QStringLiteral("--:--:-- --.--.----"));
@@ -244,7 +244,7 @@ void tst_StatusBar::time_and_result_are_shown_as_they_are()
     QCOMPARE(label("labelResult")->textFormat(), Qt::PlainText);
 }
 
-void tst_StatusBar::a_long_result_wraps()
+void tst_StatusBar::aLongResultWraps()
 {
     QVERIFY(label("labelResult")->wordWrap());
     const int width = window->width();

@@ -33,9 +33,9 @@ private slots:
     void init();
     void cleanup();
 
-    void a_new_text_paints_no_more_than_its_label();
-    void a_taller_label_moves_what_is_below();
-    void a_larger_bar_paints_all();
+    void aNewTextPaintsNoMoreThanItsLabel();
+    void aTallerLabelMovesWhatIsBelow();
+    void aLargerBarPaintsAll();
 
 private:
     SteadyTabWidget* tabs = nullptr;
@@ -69,7 +69,7 @@ void tst_SteadyTabWidget::cleanup()
     delete tabs;
 }
 
-void tst_SteadyTabWidget::a_new_text_paints_no_more_than_its_label()
+void tst_SteadyTabWidget::aNewTextPaintsNoMoreThanItsLabel()
 {
     label->setText(QStringLiteral("another"));
     for (int turn = 0; turn < 10; ++turn) {
@@ -80,7 +80,7 @@ void tst_SteadyTabWidget::a_new_text_paints_no_more_than_its_label()
     QVERIFY(tabs->updatesEnabled());
 }
 
-void tst_SteadyTabWidget::a_taller_label_moves_what_is_below()
+void tst_SteadyTabWidget::aTallerLabelMovesWhatIsBelow()
 {
     const int before = below->y();
     label->setText(QStringLiteral("two\nlines"));
@@ -90,7 +90,7 @@ void tst_SteadyTabWidget::a_taller_label_moves_what_is_below()
     QTRY_VERIFY(tabs->minimumSizeHint().height() > least + 500);
 }
 
-void tst_SteadyTabWidget::a_larger_bar_paints_all()
+void tst_SteadyTabWidget::aLargerBarPaintsAll()
 {
     QFont font = tabs->tabBar()->font();
     font.setPointSize(font.pointSize() * 3);

@@ -25,7 +25,7 @@ class tst_resultLine : public QObject
 private slots:
     void decides_data();
     void decides();
-    void the_end_of_the_chain_is_swallowed_once();
+    void theEndOfTheChainIsSwallowedOnce();
 };
 
 void tst_resultLine::decides_data()
@@ -107,7 +107,7 @@ void tst_resultLine::decides()
     QCOMPARE(chain, chainAfter);
 }
 
-void tst_resultLine::the_end_of_the_chain_is_swallowed_once()
+void tst_resultLine::theEndOfTheChainIsSwallowedOnce()
 {
     bool chain = true;
     QVERIFY(!nextResult(texts::resultLogOk(), QString(), chain));

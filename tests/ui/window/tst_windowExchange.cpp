@@ -30,7 +30,7 @@ QByteArray bytes(const char* hexadecimal)
 /// A terminal of class 2 with two outputs, as the unit reports it; no model of the catalogue.
 QByteArray terminal(int address)
 {
-    return QByteArray(1, static_cast<char>(address)) + bytes("2FFFFF00000000");
+    return QByteArray(1, char(address)) + bytes("2FFFFF00000000");
 }
 
 /// The record of an output with scripts.
@@ -38,7 +38,7 @@ QByteArray output(int address, int number, const QByteArray& scripts, int state 
 {
     QByteArray record;
     for (const int byte : {address, number, state}) {
-        record.append(static_cast<char>(byte));
+        record.append(char(byte));
     }
     return record + scripts;
 }
@@ -46,7 +46,7 @@ QByteArray output(int address, int number, const QByteArray& scripts, int state 
 /// The record of a script that is triggered by a fire alarm and pulses (1 s).
 QByteArray script(int number)
 {
-    return QByteArray(1, static_cast<char>(number)) + bytes("0200010010000000010100000101F0000000000000");
+    return QByteArray(1, char(number)) + bytes("0200010010000000010100000101F0000000000000");
 }
 
 } // namespace
@@ -61,37 +61,37 @@ private slots:
     void init();
     void cleanup();
 
-    void at_start_the_first_output_of_the_head_unit_is_worked_on();
-    void terminals_rebuild_the_tree_and_begin_the_chain();
-    void the_chain_goes_on_to_the_log_and_keeps_the_busy_form();
-    void reading_by_hand_ends_with_the_scripts();
-    void outputs_without_scripts_of_unknown_terminals_leave_nothing();
-    void a_list_with_gaps_is_applied_as_far_as_it_goes();
-    void scripts_select_the_first_active_one();
-    void scripts_select_the_first_of_all_if_none_is_active();
-    void choosing_an_output_changes_titles_and_lists();
-    void an_output_that_is_null_is_ignored();
-    void a_new_name_shows_in_the_titles();
-    void names_of_any_length_leave_the_width_of_the_window();
-    void the_script_dock_shows_an_ampersand();
-    void a_script_without_trigger_turns_grey_in_the_lists();
-    void a_model_added_by_hand_is_offered_after_a_restart();
-    void the_script_dock_shows_the_script_in_bold_and_its_colour();
-    void the_add_terminal_form_adds_to_the_tree();
-    void hiding_the_head_unit_changes_nothing();
-    void hiding_the_current_terminal_selects_its_predecessor();
-    void hiding_a_terminal_behind_one_without_outputs_goes_to_the_head_unit();
-    void a_selected_terminal_without_outputs_leaves_the_output_before_in_work();
-    void hiding_another_terminal_keeps_the_selection();
-    void hiding_disconnected_terminals_leaves_the_reported_ones();
-    void the_comment_goes_into_the_file_and_comes_back();
+    void atStartTheFirstOutputOfTheHeadUnitIsWorkedOn();
+    void terminalsRebuildTheTreeAndBeginTheChain();
+    void theChainGoesOnToTheLogAndKeepsTheBusyForm();
+    void readingByHandEndsWithTheScripts();
+    void outputsWithoutScriptsOfUnknownTerminalsLeaveNothing();
+    void aListWithGapsIsAppliedAsFarAsItGoes();
+    void scriptsSelectTheFirstActiveOne();
+    void scriptsSelectTheFirstOfAllIfNoneIsActive();
+    void choosingAnOutputChangesTitlesAndLists();
+    void anOutputThatIsNullIsIgnored();
+    void aNewNameShowsInTheTitles();
+    void namesOfAnyLengthLeaveTheWidthOfTheWindow();
+    void theScriptDockShowsAnAmpersand();
+    void aScriptWithoutTriggerTurnsGreyInTheLists();
+    void aModelAddedByHandIsOfferedAfterARestart();
+    void theScriptDockShowsTheScriptInBoldAndItsColour();
+    void theAddTerminalFormAddsToTheTree();
+    void hidingTheHeadUnitChangesNothing();
+    void hidingTheCurrentTerminalSelectsItsPredecessor();
+    void hidingATerminalBehindOneWithoutOutputsGoesToTheHeadUnit();
+    void aSelectedTerminalWithoutOutputsLeavesTheOutputBeforeInWork();
+    void hidingAnotherTerminalKeepsTheSelection();
+    void hidingDisconnectedTerminalsLeavesTheReportedOnes();
+    void theCommentGoesIntoTheFileAndComesBack();
 
-    void reading_and_writing_set_the_time_only_if_asked_data();
-    void reading_and_writing_set_the_time_only_if_asked();
-    void writing_sends_the_time_before_the_records();
-    void the_log_sends_the_time_before_its_reading();
-    void a_change_to_the_log_tab_reads_without_the_time();
-    void a_change_to_the_log_tab_does_nothing_while_the_log_is_disabled();
+    void readingAndWritingSetTheTimeOnlyIfAsked_data();
+    void readingAndWritingSetTheTimeOnlyIfAsked();
+    void writingSendsTheTimeBeforeTheRecords();
+    void theLogSendsTheTimeBeforeItsReading();
+    void aChangeToTheLogTabReadsWithoutTheTime();
+    void aChangeToTheLogTabDoesNothingWhileTheLogIsDisabled();
 
 private:
     template <typename Widget>
@@ -176,7 +176,7 @@ void tst_windowExchange::cleanup()
     window.reset();
 }
 
-void tst_windowExchange::at_start_the_first_output_of_the_head_unit_is_worked_on()
+void tst_windowExchange::atStartTheFirstOutputOfTheHeadUnitIsWorkedOn()
 {
     QCOMPARE(title(), QStringLiteral("HUBN-NX-Q (Internal relay 1)"));
     QCOMPARE(get<QLabel>("labelTitleActivateScript")->text(),
@@ -189,7 +189,7 @@ void tst_windowExchange::at_start_the_first_output_of_the_head_unit_is_worked_on
     QCOMPARE(window->findChild<Setting_Script_Widget*>()->currentScript()->number, 0);
 }
 
-void tst_windowExchange::terminals_rebuild_the_tree_and_begin_the_chain()
+void tst_windowExchange::terminalsRebuildTheTreeAndBeginTheChain()
 {
     QSignalSpy lists(window.get(), &MainWindow::sig_updateConnectList);
     QSignalSpy told(form(), &FormChoiceCoordinator::sig_sendResultOperation);
@@ -200,7 +200,7 @@ void tst_windowExchange::terminals_rebuild_the_tree_and_begin_the_chain()
     QCOMPARE(told.first().first().toString(), texts::resultReadStarted());
 }
 
-void tst_windowExchange::the_chain_goes_on_to_the_log_and_keeps_the_busy_form()
+void tst_windowExchange::theChainGoesOnToTheLogAndKeepsTheBusyForm()
 {
     QSignalSpy log(window.get(), &MainWindow::sig_ReadLogEvents);
     QSignalSpy hidden(window.get(), &MainWindow::sig_HideFormWaiting);
@@ -219,7 +219,7 @@ void tst_windowExchange::the_chain_goes_on_to_the_log_and_keeps_the_busy_form()
     QCOMPARE(hidden.size(), 1);
 }
 
-void tst_windowExchange::reading_by_hand_ends_with_the_scripts()
+void tst_windowExchange::readingByHandEndsWithTheScripts()
 {
     QSignalSpy log(window.get(), &MainWindow::sig_ReadLogEvents);
     QSignalSpy hidden(window.get(), &MainWindow::sig_HideFormWaiting);
@@ -230,7 +230,7 @@ void tst_windowExchange::reading_by_hand_ends_with_the_scripts()
     QCOMPARE(log.size(), 0);
 }
 
-void tst_windowExchange::outputs_without_scripts_of_unknown_terminals_leave_nothing()
+void tst_windowExchange::outputsWithoutScriptsOfUnknownTerminalsLeaveNothing()
 {
     readEverything();
     // Head unit, 5, 9 and 12: the last one isn't reported, but has a script.
@@ -239,7 +239,7 @@ void tst_windowExchange::outputs_without_scripts_of_unknown_terminals_leave_noth
     QCOMPARE(terminals(), 3);
 }
 
-void tst_windowExchange::a_list_with_gaps_is_applied_as_far_as_it_goes()
+void tst_windowExchange::aListWithGapsIsAppliedAsFarAsItGoes()
 {
     readEverything();
     emit form()->sig_sendReadConfigOnForm({output(5, 1, bytes("04"))});
@@ -259,7 +259,7 @@ void tst_windowExchange::a_list_with_gaps_is_applied_as_far_as_it_goes()
     QVERIFY(!all->itemWidget(all->item(31))->styleSheet().contains(QStringLiteral("rgba(187, 187, 187, 150)")));
 }
 
-void tst_windowExchange::scripts_select_the_first_active_one()
+void tst_windowExchange::scriptsSelectTheFirstActiveOne()
 {
     readEverything();
     QCOMPARE(get<QListWidget>("listWidgetActivateScript")->count(), 2);
@@ -268,7 +268,7 @@ void tst_windowExchange::scripts_select_the_first_active_one()
     QCOMPARE(window->findChild<Setting_Script_Widget*>()->currentScript()->number, 3);
 }
 
-void tst_windowExchange::scripts_select_the_first_of_all_if_none_is_active()
+void tst_windowExchange::scriptsSelectTheFirstOfAllIfNoneIsActive()
 {
     get<QListWidget>("listWidgetAllScript")->setCurrentRow(17);
     emit form()->sig_sendReadScriptOnForm({script(0)});
@@ -276,7 +276,7 @@ void tst_windowExchange::scripts_select_the_first_of_all_if_none_is_active()
     QCOMPARE(window->findChild<Setting_Script_Widget*>()->currentScript()->number, 0);
 }
 
-void tst_windowExchange::choosing_an_output_changes_titles_and_lists()
+void tst_windowExchange::choosingAnOutputChangesTitlesAndLists()
 {
     readEverything();
     tree()->setCurrentItem(tree()->topLevelItem(1)->child(1));
@@ -291,7 +291,7 @@ void tst_windowExchange::choosing_an_output_changes_titles_and_lists()
     QCOMPARE(get<QListWidget>("listWidgetActivateScript")->count(), 0);
 }
 
-void tst_windowExchange::an_output_that_is_null_is_ignored()
+void tst_windowExchange::anOutputThatIsNullIsIgnored()
 {
     readEverything();
     const GroupRelayPtr group = groupChosenAt(1);
@@ -306,7 +306,7 @@ void tst_windowExchange::an_output_that_is_null_is_ignored()
     QVERIFY(!edited->marked);
 }
 
-void tst_windowExchange::a_new_name_shows_in_the_titles()
+void tst_windowExchange::aNewNameShowsInTheTitles()
 {
     readEverything();
     const GroupRelayPtr group = groupChosenAt(1);
@@ -318,7 +318,7 @@ void tst_windowExchange::a_new_name_shows_in_the_titles()
     QCOMPARE(get<QLabel>("labelTitleActivateScript")->textFormat(), Qt::PlainText);
 }
 
-void tst_windowExchange::names_of_any_length_leave_the_width_of_the_window()
+void tst_windowExchange::namesOfAnyLengthLeaveTheWidthOfTheWindow()
 {
     readEverything();
     const int width = window->minimumSizeHint().width();
@@ -331,7 +331,7 @@ void tst_windowExchange::names_of_any_length_leave_the_width_of_the_window()
     QCOMPARE(window->minimumSizeHint().width(), width);
 }
 
-void tst_windowExchange::the_script_dock_shows_an_ampersand()
+void tst_windowExchange::theScriptDockShowsAnAmpersand()
 {
     auto* const dock = get<QDockWidget>("dockScript");
     const auto picture = [&](const QString& name) {
@@ -358,7 +358,7 @@ void tst_windowExchange::the_script_dock_shows_an_ampersand()
     QCOMPARE(dock->windowTitle(), QStringLiteral("RD"));
 }
 
-void tst_windowExchange::a_script_without_trigger_turns_grey_in_the_lists()
+void tst_windowExchange::aScriptWithoutTriggerTurnsGreyInTheLists()
 {
     readEverything();
     const QString grey = QStringLiteral("rgba(187, 187, 187, 150)");
@@ -374,7 +374,7 @@ void tst_windowExchange::a_script_without_trigger_turns_grey_in_the_lists()
     QVERIFY(active->itemWidget(active->item(0))->styleSheet().contains(grey));
 }
 
-void tst_windowExchange::a_model_added_by_hand_is_offered_after_a_restart()
+void tst_windowExchange::aModelAddedByHandIsOfferedAfterARestart()
 {
     const QString name = QStringLiteral("Devices_EN.csv");
     QFile catalogue(name);
@@ -395,7 +395,7 @@ void tst_windowExchange::a_model_added_by_hand_is_offered_after_a_restart()
     QCOMPARE(get<QComboBox>("comboBoxSelectType")->findText(model, Qt::MatchStartsWith), -1);
 }
 
-void tst_windowExchange::the_script_dock_shows_the_script_in_bold_and_its_colour()
+void tst_windowExchange::theScriptDockShowsTheScriptInBoldAndItsColour()
 {
     readEverything();
     const auto* const dock = get<QDockWidget>("dockScript");
@@ -414,7 +414,7 @@ void tst_windowExchange::the_script_dock_shows_the_script_in_bold_and_its_colour
                                      .arg(color));
 }
 
-void tst_windowExchange::the_add_terminal_form_adds_to_the_tree()
+void tst_windowExchange::theAddTerminalFormAddsToTheTree()
 {
     auto* const adding = window->findChild<FormAddingTerminal*>();
     QVERIFY(!adding->isVisible());
@@ -426,7 +426,7 @@ void tst_windowExchange::the_add_terminal_form_adds_to_the_tree()
     QCOMPARE(title(), QStringLiteral("Cellar #4(Lamp 1)"));
 }
 
-void tst_windowExchange::hiding_the_head_unit_changes_nothing()
+void tst_windowExchange::hidingTheHeadUnitChangesNothing()
 {
     readEverything();
     const GroupRelayPtr headUnit = groupChosenAt(1) ? groupChosenAt(0) : GroupRelayPtr();
@@ -437,7 +437,7 @@ void tst_windowExchange::hiding_the_head_unit_changes_nothing()
     QCOMPARE(title(), QStringLiteral("HUBN-NX-Q (Internal relay 4)"));
 }
 
-void tst_windowExchange::hiding_the_current_terminal_selects_its_predecessor()
+void tst_windowExchange::hidingTheCurrentTerminalSelectsItsPredecessor()
 {
     readEverything();
     const GroupRelayPtr second = groupChosenAt(2);
@@ -448,7 +448,7 @@ void tst_windowExchange::hiding_the_current_terminal_selects_its_predecessor()
     QCOMPARE(title(), QStringLiteral("2f ff ff #5(Output 1)"));
 }
 
-void tst_windowExchange::hiding_a_terminal_behind_one_without_outputs_goes_to_the_head_unit()
+void tst_windowExchange::hidingATerminalBehindOneWithoutOutputsGoesToTheHeadUnit()
 {
     loadFileWithAnEmptyTerminal();
     const GroupRelayPtr last = groupChosenAt(3);
@@ -465,7 +465,7 @@ void tst_windowExchange::hiding_a_terminal_behind_one_without_outputs_goes_to_th
     QCOMPARE(groupChosenAt(0)->outputs.constFirst()->activatedScripts.size(), 1);
 }
 
-void tst_windowExchange::a_selected_terminal_without_outputs_leaves_the_output_before_in_work()
+void tst_windowExchange::aSelectedTerminalWithoutOutputsLeavesTheOutputBeforeInWork()
 {
     loadFileWithAnEmptyTerminal();
     const GroupRelayPtr last = groupChosenAt(3);
@@ -485,7 +485,7 @@ void tst_windowExchange::a_selected_terminal_without_outputs_leaves_the_output_b
     QCOMPARE(nodeStyle(), grey);
 }
 
-void tst_windowExchange::hiding_another_terminal_keeps_the_selection()
+void tst_windowExchange::hidingAnotherTerminalKeepsTheSelection()
 {
     readEverything();
     const GroupRelayPtr second = groupChosenAt(2);
@@ -496,7 +496,7 @@ void tst_windowExchange::hiding_another_terminal_keeps_the_selection()
     QCOMPARE(title(), QStringLiteral("New executive terminal #12(Output 1)"));
 }
 
-void tst_windowExchange::hiding_disconnected_terminals_leaves_the_reported_ones()
+void tst_windowExchange::hidingDisconnectedTerminalsLeavesTheReportedOnes()
 {
     readEverything();
     QCOMPARE(groupChosenAt(3)->address, quint16(12));
@@ -506,7 +506,7 @@ void tst_windowExchange::hiding_disconnected_terminals_leaves_the_reported_ones(
     QCOMPARE(title(), QStringLiteral("2f ff ff #9(Output 1)"));
 }
 
-void tst_windowExchange::the_comment_goes_into_the_file_and_comes_back()
+void tst_windowExchange::theCommentGoesIntoTheFileAndComesBack()
 {
     auto* const comment = get<QTextEdit>("textEditComment");
     comment->setPlainText(QStringLiteral("Hall, floor 2\n<b>north</b>"));
@@ -519,7 +519,7 @@ void tst_windowExchange::the_comment_goes_into_the_file_and_comes_back()
     QFile::remove(QStringLiteral("comment.cfg"));
 }
 
-void tst_windowExchange::reading_and_writing_set_the_time_only_if_asked_data()
+void tst_windowExchange::readingAndWritingSetTheTimeOnlyIfAsked_data()
 {
     QTest::addColumn<bool>("isChecked");
     QTest::addColumn<bool>("isEnabled");
@@ -529,7 +529,7 @@ void tst_windowExchange::reading_and_writing_set_the_time_only_if_asked_data()
     QTest::newRow("the unit's time can't be read") << true << false << 0;
 }
 
-void tst_windowExchange::reading_and_writing_set_the_time_only_if_asked()
+void tst_windowExchange::readingAndWritingSetTheTimeOnlyIfAsked()
 {
     QFETCH(const bool, isChecked);
     QFETCH(const bool, isEnabled);
@@ -548,7 +548,7 @@ void tst_windowExchange::reading_and_writing_set_the_time_only_if_asked()
     }
 }
 
-void tst_windowExchange::writing_sends_the_time_before_the_records()
+void tst_windowExchange::writingSendsTheTimeBeforeTheRecords()
 {
     connect(window.get(), &MainWindow::sig_WriteRealTime, this, [this] { order.append(QStringLiteral("time")); });
     connect(window.get(), &MainWindow::sig_WriteConfigAndScript, this,
@@ -559,7 +559,7 @@ void tst_windowExchange::writing_sends_the_time_before_the_records()
     QCOMPARE(order, (QStringList{QStringLiteral("time"), QStringLiteral("8 outputs, 32 scripts")}));
 }
 
-void tst_windowExchange::the_log_sends_the_time_before_its_reading()
+void tst_windowExchange::theLogSendsTheTimeBeforeItsReading()
 {
     connect(window.get(), &MainWindow::sig_WriteRealTime, this, [this] { order.append(QStringLiteral("time")); });
     connect(window.get(), &MainWindow::sig_ReadLogEvents, this, [this] { order.append(QStringLiteral("log")); });
@@ -567,7 +567,7 @@ void tst_windowExchange::the_log_sends_the_time_before_its_reading()
     QCOMPARE(order, (QStringList{QStringLiteral("time"), QStringLiteral("log")}));
 }
 
-void tst_windowExchange::a_change_to_the_log_tab_reads_without_the_time()
+void tst_windowExchange::aChangeToTheLogTabReadsWithoutTheTime()
 {
     QSignalSpy time(window.get(), &MainWindow::sig_WriteRealTime);
     QSignalSpy log(window.get(), &MainWindow::sig_ReadLogEvents);
@@ -579,7 +579,7 @@ void tst_windowExchange::a_change_to_the_log_tab_reads_without_the_time()
     QCOMPARE(time.size(), 0);
 }
 
-void tst_windowExchange::a_change_to_the_log_tab_does_nothing_while_the_log_is_disabled()
+void tst_windowExchange::aChangeToTheLogTabDoesNothingWhileTheLogIsDisabled()
 {
     emit form()->sig_sendEnableOperationOnForm(false);
     QSignalSpy log(window.get(), &MainWindow::sig_ReadLogEvents);
