@@ -2,6 +2,8 @@
 
 #include <QColor>
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QWidget>
 
 namespace look
@@ -60,6 +62,11 @@ void applyStyleSheet(QWidget* widget, const QString& styleSheet)
     if (widget->styleSheet() != styleSheet) {
         widget->setStyleSheet(styleSheet);
     }
+}
+
+void settleLayouts()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
 }
 
 } // namespace look

@@ -37,6 +37,7 @@ Setting_Script_Widget::Setting_Script_Widget(const QSharedPointer<RelayInfo>& in
     connectSections();
     connectControls();
     setUpFields();
+    setAutoFillBackground(true); // opaque, it isn't painted anew whenever the dock around it is
 }
 
 Setting_Script_Widget::~Setting_Script_Widget() = default;
@@ -140,6 +141,7 @@ void Setting_Script_Widget::sl_SetNewScript(const QSharedPointer<ScriptInfo>& ne
         section->show(script);
     }
     emit sig_RefreshStateScriptInList();
+    look::settleLayouts();
 }
 
 void Setting_Script_Widget::sl_UpDateConnectList()

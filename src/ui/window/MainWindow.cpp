@@ -143,6 +143,7 @@ void MainWindow::sl_SetNewRelay(const QSharedPointer<RelayInformation>& relay, c
     scriptLists->rebuildActive(relay);
     scriptLists->selectFirstActive();
     sl_RefreshNameDevOrOutput();
+    look::settleLayouts();
 }
 
 void MainWindow::sl_RefreshNameDevOrOutput()
