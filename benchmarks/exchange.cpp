@@ -78,7 +78,7 @@ std::vector<Figure> run()
     QVector<UnitRequest> pattern;
     std::vector<double> program;
     {
-        FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}, {}});
+        FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}});
         QEventLoop end;
         QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &end, [&] {
             unit.clearRequests();

@@ -94,7 +94,7 @@ std::vector<Figure> run()
     const ProcessorsAwake awake;
     UnitSimulator unit(units::installation(2000));
     unit.setPace(UnitSimulator::OfTheWire);
-    FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}, {}});
+    FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}});
 
     // The first terminals arrive by themselves once the coordinator is found.
     QEventLoop end;
@@ -128,7 +128,7 @@ Figure firmware()
     const ProcessorsAwake awake;
     UnitSimulator unit(units::installation(0));
     unit.setPace(UnitSimulator::OfTheWire);
-    FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}, protocol_boot::parseAnswer});
+    FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}}, protocol_boot::parseAnswer);
     QEventLoop end;
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &end, &QEventLoop::quit);
     end.exec();

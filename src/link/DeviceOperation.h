@@ -11,8 +11,8 @@ class message;
 ///
 /// An operation owns no widget and no port: what it wants sent and shown goes out as signals, in the order in which
 /// it is to happen; whoever owns it gives it the answers to its requests, each step once, when it has succeeded or its
-/// last attempt has failed. A failed step doesn't end a sequence unless the operation says so. Belongs to the
-/// coordinator form; GUI thread.
+/// last attempt has failed. A failed step doesn't end a sequence unless the operation says so. Belongs to a
+/// CoordinatorLink and its thread.
 class DeviceOperation : public QObject
 {
     Q_OBJECT
@@ -31,14 +31,14 @@ public:
 signals:
     void requestReady(const message& request);
 
-    // The busy form.
+    // The busy state.
     void begun(const QString& text, int minimum, int maximum);
     void textChanged(const QString& text);
     void maximumChanged(int maximum);
     void stepDone();
     void shown();
     void hidden();
-    /// The busy form was shown but there is nothing to wait for.
+    /// It was shown but there is nothing to wait for.
     void nothingSent();
 
     /// One text for the status line.

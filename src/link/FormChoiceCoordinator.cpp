@@ -1,14 +1,7 @@
 #include "link/FormChoiceCoordinator.h"
 
-#include "link/ConfigurationReading.h"
-#include "link/ConfigurationWriting.h"
-#include "link/CoordinatorSearch.h"
 #include "link/FormWaiting.h"
-#include "link/LogReading.h"
 #include "link/PortRow.h"
-#include "link/TerminalSearch.h"
-#include "link/Transmitter.h"
-#include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
 #include "ui_FormChoiceCoordinator.h"
 #include "widgets/Look.h"
@@ -20,15 +13,11 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
-#include <QSemaphore>
-#include <QSerialPortInfo>
 #include <QStyle>
-#include <QThread>
-#include <QTimer>
 #include <QWindow>
 
 #include <algorithm>
-#include <chrono>
+#include <array>
 #include <utility>
 
 namespace
@@ -51,40 +40,15 @@ constexpr int HeaderHeight = 50;
 // Two lines of a state, and the buttons with some air around them.
 constexpr int RowHeight = 44;
 
-// A worker that the system keeps busy for longer is left alone; ms.
-constexpr int ClosingTime = 300;
-
-enum PortStatus : uchar
-{
-    StatusNotConnected = 0,
-    StatusConnected = 1,
-    StatusNotWatched = 2
-};
-
-QString noValue()
-{
-    return QStringLiteral("-");
-}
-
-/// Texts that say why a port is closed.
-bool isCauseOfClosing(const QString& text)
-{
-    return text == texts::portOpenError() || text == texts::portNotFound() || text == texts::portCoordinatorNotFound();
-}
-
 } // namespace
 
-FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams coordinatorSeams, QWidget* parent)
-    : Form(parent, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint), seams(std::move(coordinatorSeams)),
-      ui(std::make_unique<Ui::FormChoiceCoordinator>()), timerPortList(new QTimer(this)),
+FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams seams, Transmitter::BootParser parseBootAnswer,
+                                             QWidget* parent)
+    : Form(parent, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      link(std::move(seams), std::move(parseBootAnswer)), ui(std::make_unique<Ui::FormChoiceCoordinator>()),
       // A sibling, not a child, so that the window that stays below the busy form isn't this form, hidden by then.
-      formWaiting(new FormWaiting(parent != nullptr ? parent : this)), timerNothingSent(new QTimer(this)),
-      terminalSearch(new TerminalSearch(this)), configurationReading(new ConfigurationReading(this)),
-      configurationWriting(new ConfigurationWriting(this)),
-      logReading(new LogReading(this)), operations{terminalSearch, configurationReading, configurationWriting,
-                                                   logReading}
+      formWaiting(new FormWaiting(parent != nullptr ? parent : this))
 {
-    qRegisterMetaType<StatePort>("StatePort");
     setFont(look::applicationFont());
     ui->setupUi(this);
     setWindowTitle(texts::actionSelectCoordinator());
@@ -95,24 +59,13 @@ FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams coordinatorSeams, 
                                     QGuiApplication::primaryScreen()->availableGeometry()));
     ui->buttonChoicePort->setText(texts::buttonSelect());
     setUpTable();
-    setUpOperations();
-    connect(timerPortList, &QTimer::timeout, this, &FormChoiceCoordinator::sl_updatePortList);
-    timerPortList->start(std::chrono::seconds(1));
-    sl_updatePortList();
+    connectLink();
+    connectOperations();
+    link.start();
 }
 
-// The ports' threads go on, but a port left open would keep its lock on the device beyond the process.
 FormChoiceCoordinator::~FormChoiceCoordinator()
 {
-    const auto closed = std::make_shared<QSemaphore>();
-    for (const PortRow* const row : std::as_const(portRows)) {
-        Transmitter* const transmitter = row->transmitter;
-        QMetaObject::invokeMethod(transmitter, [transmitter, closed] {
-            transmitter->sl_ClosePort(transmitter);
-            closed->release();
-        });
-    }
-    closed->tryAcquire(portRows.size(), ClosingTime);
     qDeleteAll(portRows);
 }
 
@@ -135,101 +88,74 @@ void FormChoiceCoordinator::setUpTable()
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
 }
 
-quint8 FormChoiceCoordinator::currentAddress() const
+void FormChoiceCoordinator::connectLink()
 {
-    return chosenAddress;
+    using Link = CoordinatorLink;
+    using Choice = FormChoiceCoordinator;
+    connect(&link, &Link::portAdded, this, &Choice::addRow);
+    connect(&link, &Link::portListUpdated, this, &Choice::fitTable);
+    connect(&link, &Link::chosen, this, &Choice::takeChoice);
+    connect(&link, &Link::statusReported, this, &Choice::sendStatus);
+    connect(&link, &Link::operationsEnabled, this, &Choice::sig_sendEnableOperationOnForm);
+    connect(&link, &Link::requestDropped, this,
+            [this](const message& request) { emit sig_sendMessageInPort(nullptr, request); });
+    connect(&link, &Link::requestShown, this, &Choice::sig_sendRequestOnForm);
+    connect(&link, &Link::answerShown, this, &Choice::sig_sendAnswerOnForm);
+    connect(&link, &Link::busyBegun, formWaiting, &FormWaiting::setOperation);
+    connect(&link, &Link::busyTextChanged, formWaiting, &FormWaiting::setOperationText);
+    connect(&link, &Link::busyMaximumChanged, formWaiting, &FormWaiting::setProgressMaximum);
+    connect(&link, &Link::busyStepDone, formWaiting, &FormWaiting::stepProgress);
+    connect(&link, &Link::busyShown, formWaiting, &FormWaiting::show);
+    connect(&link, &Link::busyHidden, formWaiting, &FormWaiting::hide);
 }
 
-int FormChoiceCoordinator::currentBaudrate() const
+void FormChoiceCoordinator::connectOperations()
 {
-    return chosenBaudrate;
+    using Link = CoordinatorLink;
+    using Choice = FormChoiceCoordinator;
+    connect(&link, &Link::outputsRead, this, &Choice::sig_sendReadConfigOnForm);
+    connect(&link, &Link::scriptsRead, this, &Choice::sig_sendReadScriptOnForm);
+    connect(&link, &Link::logRead, this, &Choice::sig_sendReadLogOnForm);
+    connect(&link, &Link::logIncomplete, this, &Choice::logIncomplete);
+    connect(&link, &Link::logNotNecessary, this, &Choice::sig_ReadLogNotNeccessary);
+    connect(&link, &Link::terminalsFound, this, &Choice::sig_sendListTerminalsOnForm);
+    connect(&link, &Link::deviceTimeRead, this, &Choice::sig_sendDeviceTimeOnForm);
+    connect(&link, &Link::resultReady, this, &Choice::sig_sendResultOperation);
+    connect(&link, &Link::firmwareAnswered, this, &Choice::sig_sendAnswerFirmWare);
 }
 
-void FormChoiceCoordinator::forceLogReading()
-{
-    logReading->forceNext();
-}
+// The table.
 
-void FormChoiceCoordinator::setFirmwareRunner(FirmwareRunner runner)
+void FormChoiceCoordinator::addRow(Port* port)
 {
-    firmwareRunner = std::move(runner);
-}
-
-// The list of ports.
-
-void FormChoiceCoordinator::sl_updatePortList()
-{
-    const QStringList names = portNames();
-    for (const QString& name : names) {
-        const bool known = std::any_of(portRows.cbegin(), portRows.cend(),
-                                       [&name](const PortRow* row) { return row->itemPortName->text() == name; });
-        if (!known) {
-            addPort(name);
-        }
-    }
-    showNewRows();
-}
-
-QStringList FormChoiceCoordinator::portNames() const
-{
-    if (seams.portNames) {
-        return seams.portNames();
-    }
-    QStringList names;
-    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
-    for (const QSerialPortInfo& port : ports) {
-        names.append(port.portName());
-    }
-    return names;
-}
-
-void FormChoiceCoordinator::addPort(const QString& portName)
-{
-    auto* const row = new PortRow(portName, seams.parseBootAnswer, this);
-    Transmitter* const transmitter = row->transmitter;
+    auto* const row = new PortRow(port);
     portRows.append(row);
+    using Choice = FormChoiceCoordinator;
+    connect(port, &Port::initRequested, this, &Choice::sig_initTransmitter);
+    connect(port, &Port::openRequested, this, &Choice::sig_CheckingPort);
+    connect(port, &Port::closeRequested, this, &Choice::sig_closePort);
+    connect(port, &Port::sendRequested, this, &Choice::sig_sendMessageInPort);
+    connect(port, &Port::changed, this, [row] { row->refresh(); });
+    connect(row->buttonConnect, &QPushButton::clicked, this, &Choice::sl_buttonConnectPress);
+    connect(row->buttonFirmware, &QPushButton::clicked, this, &Choice::sl_buttonFirmwarePress);
+    connect(row->checkBoxCheck, &QCheckBox::clicked, this, &Choice::sl_checkBoxCheckCoordinatorPress);
 
-    connect(this, &FormChoiceCoordinator::sig_initTransmitter, transmitter, &Transmitter::sl_initialization);
-    connect(this, &FormChoiceCoordinator::sig_CheckingPort, transmitter, &Transmitter::sl_CheckPort);
-    connect(this, &FormChoiceCoordinator::sig_closePort, transmitter, &Transmitter::sl_ClosePort);
-    connect(this, &FormChoiceCoordinator::sig_sendMessageInPort, transmitter, &Transmitter::sl_AddRequestInQueue);
-    connect(transmitter, &Transmitter::sig_SendStatePort, this, &FormChoiceCoordinator::sl_setStatePort);
-    connect(transmitter, &Transmitter::sig_SendBaudrate, this, &FormChoiceCoordinator::sl_setBaudratePort);
-    connect(transmitter, &Transmitter::sig_SendAnswer, this, &FormChoiceCoordinator::sl_receiveAnswer);
-    connect(row->buttonConnect, &QPushButton::clicked, this, &FormChoiceCoordinator::sl_buttonConnectPress);
-    connect(row->buttonFirmware, &QPushButton::clicked, this, &FormChoiceCoordinator::sl_buttonFirmwarePress);
-    connect(row->checkBoxCheck, &QCheckBox::clicked, this, &FormChoiceCoordinator::sl_checkBoxCheckCoordinatorPress);
-    connect(row->timerPeriodic, &QTimer::timeout, this, &FormChoiceCoordinator::sl_periodicCheckCoordinator);
-    connect(row->timerFirstConnect, &QTimer::timeout, this, &FormChoiceCoordinator::sl_tryFirstConnectCoordinator);
-
-    row->thread->start(QThread::InheritPriority);
-    emit sig_initTransmitter(transmitter, portName);
-}
-
-void FormChoiceCoordinator::showNewRows()
-{
     QTableWidget* const table = ui->tableWidget;
-    for (const PortRow* const row : std::as_const(portRows)) {
-        if (table->row(row->itemPortName) != -1) {
-            continue;
-        }
-        const int index = table->rowCount();
-        table->insertRow(index);
-        table->setItem(index, ColumnPortName, row->itemPortName);
-        table->setItem(index, ColumnBaudrate, row->itemBaudrate);
-        table->setItem(index, ColumnCoordinator, row->itemCoordinator);
-        table->setItem(index, ColumnSerial, row->itemSerial);
-        table->setItem(index, ColumnVersion, row->itemVersion);
-        table->setItem(index, ColumnState, row->itemState);
-        // The table shows the widgets of its cells whenever it lays them out; a frame around the controls lets them
-        // stay hidden.
-        auto* const frame = new QWidget;
-        auto* const layout = new QHBoxLayout(frame);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(row->cellWidget);
-        table->setCellWidget(index, ColumnControls, frame);
-    }
-    fitTable();
+    const int index = table->rowCount();
+    table->insertRow(index);
+    table->setItem(index, ColumnPortName, row->itemPortName);
+    table->setItem(index, ColumnBaudrate, row->itemBaudrate);
+    table->setItem(index, ColumnCoordinator, row->itemCoordinator);
+    table->setItem(index, ColumnSerial, row->itemSerial);
+    table->setItem(index, ColumnVersion, row->itemVersion);
+    table->setItem(index, ColumnState, row->itemState);
+    // The table shows the widgets of its cells whenever it lays them out; a frame around the controls lets them
+    // stay hidden.
+    auto* const frame = new QWidget;
+    auto* const layout = new QHBoxLayout(frame);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(row->cellWidget);
+    table->setCellWidget(index, ColumnControls, frame);
 }
 
 /// Makes the table as wide as its columns, so that no empty strip stands beside them.
@@ -250,269 +176,167 @@ PortRow* FormChoiceCoordinator::findRow(Field PortRow::*field, const QObject* ob
     return found != portRows.cend() ? *found : nullptr;
 }
 
-PortRow* FormChoiceCoordinator::currentRow() const
+void FormChoiceCoordinator::takeChoice(const Port* port)
 {
-    return currentTransmitter != nullptr ? findRow(&PortRow::transmitter, currentTransmitter) : nullptr;
-}
-
-// State of a port.
-
-void FormChoiceCoordinator::sl_setStatePort(Transmitter* sender, StatePort state)
-{
-    PortRow* const row = findRow(&PortRow::transmitter, sender);
-    if (row == nullptr) {
-        return;
-    }
-    // A watched port neither disconnects nor searches by itself: the watch brings it back.
-    if (row->checkBoxCheck->isChecked() && state != StateCoordinatorConnected && state != StatePortDisabled) {
-        state = StateCoordinatorLost;
-    }
-    const StatePortTraits traits = statePortTraits(state);
-    // The cause stays in view after the port has been closed for it.
-    if (state != StatePortDisabled || !isCauseOfClosing(row->itemState->text())) {
-        row->itemState->setText(traits.text);
-    }
-    row->cellWidget->setVisible(traits.showControls);
-    if (sender == currentTransmitter) {
-        const bool connected = row->itemState->text() == texts::portCoordinatorConnected();
-        sendStatus(!row->checkBoxCheck->isChecked() ? StatusNotWatched
-                   : connected                      ? StatusConnected
-                                                    : StatusNotConnected,
-                   *row);
-    }
-    if (traits.autoDisconnect) {
-        row->buttonConnect->setText(texts::buttonDisconnect());
-        emit row->buttonConnect->clicked(false);
-    }
-    if (state == StateSearching) {
-        row->watchedAddress = noCoordinator;
-        emit sig_sendMessageInPort(sender, CoordinatorSearch::begin());
-    }
-}
-
-void FormChoiceCoordinator::sl_setBaudratePort(Transmitter* sender, int baudrate)
-{
-    if (const PortRow* const row = findRow(&PortRow::transmitter, sender)) {
-        row->itemBaudrate->setText(QString::number(baudrate));
-    }
-}
-
-void FormChoiceCoordinator::sl_buttonConnectPress()
-{
-    PortRow* const row = findRow(&PortRow::buttonConnect, QObject::sender());
-    if (row == nullptr) {
-        return;
-    }
-    const bool disconnecting = row->buttonConnect->text() == texts::buttonDisconnect();
-    row->buttonConnect->setText(disconnecting ? texts::buttonConnect() : texts::buttonDisconnect());
-    row->buttonConnect->setStyleSheet(disconnecting ? QStringLiteral("background-color: green")
-                                                    : QStringLiteral("background-color: red"));
-    if (disconnecting) {
-        for (QTableWidgetItem* const item :
-             {row->itemBaudrate, row->itemCoordinator, row->itemSerial, row->itemVersion}) {
-            item->setText(noValue());
-        }
-        row->coordinatorAddress = noCoordinator;
-        row->watchedAddress = noCoordinator;
-    }
-    row->checkBoxCheck->setVisible(!disconnecting);
-    row->checkBoxCheck->setChecked(false);
-    row->timerPeriodic->stop();
-    // A firmware load opens the port by itself, so it is offered on a closed one.
-    row->buttonFirmware->setVisible(disconnecting);
-    if (disconnecting) {
-        emit sig_closePort(row->transmitter);
-    } else {
-        emit sig_CheckingPort(row->transmitter, row->itemPortName->text());
-    }
-}
-
-void FormChoiceCoordinator::sl_buttonFirmwarePress()
-{
-    PortRow* const row = findRow(&PortRow::buttonFirmware, QObject::sender());
-    if (row == nullptr || !firmwareRunner) {
-        return;
-    }
-    // An automatic search would close the port in the middle of a load; it comes back when the user is done here.
-    const bool searchIsDue = row->timerFirstConnect->isActive();
-    row->timerFirstConnect->stop();
-    Transmitter* const transmitter = row->transmitter;
-    isFirmwareAtHand = true;
-    firmwareRunner({row->coordinatorAddress, row->baudrate,
-                    [this, transmitter](const message& request) { emit sig_sendMessageInPort(transmitter, request); },
-                    [this, transmitter](bool running) { firmwareTransmitter = running ? transmitter : nullptr; }});
-    isFirmwareAtHand = false;
-    if (searchIsDue) {
-        row->timerFirstConnect->start();
-    }
-}
-
-// Search and watch.
-
-void FormChoiceCoordinator::sl_tryFirstConnectCoordinator()
-{
-    const PortRow* const row = findRow(&PortRow::timerFirstConnect, QObject::sender());
-    if (row == nullptr) {
-        return;
-    }
-    row->timerFirstConnect->stop();
-    if (currentTransmitter == nullptr) {
-        row->buttonConnect->setText(texts::buttonConnect());
-        emit row->buttonConnect->clicked(false);
-    }
-}
-
-void FormChoiceCoordinator::sl_checkBoxCheckCoordinatorPress()
-{
-    const PortRow* const row = findRow(&PortRow::checkBoxCheck, QObject::sender());
-    if (row == nullptr) {
-        return;
-    }
-    if (row->checkBoxCheck->isChecked()) {
-        row->timerPeriodic->start();
-        return;
-    }
-    row->timerPeriodic->stop();
-    // What the watch saw last says nothing from now on.
-    if (row->transmitter == currentTransmitter) {
-        sendStatus(StatusNotWatched, *row);
-    }
-}
-
-void FormChoiceCoordinator::sl_periodicCheckCoordinator()
-{
-    const PortRow* const row = findRow(&PortRow::timerPeriodic, QObject::sender());
-    if (row == nullptr || row->transmitter == firmwareTransmitter) {
-        return;
-    }
-    emit sig_sendMessageInPort(row->transmitter, CoordinatorSearch::check(row->watchedAddress, row->baudrate));
-    message timeRequest = protocol_HUBN_NX_Q::requestDeviceTime(row->watchedAddress);
-    timeRequest.setBaudrate(row->baudrate);
-    emit sig_sendMessageInPort(row->transmitter, timeRequest);
-}
-
-void FormChoiceCoordinator::answerSearch(Transmitter* sender, const message& answer)
-{
-    PortRow* const row = findRow(&PortRow::transmitter, sender);
-    if (row == nullptr) {
-        return;
-    }
-    if (answer.requestType() == protocol_HUBN_NX_Q::Search_Broadcast && !answer.rawAnswer().isEmpty()) {
-        row->baudrate = answer.baudrate();
-    }
-    const CoordinatorSearch::Step step = CoordinatorSearch::next(answer);
-    switch (step.verdict) {
-    case CoordinatorSearch::Verdict::Going:
-        emit sig_sendMessageInPort(sender, step.request);
-        break;
-    case CoordinatorSearch::Verdict::Found:
-        updateCoordinatorInfo(sender, step.coordinator);
-        sl_setStatePort(sender, StateCoordinatorConnected);
-        row->checkBoxCheck->setChecked(true);
-        row->timerPeriodic->start();
-        break;
-    case CoordinatorSearch::Verdict::Silent:
-        sl_setStatePort(sender, StateCoordinatorNotFound);
-        if (currentTransmitter == nullptr && row->firstConnectAttempts != 0) {
-            --row->firstConnectAttempts;
-            row->timerFirstConnect->start();
-        }
-        break;
-    case CoordinatorSearch::Verdict::Nameless:
-        // Something that isn't a coordinator is no reason to come back by oneself.
-        sl_setStatePort(sender, StateCoordinatorNotFound);
-        break;
-    }
-}
-
-bool FormChoiceCoordinator::isDisconnected(const Transmitter* transmitter) const
-{
-    const PortRow* const row = findRow(&PortRow::transmitter, transmitter);
-    return row == nullptr || row->buttonConnect->text() != texts::buttonDisconnect();
-}
-
-void FormChoiceCoordinator::answerCheck(Transmitter* sender, const message& answer)
-{
-    // A check that was on its way when the port was disconnected has nothing to say any more.
-    if (isDisconnected(sender)) {
-        return;
-    }
-    if (CoordinatorSearch::isPresent(answer)) {
-        updateCoordinatorInfo(sender, CoordinatorInfo::fromAnswer(answer));
-        sl_setStatePort(sender, StateCoordinatorConnected);
-    } else {
-        sl_setStatePort(sender, StateCoordinatorLost);
-    }
-}
-
-void FormChoiceCoordinator::updateCoordinatorInfo(Transmitter* transmitter, const CoordinatorInfo& info)
-{
-    PortRow* const row = findRow(&PortRow::transmitter, transmitter);
-    row->coordinatorAddress = info.address;
-    if (row->watchedAddress == noCoordinator) {
-        row->watchedAddress = info.address;
-    }
-    row->itemCoordinator->setText(texts::statusCoordinator() + QStringLiteral(" %1").arg(info.address));
-    row->itemSerial->setText(QString::number(info.serial));
-    row->itemVersion->setText(info.versionText());
-    // The first coordinator found is chosen without the user, though not over the dialogs of a load: the watch comes
-    // back to it after them.
-    if (currentTransmitter == nullptr && !isFirmwareAtHand) {
+    const PortRow* const row = findRow(&PortRow::port, port);
+    if (row != nullptr && ui->tableWidget->currentRow() != ui->tableWidget->row(row->itemCoordinator)) {
         ui->tableWidget->setCurrentItem(row->itemCoordinator);
-        on_buttonChoicePort_clicked();
+    }
+    hide();
+}
+
+void FormChoiceCoordinator::sendStatus(PortStatus status)
+{
+    if (const PortRow* const row = findRow(&PortRow::port, link.currentPort())) {
+        emit sig_sendStatusSelectPortOnForm(static_cast<uchar>(status), row->port->name(), row->itemBaudrate->text(),
+                                            row->port->address(), row->itemSerial->text(), row->itemVersion->text());
     }
 }
 
-// Choice of the current port.
+// What the user does.
 
 void FormChoiceCoordinator::on_buttonChoicePort_clicked()
 {
     const QTableWidgetItem* const chosen = ui->tableWidget->item(ui->tableWidget->currentRow(), ColumnCoordinator);
     const auto found = std::find_if(portRows.cbegin(), portRows.cend(),
                                     [chosen](const PortRow* row) { return row->itemCoordinator == chosen; });
-    if (found != portRows.cend()) {
-        choosePort(*found);
-    }
-    hide();
-    if (chosenAddress == noCoordinator) {
-        return;
-    }
-    timerNothingSent->stop();
-    formWaiting->setOperation(texts::busySearchingTerminals(), 0, 1);
-    formWaiting->show();
-    if (found == portRows.cend()) {
-        timerNothingSent->start();
+    link.choose(found != portRows.cend() ? (*found)->port : nullptr);
+}
+
+void FormChoiceCoordinator::sl_buttonConnectPress()
+{
+    if (const PortRow* const row = findRow(&PortRow::buttonConnect, QObject::sender())) {
+        if (row->port->info().connected) {
+            row->port->close();
+        } else {
+            row->port->open();
+        }
     }
 }
 
-void FormChoiceCoordinator::choosePort(PortRow* row)
+void FormChoiceCoordinator::sl_buttonFirmwarePress()
 {
-    if (currentTransmitter != nullptr) {
-        disconnect(currentTransmitter, &Transmitter::sig_SendRequestInForm, this, nullptr);
-        disconnect(currentTransmitter, &Transmitter::sig_SendAnswerInForm, this, nullptr);
+    if (const PortRow* const row = findRow(&PortRow::buttonFirmware, QObject::sender())) {
+        link.loadFirmware(*row->port);
     }
-    currentTransmitter = row->transmitter;
-    chosenAddress = row->coordinatorAddress;
-    chosenBaudrate = row->baudrate;
-    connect(currentTransmitter, &Transmitter::sig_SendRequestInForm, this,
-            &FormChoiceCoordinator::sig_sendRequestOnForm);
-    connect(currentTransmitter, &Transmitter::sig_SendAnswerInForm, this, &FormChoiceCoordinator::sig_sendAnswerOnForm);
-    for (DeviceOperation* const operation : operations) {
-        operation->setCoordinator(chosenAddress);
-    }
-    const bool hasCoordinator = chosenAddress != noCoordinator;
-    if (hasCoordinator) {
-        terminalSearch->start();
-    }
-    emit sig_sendEnableOperationOnForm(hasCoordinator);
-    sendStatus(StatusNotWatched, *row);
 }
 
-void FormChoiceCoordinator::sendStatus(uchar statePort, const PortRow& row)
+void FormChoiceCoordinator::sl_checkBoxCheckCoordinatorPress()
 {
-    emit sig_sendStatusSelectPortOnForm(statePort, row.itemPortName->text(), row.itemBaudrate->text(),
-                                        row.coordinatorAddress, row.itemSerial->text(), row.itemVersion->text());
+    if (const PortRow* const row = findRow(&PortRow::checkBoxCheck, QObject::sender())) {
+        row->port->setWatched(row->checkBoxCheck->isChecked());
+    }
 }
+
+// What goes to the link as it is.
+
+quint8 FormChoiceCoordinator::currentAddress() const
+{
+    return link.currentAddress();
+}
+
+int FormChoiceCoordinator::currentBaudrate() const
+{
+    return link.currentBaudrate();
+}
+
+void FormChoiceCoordinator::forceLogReading()
+{
+    link.forceLogReading();
+}
+
+void FormChoiceCoordinator::setFirmwareRunner(FirmwareRunner runner)
+{
+    link.setFirmwareRunner(std::move(runner));
+}
+
+void FormChoiceCoordinator::sl_updatePortList()
+{
+    link.updatePortList();
+}
+
+void FormChoiceCoordinator::sl_setStatePort(Transmitter* sender, StatePort state)
+{
+    if (Port* const port = link.portOf(sender)) {
+        port->setState(state);
+    }
+}
+
+void FormChoiceCoordinator::sl_setBaudratePort(Transmitter* sender, int baudrate)
+{
+    if (Port* const port = link.portOf(sender)) {
+        port->setLineBaudrate(baudrate);
+    }
+}
+
+void FormChoiceCoordinator::sl_receiveAnswer(Transmitter* sender, const message& answer)
+{
+    if (Port* const port = link.portOf(sender)) {
+        port->takeAnswer(answer);
+    }
+}
+
+void FormChoiceCoordinator::sl_periodicCheckCoordinator()
+{
+    if (Port* const port = link.portOf(QObject::sender())) {
+        port->checkCoordinator();
+    }
+}
+
+void FormChoiceCoordinator::sl_tryFirstConnectCoordinator()
+{
+    if (Port* const port = link.portOf(QObject::sender())) {
+        port->repeatSearch();
+    }
+}
+
+void FormChoiceCoordinator::sl_PreOperationReadConfigAndScript()
+{
+    link.readConfiguration();
+}
+
+void FormChoiceCoordinator::sl_SendRequestReadConfig(uchar address, uchar number)
+{
+    link.readOutput(address, number);
+}
+
+void FormChoiceCoordinator::sl_SendRequestReadScript(uchar number)
+{
+    link.readScript(number);
+}
+
+void FormChoiceCoordinator::sl_PreOperationWriteConfigAndScript(const QByteArrayList& listConfig,
+                                                                const QByteArrayList& listScript)
+{
+    link.writeConfiguration(listConfig, listScript);
+}
+
+void FormChoiceCoordinator::sl_SendRequestSyncTime()
+{
+    link.setDeviceTime();
+}
+
+void FormChoiceCoordinator::sl_SendRequestBeginReadLog()
+{
+    link.readLog();
+}
+
+void FormChoiceCoordinator::sl_SendRequestOnCurrentPort(const message& request)
+{
+    link.send(request);
+}
+
+void FormChoiceCoordinator::sl_CurrentLoadingFirmwareIsRunning(bool running)
+{
+    link.setFirmwareRunning(running);
+}
+
+void FormChoiceCoordinator::sl_HideFormWaiting()
+{
+    formWaiting->hide();
+}
+
+// The window.
 
 void FormChoiceCoordinator::showEvent(QShowEvent* event)
 {
@@ -533,7 +357,7 @@ void FormChoiceCoordinator::resizeEvent(QResizeEvent* event)
 
 void FormChoiceCoordinator::closeEvent(QCloseEvent* event)
 {
-    if (currentTransmitter == nullptr) {
+    if (link.currentPort() == nullptr) {
         emit sig_sendEnableOperationOnForm(false);
     }
     Form::closeEvent(event);

@@ -1,28 +1,18 @@
 #pragma once
 
-#include "domain/terminals.h"
+#include "link/CoordinatorLink.h"
 #include "link/StatePort.h"
 #include "link/message.h"
 #include "widgets/Form.h"
 
 #include <QByteArrayList>
 #include <QDateTime>
-#include <QStringList>
 #include <QVector>
 
-#include <array>
-#include <functional>
 #include <memory>
 
-class ConfigurationReading;
-class ConfigurationWriting;
-class DeviceOperation;
 class FormWaiting;
-class LogReading;
-class QTimer;
-class TerminalSearch;
 class Transmitter;
-struct CoordinatorInfo;
 struct PortRow;
 
 QT_BEGIN_NAMESPACE
@@ -32,44 +22,21 @@ class FormChoiceCoordinator;
 }
 QT_END_NAMESPACE
 
-/// What the coordinator form takes from outside; an empty function means the real thing.
-struct CoordinatorSeams
-{
-    std::function<QStringList()> portNames;                 ///< names of the serial ports; QSerialPortInfo
-    std::function<QDateTime()> now;                         ///< local date and time; QDateTime::currentDateTime
-    std::function<message(const message&)> parseBootAnswer; ///< runs on the ports' threads; none: no boot answers
-};
-
-/// One port as a firmware load sees it.
-struct FirmwarePort
-{
-    quint8 address = noCoordinator; ///< coordinator address of the row
-    int baudrate = 0;               ///< rate at which a coordinator answered, 0 if none ever did
-    std::function<void(const message&)> send;
-    std::function<void(bool)> setRunning; ///< while true the port's watch rests and boot answers come back
-};
-
-/// Runs a firmware load on a port and returns when it is over. Answers arrive by
-/// FormChoiceCoordinator::sig_sendAnswerFirmWare.
-using FirmwareRunner = std::function<void(const FirmwarePort&)>;
-
-/// The form "Coordinator selection": finds the coordinators on all serial ports, and runs the operations of the one
-/// that was chosen.
+/// The form "Coordinator selection": shows what a CoordinatorLink knows of the serial ports and their coordinators, and
+/// passes on to it what the user does.
 ///
-/// It keeps one row for every port that was seen in this run, each with a Transmitter on a thread of its own, searches
-/// new ports by itself, watches found coordinators once a second, and makes the first one the current port. All device
-/// operations go to the current port, one at a time; each is a DeviceOperation, and the form gives them their answers,
-/// resends failed steps, moves the busy form and passes their results on.
+/// It owns the link and begins it, keeps one row for every port, and shows the busy form as the link says. Its slots
+/// and signals are those of the link by the names that the rest of the program knows; the link tells what they do.
 ///
 /// Lives on the GUI thread, from the window's start to its end; all signals are emitted there. Give the main window
-/// as parent, so that this form and the busy form stay above it. The ports' threads are never stopped: they end with
-/// the process. Their ports are closed with the form, which waits for that no longer than 300 ms in all.
+/// as parent, so that this form and the busy form stay above it. The link ends with the form, and with it the ports.
 class FormChoiceCoordinator : public Form
 {
     Q_OBJECT
 
 public:
-    explicit FormChoiceCoordinator(CoordinatorSeams seams = {}, QWidget* parent = nullptr);
+    explicit FormChoiceCoordinator(CoordinatorSeams seams = {}, Transmitter::BootParser parseBootAnswer = {},
+                                   QWidget* parent = nullptr);
     ~FormChoiceCoordinator() override;
     Q_DISABLE_COPY_MOVE(FormChoiceCoordinator)
 
@@ -101,30 +68,19 @@ public slots:
 
     // Operations of the current port.
 
-    /// Reads all outputs, then all scripts. The busy form stays up for the receiver of the scripts to end.
+    /// The busy form stays up for the receiver of the scripts to end.
     void sl_PreOperationReadConfigAndScript();
     void sl_SendRequestReadConfig(uchar address, uchar number);
     void sl_SendRequestReadScript(uchar number);
-
-    /// Writes output records and script records, and hides the busy form after the last script.
     void sl_PreOperationWriteConfigAndScript(const QByteArrayList& listConfig, const QByteArrayList& listScript);
-
-    /// Sets the unit's clock to the PC's.
     void sl_SendRequestSyncTime();
-
-    /// Reads the log from its beginning if its counter has changed since the last reading.
     void sl_SendRequestBeginReadLog();
-
-    /// Sends a request of a firmware load, as it is, to the current port.
     void sl_SendRequestOnCurrentPort(const message& request);
-
-    /// A firmware load begins or ends on the current port.
     void sl_CurrentLoadingFirmwareIsRunning(bool running);
-
     void sl_HideFormWaiting();
 
 signals:
-    // To every Transmitter, each of which acts only if it is the first argument.
+    // What goes to a Transmitter, the first argument; null where a request found no current port.
     void sig_initTransmitter(Transmitter* receiver, const QString& portName);
     void sig_CheckingPort(Transmitter* receiver, const QString& portName);
     void sig_closePort(Transmitter* receiver);
@@ -175,44 +131,18 @@ protected:
 
 private:
     void setUpTable();
-    void setUpOperations();
-    QStringList portNames() const;
-    void addPort(const QString& portName);
-    void showNewRows();
+    void connectLink();
+    void connectOperations();
+    void addRow(Port* port);
     void fitTable();
+    void takeChoice(const Port* port);
+    void sendStatus(PortStatus status);
 
     template <typename Field>
     PortRow* findRow(Field PortRow::*field, const QObject* object) const;
-    PortRow* currentRow() const;                               ///< row of the current port, null without one
-    bool isDisconnected(const Transmitter* transmitter) const; ///< by the user or for want of a coordinator
 
-    void answerSearch(Transmitter* sender, const message& answer);
-    void answerCheck(Transmitter* sender, const message& answer);
-    void answerDeviceTime(const message& answer);
-    void answerTimeWritten(const message& answer);
-    void answerOperation(const message& answer);
-    void updateCoordinatorInfo(Transmitter* transmitter, const CoordinatorInfo& info);
-    void choosePort(PortRow* row);
-    void sendStatus(uchar statePort, const PortRow& row);
-
-    void sendOnCurrentPort(message request);
-    void resend(message answer);
-
-    const CoordinatorSeams seams;
+    CoordinatorLink link;
     std::unique_ptr<Ui::FormChoiceCoordinator> ui;
     QVector<PortRow*> portRows; ///< in order of discovery
-    QTimer* timerPortList;
-    Transmitter* currentTransmitter = nullptr; ///< the port for device operations; a disconnect doesn't clear it
-    quint8 chosenAddress = noCoordinator;
-    int chosenBaudrate = 1200;
-    Transmitter* firmwareTransmitter = nullptr; ///< the port on which a firmware load runs
-    FirmwareRunner firmwareRunner;
-    bool isFirmwareAtHand = false; ///< the dialogs of a row's firmware load are open, that of its file among them
     FormWaiting* formWaiting;
-    QTimer* timerNothingSent; ///< takes the busy form away again where there is nothing to wait for
-    TerminalSearch* terminalSearch;
-    ConfigurationReading* configurationReading;
-    ConfigurationWriting* configurationWriting;
-    LogReading* logReading;
-    const std::array<DeviceOperation*, 4> operations;
 };

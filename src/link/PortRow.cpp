@@ -1,7 +1,7 @@
 #include "link/PortRow.h"
 
-#include "link/StatePort.h"
-#include "link/Transmitter.h"
+#include "link/Port.h"
+#include "texts/noValue.h"
 #include "texts/texts.h"
 #include "widgets/Look.h"
 
@@ -9,10 +9,6 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QTableWidgetItem>
-#include <QThread>
-#include <QTimer>
-
-#include <chrono>
 
 namespace
 {
@@ -27,13 +23,6 @@ QTableWidgetItem* makeItem(const QString& text)
     return item;
 }
 
-QTimer* makeTimer(QObject* owner)
-{
-    auto* const timer = new QTimer(owner);
-    timer->setInterval(std::chrono::seconds(1));
-    return timer;
-}
-
 QPushButton* makeButton(const QString& text, const QString& styleSheet)
 {
     // Styles make every button so wide that the column couldn't hold two; their texts, at least, are never cut.
@@ -45,17 +34,20 @@ QPushButton* makeButton(const QString& text, const QString& styleSheet)
     return button;
 }
 
+QString disconnectStyle()
+{
+    return QStringLiteral("background-color: red");
+}
+
 } // namespace
 
-PortRow::PortRow(const QString& portName, std::function<message(const message&)> parseBootAnswer, QObject* timerOwner)
-    : itemPortName(makeItem(portName)), itemBaudrate(makeItem(QStringLiteral("-"))),
-      itemCoordinator(makeItem(QStringLiteral("-"))), itemSerial(makeItem(QStringLiteral("-"))),
-      itemVersion(makeItem(QStringLiteral("-"))), itemState(makeItem(statePortTraits(StateConnecting).text)),
+PortRow::PortRow(Port* shownPort)
+    : port(shownPort), itemPortName(makeItem(port->name())), itemBaudrate(makeItem(texts::noValue())),
+      itemCoordinator(makeItem(texts::noValue())), itemSerial(makeItem(texts::noValue())),
+      itemVersion(makeItem(texts::noValue())), itemState(makeItem(statePortTraits(port->info().state).text)),
       cellWidget(new QWidget), checkBoxCheck(new QCheckBox(texts::wordChecking())),
-      buttonConnect(makeButton(texts::buttonDisconnect(), QStringLiteral("background-color: red"))),
-      buttonFirmware(makeButton(texts::actionFirmwareOfPort(), QStringLiteral("background-color: yellow"))),
-      thread(new QThread), transmitter(new Transmitter), timerPeriodic(makeTimer(timerOwner)),
-      timerFirstConnect(makeTimer(timerOwner))
+      buttonConnect(makeButton(texts::buttonDisconnect(), disconnectStyle())),
+      buttonFirmware(makeButton(texts::actionFirmwareOfPort(), QStringLiteral("background-color: yellow")))
 {
     auto* const layout = new QHBoxLayout(cellWidget);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -65,8 +57,28 @@ PortRow::PortRow(const QString& portName, std::function<message(const message&)>
     layout->addWidget(buttonConnect, 0, Qt::AlignCenter);
     layout->addWidget(buttonFirmware, 0, Qt::AlignCenter);
     buttonFirmware->hide();
-    thread->setObjectName(portName);
-    transmitter->setBootParser(std::move(parseBootAnswer));
-    transmitter->keepLateAnswersApart();
-    transmitter->moveToThread(thread);
+}
+
+void PortRow::refresh() const
+{
+    const PortInfo& info = port->info();
+    const StatePortTraits traits = statePortTraits(info.state);
+    itemBaudrate->setText(info.lineBaudrate != 0 ? QString::number(info.lineBaudrate) : texts::noValue());
+    itemCoordinator->setText(info.coordinator
+                                 ? texts::statusCoordinator() + QStringLiteral(" %1").arg(info.coordinator->address)
+                                 : texts::noValue());
+    itemSerial->setText(info.coordinator ? QString::number(info.coordinator->serial) : texts::noValue());
+    itemVersion->setText(info.coordinator ? info.coordinator->versionText() : texts::noValue());
+    itemState->setText(traits.text);
+    cellWidget->setVisible(traits.showControls);
+    // A style sheet takes its time, so it is set only when it has to be.
+    const QString caption = info.connected ? texts::buttonDisconnect() : texts::buttonConnect();
+    if (buttonConnect->text() != caption) {
+        buttonConnect->setText(caption);
+        buttonConnect->setStyleSheet(info.connected ? disconnectStyle() : QStringLiteral("background-color: green"));
+    }
+    checkBoxCheck->setVisible(info.connected);
+    checkBoxCheck->setChecked(info.watched);
+    // A firmware load opens the port by itself, so it is offered on a closed one.
+    buttonFirmware->setVisible(!info.connected);
 }

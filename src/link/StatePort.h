@@ -4,7 +4,7 @@
 #include <QString>
 
 /// What is known about a serial port and the coordinator behind it. A Transmitter reports the states of the port itself
-/// (0 to 4 and 8); the coordinator form adds those of the coordinator (5 to 7).
+/// (0 to 4 and 8); the Port above it adds those of the coordinator (5 to 7).
 enum StatePort
 {
     StateConnecting = 0,
@@ -20,11 +20,11 @@ enum StatePort
 
 Q_DECLARE_METATYPE(StatePort)
 
-/// How the coordinator form shows a state and what it does about it.
+/// What follows from a state: how it is shown, and what is done about it.
 struct StatePortTraits
 {
     QString text;
-    bool autoDisconnect; ///< the form disconnects the port by itself after showing the text
+    bool autoDisconnect; ///< the port is closed for it, and it goes on being shown
     bool showControls;   ///< whether the controls of the port's row are visible
 };
 

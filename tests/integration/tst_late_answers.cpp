@@ -292,14 +292,7 @@ private:
 
     QRandomGenerator random;
     UnitSimulator unit;
-    FormRecorder recorder{{}, withBoot()};
-
-    static CoordinatorSeams withBoot()
-    {
-        CoordinatorSeams seams;
-        seams.parseBootAnswer = &protocol_boot::parseAnswer;
-        return seams;
-    }
+    FormRecorder recorder{{}, {}, &protocol_boot::parseAnswer};
 };
 
 } // namespace

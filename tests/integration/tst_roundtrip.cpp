@@ -140,7 +140,7 @@ QByteArray asFile(const RelayInfo& model)
 class FormOverUnit
 {
 public:
-    FormOverUnit() : form({[name = unit.portName()] { return QStringList{name}; }, {}, {}})
+    FormOverUnit() : form({[name = unit.portName()] { return QStringList{name}; }, {}})
     {
         QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &form,
                          [this](const QByteArrayList& records) { model.readTerminalRecords(records); });

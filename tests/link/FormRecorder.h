@@ -26,8 +26,9 @@ public:
         message request;
     };
 
-    explicit FormRecorder(QStringList portNames = {}, CoordinatorSeams seams = {})
-        : names(std::move(portNames)), form(withPorts(std::move(seams)))
+    explicit FormRecorder(QStringList portNames = {}, CoordinatorSeams seams = {},
+                          Transmitter::BootParser parseBootAnswer = {})
+        : names(std::move(portNames)), form(withPorts(std::move(seams)), std::move(parseBootAnswer))
     {
         using Choice = FormChoiceCoordinator;
         connect(&form, &Choice::sig_initTransmitter, this, [this](Transmitter* receiver, const QString& name) {

@@ -785,7 +785,7 @@ void tst_FormChoiceCoordinator::closingTheMainWindowEndsTheApplication()
     QFETCH(bool, formIsOpen);
     QFETCH(bool, isBusy);
     QWidget window;
-    FormChoiceCoordinator form({[] { return QStringList(portA); }, {}, {}}, &window);
+    FormChoiceCoordinator form({[] { return QStringList(portA); }, {}}, {}, &window);
     window.show();
     form.setVisible(formIsOpen);
     if (isBusy) {
@@ -801,7 +801,7 @@ void tst_FormChoiceCoordinator::closingTheMainWindowEndsTheApplication()
 void tst_FormChoiceCoordinator::hidingOrClosingTheFormsDoesNotEndTheApplication()
 {
     QWidget window;
-    FormChoiceCoordinator form({[] { return QStringList(portA); }, {}, {}}, &window);
+    FormChoiceCoordinator form({[] { return QStringList(portA); }, {}}, {}, &window);
     form.show();
     form.sl_PreOperationReadConfigAndScript();
     QTimer::singleShot(0, &form, [&form] {

@@ -1,12 +1,10 @@
+#include "link/Port.h"
 #include "link/PortRow.h"
-#include "link/Transmitter.h"
 
 #include <QCheckBox>
 #include <QLayout>
 #include <QPushButton>
 #include <QTableWidgetItem>
-#include <QThread>
-#include <QTimer>
 #include <QtTest>
 
 class tst_PortRow : public QObject
@@ -17,14 +15,13 @@ private slots:
     void beginsWithoutACoordinator();
     void itemsCanBeSelectedButNotEdited();
     void controlsBeginAsThoseOfAConnectedPort();
-    void theWorkerLivesOnAThreadThatIsNotYetStarted();
-    void timersBelongToTheOwnerAndRest();
+    void showsWhatIsKnownOfThePort();
 };
 
 namespace
 {
 
-/// A row whose parts are released, which the program never does: here the thread has not been started.
+/// A row whose parts are released, which is otherwise left to its table.
 struct OwnedRow
 {
     ~OwnedRow()
@@ -32,8 +29,6 @@ struct OwnedRow
         const QVector<QTableWidgetItem*> owned = items();
         qDeleteAll(owned);
         delete row.cellWidget;
-        delete row.transmitter;
-        delete row.thread;
     }
 
     QVector<QTableWidgetItem*> items() const
@@ -42,8 +37,18 @@ struct OwnedRow
                 row.itemSerial,   row.itemVersion,  row.itemState};
     }
 
-    QObject owner;
-    PortRow row{QStringLiteral("pts/99"), {}, &owner};
+    QStringList texts() const
+    {
+        const QVector<QTableWidgetItem*> shown = items();
+        QStringList result;
+        for (const QTableWidgetItem* const item : shown) {
+            result.append(item->text());
+        }
+        return result;
+    }
+
+    Port port{QStringLiteral("pts/99")};
+    PortRow row{&port};
 };
 
 } // namespace
@@ -51,16 +56,9 @@ struct OwnedRow
 void tst_PortRow::beginsWithoutACoordinator()
 {
     const OwnedRow owned;
-    const QVector<QTableWidgetItem*> items = owned.items();
-    QStringList texts;
-    for (const QTableWidgetItem* const item : items) {
-        texts.append(item->text());
-    }
-    QCOMPARE(texts, QStringList({QStringLiteral("pts/99"), QStringLiteral("-"), QStringLiteral("-"),
-                                 QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("Connection to port...")}));
-    QCOMPARE(owned.row.baudrate, 0);
-    QCOMPARE(int(owned.row.coordinatorAddress), 255);
-    QCOMPARE(owned.row.firstConnectAttempts, 4);
+    QCOMPARE(owned.texts(),
+             QStringList({QStringLiteral("pts/99"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"),
+                          QStringLiteral("-"), QStringLiteral("Connection to port...")}));
 }
 
 void tst_PortRow::itemsCanBeSelectedButNotEdited()
@@ -97,24 +95,27 @@ void tst_PortRow::controlsBeginAsThoseOfAConnectedPort()
     }
 }
 
-void tst_PortRow::theWorkerLivesOnAThreadThatIsNotYetStarted()
+void tst_PortRow::showsWhatIsKnownOfThePort()
 {
-    const OwnedRow owned;
-    QCOMPARE(owned.row.transmitter->thread(), owned.row.thread);
-    QVERIFY(owned.row.transmitter->parent() == nullptr);
-    QVERIFY(owned.row.thread->parent() == nullptr);
-    QVERIFY(!owned.row.thread->isRunning());
-}
+    OwnedRow owned;
+    const PortRow& row = owned.row;
+    owned.port.setLineBaudrate(9600);
+    owned.port.setState(StateCoordinatorConnected);
+    owned.port.setWatched(true);
+    row.refresh();
+    QCOMPARE(row.itemBaudrate->text(), QStringLiteral("9600"));
+    QCOMPARE(row.itemState->text(), QStringLiteral("Coordinator connected"));
+    QVERIFY(row.checkBoxCheck->isChecked());
+    QVERIFY(!row.cellWidget->isHidden());
 
-void tst_PortRow::timersBelongToTheOwnerAndRest()
-{
-    const OwnedRow owned;
-    for (const QTimer* const timer : {owned.row.timerPeriodic, owned.row.timerFirstConnect}) {
-        QCOMPARE(timer->parent(), &owned.owner);
-        QCOMPARE(timer->interval(), 1000);
-        QVERIFY(!timer->isSingleShot());
-        QVERIFY(!timer->isActive());
-    }
+    owned.port.close();
+    row.refresh();
+    QCOMPARE(row.itemBaudrate->text(), QStringLiteral("-"));
+    QCOMPARE(row.buttonConnect->text(), QStringLiteral("Connect"));
+    QCOMPARE(row.buttonConnect->styleSheet(), QStringLiteral("background-color: green"));
+    QVERIFY(!row.checkBoxCheck->isChecked());
+    QVERIFY(row.checkBoxCheck->isHidden());
+    QVERIFY(!row.buttonFirmware->isHidden());
 }
 
 QTEST_MAIN(tst_PortRow)

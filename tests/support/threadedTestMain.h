@@ -5,7 +5,7 @@
 #include <QApplication>
 #include <QTest>
 
-/// main() of a test that leaves ports' threads running, which ends as the program's own main() does.
+/// main() of a test in which a port's thread may outlive its link, which ends as the program's own main() does.
 #define HUBN_THREADED_TEST_MAIN(TestObject)                                                                            \
     int main(int argc, char* argv[])                                                                                   \
     {                                                                                                                  \

@@ -61,7 +61,7 @@ MainWindow::MainWindow(WindowSeams seams_, QWidget* parent)
       ui(std::make_unique<Ui::MainWindow>()), relayInfo(QSharedPointer<RelayInfo>::create()),
       device(new Device([this](const QString& title, const QString& text) { dialogs.critical(nullptr, title, text); },
                         this)),
-      formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now, &protocol_boot::parseAnswer}, this)),
+      formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now}, &protocol_boot::parseAnswer, this)),
       statusSections(std::make_unique<StatusBar>())
 {
     ui->setupUi(this);

@@ -1,6 +1,7 @@
 #include "ui/window/StatusBar.h"
 
 #include "domain/terminals.h"
+#include "texts/noValue.h"
 #include "texts/texts.h"
 #include "widgets/ElidedLabel.h"
 
@@ -49,11 +50,6 @@ QString bold(const QString& text)
     return QStringLiteral("<b>%1</b>").arg(text.toHtmlEscaped());
 }
 
-QString noValue()
-{
-    return QStringLiteral("-");
-}
-
 QString lampIcon(uchar lamp)
 {
     switch (lamp) {
@@ -70,13 +66,13 @@ QString lampIcon(uchar lamp)
 
 StatusBar::StatusBar()
     : labelIconPort(newLabel(QStringLiteral("labelIconPort"))),
-      labelBaudrate(newLabel(QStringLiteral("labelBaudrate"), noValue())),
-      labelPortName(newLabel<ElidedLabel>(QStringLiteral("labelPortName"), noValue())),
+      labelBaudrate(newLabel(QStringLiteral("labelBaudrate"), texts::noValue())),
+      labelPortName(newLabel<ElidedLabel>(QStringLiteral("labelPortName"), texts::noValue())),
       labelCoordinator(newLabel(QStringLiteral("labelCoordinator"), bold(texts::statusNotConnected()))),
-      labelSerial(newLabel(QStringLiteral("labelSerial"), noValue())),
-      labelVersion(newLabel(QStringLiteral("labelVersion"), noValue())),
+      labelSerial(newLabel(QStringLiteral("labelSerial"), texts::noValue())),
+      labelVersion(newLabel(QStringLiteral("labelVersion"), texts::noValue())),
       labelResult(newLabel(QStringLiteral("labelResult"))),
-      labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), noValue()))
+      labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue()))
 {
     labelIconPort->setPixmap(QPixmap(lampIcon(LampNotConnected)));
 }

@@ -1,0 +1,271 @@
+#include "link/Port.h"
+
+#include "link/protocol_HUBN_NX_Q.h"
+
+#include <QThread>
+
+#include <chrono>
+#include <utility>
+
+Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject* parent)
+    : QObject(parent), portName(name), thread(new QThread), transmitter(new Transmitter), timerPeriodic(this),
+      timerFirstConnect(this)
+{
+    timerPeriodic.setInterval(std::chrono::seconds(1));
+    timerFirstConnect.setInterval(std::chrono::seconds(1));
+    timerFirstConnect.setSingleShot(true);
+    connect(&timerPeriodic, &QTimer::timeout, this, &Port::checkCoordinator);
+    connect(&timerFirstConnect, &QTimer::timeout, this, &Port::repeatSearch);
+    thread->setObjectName(name);
+    transmitter->setBootParser(std::move(parseBootAnswer));
+    transmitter->keepLateAnswersApart();
+    transmitter->moveToThread(thread);
+    connectWorker();
+    thread->start(QThread::InheritPriority);
+}
+
+Port::~Port()
+{
+    stop();
+    if (thread->wait(*closing)) {
+        delete thread;
+    }
+}
+
+void Port::connectWorker()
+{
+    connect(this, &Port::initRequested, transmitter, &Transmitter::sl_initialization);
+    connect(this, &Port::openRequested, transmitter, &Transmitter::sl_CheckPort);
+    connect(this, &Port::closeRequested, transmitter, &Transmitter::sl_ClosePort);
+    connect(this, &Port::sendRequested, transmitter, &Transmitter::sl_AddRequestInQueue);
+    connect(transmitter, &Transmitter::sig_SendStatePort, this,
+            [this](Transmitter*, StatePort state) { setState(state); });
+    connect(transmitter, &Transmitter::sig_SendBaudrate, this,
+            [this](Transmitter*, int baudrate) { setLineBaudrate(baudrate); });
+    connect(transmitter, &Transmitter::sig_SendAnswer, this,
+            [this](Transmitter*, const message& answer) { takeAnswer(answer); });
+    connect(thread, &QThread::finished, transmitter, &QObject::deleteLater);
+    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+}
+
+const QString& Port::name() const
+{
+    return portName;
+}
+
+const PortInfo& Port::info() const
+{
+    return known;
+}
+
+quint8 Port::address() const
+{
+    return known.coordinator ? known.coordinator->address : noCoordinator;
+}
+
+Transmitter* Port::worker() const
+{
+    return transmitter;
+}
+
+void Port::start()
+{
+    emit initRequested(transmitter, portName);
+}
+
+void Port::stop()
+{
+    if (closing) {
+        return;
+    }
+    closing.emplace(closingTime);
+    timerPeriodic.stop();
+    timerFirstConnect.stop();
+    // By the worker's queue, behind what it was told before. It closes the port when it goes.
+    QMetaObject::invokeMethod(transmitter, [] { QThread::currentThread()->quit(); });
+}
+
+void Port::open()
+{
+    known.connected = true;
+    switchWatch(false);
+    emit changed();
+    emit openRequested(transmitter, portName);
+}
+
+void Port::close()
+{
+    known.connected = false;
+    known.lineBaudrate = 0;
+    known.coordinator.reset();
+    watchedAddress = noCoordinator;
+    switchWatch(false);
+    emit changed();
+    emit closeRequested(transmitter);
+}
+
+void Port::send(const message& request)
+{
+    emit sendRequested(transmitter, request);
+}
+
+void Port::setWatched(bool on)
+{
+    switchWatch(on);
+    emit changed();
+    // What the watch saw last says nothing from now on.
+    if (!on) {
+        emit statusDue();
+    }
+}
+
+void Port::switchWatch(bool on)
+{
+    known.watched = on;
+    if (on) {
+        timerPeriodic.start();
+    } else {
+        timerPeriodic.stop();
+    }
+}
+
+void Port::setWatchResting(bool on)
+{
+    isWatchResting = on;
+}
+
+void Port::setState(StatePort state)
+{
+    if (known.watched && state != StateCoordinatorConnected && state != StatePortDisabled) {
+        state = StateCoordinatorLost;
+    }
+    // The cause stays in view after the port has been closed for it.
+    if (state != StatePortDisabled || !statePortTraits(known.state).autoDisconnect) {
+        known.state = state;
+    }
+    emit changed();
+    emit statusDue();
+    if (statePortTraits(state).autoDisconnect) {
+        close();
+    }
+    if (state == StateSearching) {
+        watchedAddress = noCoordinator;
+        send(CoordinatorSearch::begin());
+    }
+}
+
+void Port::setLineBaudrate(int baudrate)
+{
+    known.lineBaudrate = baudrate;
+    emit changed();
+}
+
+void Port::takeAnswer(const message& answer)
+{
+    switch (answer.requestType()) {
+    case protocol_HUBN_NX_Q::Search_Address:
+    case protocol_HUBN_NX_Q::Search_Broadcast:
+        answerSearch(answer);
+        break;
+    case protocol_HUBN_NX_Q::Check_Coordinator:
+        answerCheck(answer);
+        break;
+    default:
+        emit answered(answer);
+        break;
+    }
+}
+
+// Search.
+
+void Port::answerSearch(const message& answer)
+{
+    if (answer.requestType() == protocol_HUBN_NX_Q::Search_Broadcast && !answer.rawAnswer().isEmpty()) {
+        known.baudrate = answer.baudrate();
+    }
+    const CoordinatorSearch::Step step = CoordinatorSearch::next(answer);
+    switch (step.verdict) {
+    case CoordinatorSearch::Verdict::Going:
+        send(step.request);
+        break;
+    case CoordinatorSearch::Verdict::Found:
+        takeCoordinator(step.coordinator);
+        setState(StateCoordinatorConnected);
+        switchWatch(true);
+        emit changed();
+        break;
+    case CoordinatorSearch::Verdict::Silent:
+        setState(StateCoordinatorNotFound);
+        if (isSearchRepeated && firstConnectAttempts != 0) {
+            --firstConnectAttempts;
+            scheduleSearch();
+        }
+        break;
+    case CoordinatorSearch::Verdict::Nameless:
+        // Something that isn't a coordinator is no reason to come back by oneself.
+        setState(StateCoordinatorNotFound);
+        break;
+    }
+}
+
+void Port::setSearchRepeated(bool on)
+{
+    isSearchRepeated = on;
+}
+
+bool Port::holdSearch()
+{
+    const bool isDue = timerFirstConnect.isActive();
+    timerFirstConnect.stop();
+    return isDue;
+}
+
+void Port::scheduleSearch()
+{
+    timerFirstConnect.start();
+}
+
+void Port::repeatSearch()
+{
+    timerFirstConnect.stop();
+    if (isSearchRepeated) {
+        open();
+    }
+}
+
+// Watch.
+
+void Port::checkCoordinator()
+{
+    if (isWatchResting) {
+        return;
+    }
+    send(CoordinatorSearch::check(watchedAddress, known.baudrate));
+    message timeRequest = protocol_HUBN_NX_Q::requestDeviceTime(watchedAddress);
+    timeRequest.setBaudrate(known.baudrate);
+    send(timeRequest);
+}
+
+void Port::answerCheck(const message& answer)
+{
+    // A check that was on its way when the port was disconnected has nothing to say any more.
+    if (!known.connected) {
+        return;
+    }
+    if (CoordinatorSearch::isPresent(answer)) {
+        takeCoordinator(CoordinatorInfo::fromAnswer(answer));
+        setState(StateCoordinatorConnected);
+    } else {
+        setState(StateCoordinatorLost);
+    }
+}
+
+void Port::takeCoordinator(const CoordinatorInfo& coordinator)
+{
+    known.coordinator = coordinator;
+    if (watchedAddress == noCoordinator) {
+        watchedAddress = coordinator.address;
+    }
+    emit changed();
+    emit coordinatorSeen();
+}
