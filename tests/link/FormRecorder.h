@@ -2,6 +2,7 @@
 
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
+#include "link/InventedPorts.h"
 #include "link/Transmitter.h"
 
 #include <QCheckBox>
@@ -89,6 +90,26 @@ public:
         QStringList taken;
         taken.swap(events);
         return taken;
+    }
+
+    /// Answers the search of a row, so that its coordinator is found at this address.
+    void find(int row = 0, quint8 address = 1, int baudrate = 57600)
+    {
+        Transmitter* const transmitter = transmitters.at(row);
+        message broadcast = CoordinatorSearch::begin();
+        broadcast.setBaudrate(baudrate);
+        form.sl_setStatePort(transmitter, StateSearching);
+        form.sl_receiveAnswer(transmitter, answers::good(broadcast));
+        form.sl_receiveAnswer(transmitter, searchAnswer(address, baudrate));
+    }
+
+    /// Answers everything that was asked since the last call, with data that suit.
+    void answerAll()
+    {
+        while (!sent.isEmpty()) {
+            const Sent asked = sent.takeFirst();
+            form.sl_receiveAnswer(asked.receiver, suitableAnswer(asked.request));
+        }
     }
 
     int count(const QString& beginning) const

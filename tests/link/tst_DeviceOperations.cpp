@@ -1,8 +1,6 @@
-#include "FormRecorder.h"
-#include "link/protocol_HUBN_NX_Q.h"
+#include "LinkRecorder.h"
 #include "simulator/UnitSimulator.h"
 #include "support/Eventually.h"
-#include "support/threadedTestMain.h"
 #include "texts/texts.h"
 
 #include <QtTest>
@@ -76,14 +74,14 @@ int errorsOn(const QString& result, int line)
     return number.match(result.split(QLatin1Char('\n')).value(line)).captured(1).toInt();
 }
 
-/// A unit, the form that has found it, and the links of the automatic chain that the main window makes.
+/// A unit, the link that has found it, and the links of the automatic chain that the main window makes.
 struct Line
 {
     explicit Line(const UnitState& state, const QVector<UnitFault>& faults = {}) : unit(state)
     {
         unit.setFaults(faults);
         recorder.names.append(unit.portName());
-        recorder.form.sl_updatePortList();
+        recorder.link.updatePortList();
     }
 
     /// The search for terminals is over, and nothing else is going on but the watch.
@@ -104,7 +102,7 @@ struct Line
 
     bool isConnected() const
     {
-        return recorder.state() == QStringLiteral("Coordinator connected");
+        return recorder.state() == StateCoordinatorConnected;
     }
 
     /// How often a request went out from now on is counted from 0.
@@ -115,7 +113,7 @@ struct Line
     }
 
     UnitSimulator unit;
-    FormRecorder recorder;
+    LinkRecorder recorder;
 };
 
 } // namespace
@@ -165,9 +163,9 @@ void tst_DeviceOperations::searchFindsTheTerminalsOfTheUnit()
     // In order of class, then address; the last one has an address that doesn't count.
     QCOMPARE(line.recorder.terminals, QByteArrayList({terminals.at(2).infoRecord, terminals.at(0).infoRecord,
                                                       terminals.at(1).infoRecord, terminals.at(3).infoRecord}));
-    QCOMPARE(line.recorder.bar()->maximum(), 4 + 103);
-    QCOMPARE(line.recorder.bar()->value(), 5);
-    QVERIFY(line.recorder.busy()->isVisible());
+    QCOMPARE(line.recorder.busyMaximum, 4 + 103);
+    QCOMPARE(line.recorder.busySteps, 5);
+    QVERIFY(line.recorder.isBusy);
     for (int type = Protocol::Busy_Channel_System; type <= Protocol::Busy_Channel_Analog; ++type) {
         QCOMPARE(line.unit.requestCount(type), 2);
     }
@@ -217,14 +215,14 @@ void tst_DeviceOperations::readsWhatTheUnitKeeps()
 {
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
-    line.recorder.form.sl_PreOperationReadConfigAndScript();
-    QCOMPARE(line.recorder.bar()->maximum(), 102);
+    line.recorder.link.readConfiguration();
+    QCOMPARE(line.recorder.busyMaximum, 102);
     EVENTUALLY(line.result() == readWell());
     QCOMPARE(line.recorder.outputs, outputsOf(line.unit.state()));
     QCOMPARE(line.recorder.scripts, scriptsOf(line.unit.state()));
-    QCOMPARE(line.recorder.bar()->value(), 102);
+    QCOMPARE(line.recorder.busySteps, 102);
     // Whoever takes the scripts hides it.
-    QVERIFY(line.recorder.busy()->isVisible());
+    QVERIFY(line.recorder.isBusy);
     QCOMPARE(line.unit.requestCount(Protocol::Read_Config), 70);
     QCOMPARE(line.unit.requestCount(Protocol::Read_Script), 32);
 }
@@ -234,10 +232,10 @@ void tst_DeviceOperations::writesWhatTheUnitThenKeeps()
     Line line{UnitState()};
     EVENTUALLY(line.isReady());
     const UnitState wanted = fullUnit();
-    line.recorder.form.sl_PreOperationWriteConfigAndScript(outputsOf(wanted), scriptsOf(wanted));
-    QVERIFY(line.recorder.busy()->isVisible());
+    line.recorder.link.writeConfiguration(outputsOf(wanted), scriptsOf(wanted));
+    QVERIFY(line.recorder.isBusy);
     EVENTUALLY(line.result() == success(texts::resultWriteOutputsOk(), texts::resultWriteScriptsOk()));
-    QVERIFY(!line.recorder.busy()->isVisible());
+    QVERIFY(!line.recorder.isBusy);
     QCOMPARE(outputsOf(line.unit.state()), outputsOf(wanted));
     QCOMPARE(scriptsOf(line.unit.state()), scriptsOf(wanted));
 }
@@ -264,7 +262,7 @@ void tst_DeviceOperations::readsTheLogBlockByBlock()
     }
     Line line(state);
     EVENTUALLY(line.isReady());
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("result ") + texts::resultLogOk()));
     QTEST(line.unit.requestCount(Protocol::Read_Log), "requests");
     QByteArrayList kept = line.unit.state().log.records();
@@ -273,26 +271,26 @@ void tst_DeviceOperations::readsTheLogBlockByBlock()
     std::sort(read.begin(), read.end());
     QCOMPARE(read, kept);
     QCOMPARE(line.recorder.events.filter(QRegularExpression(QStringLiteral("^log \\d+ 1$"))).size(), 1);
-    QCOMPARE(line.recorder.bar()->maximum(), qMin(events, 40) / 4);
-    QVERIFY(line.recorder.busy()->isVisible());
+    QCOMPARE(line.recorder.busyMaximum, qMin(events, 40) / 4);
+    QVERIFY(line.recorder.isBusy);
 }
 
 void tst_DeviceOperations::leavesAnUnchangedLogAlone()
 {
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("result ") + texts::resultLogOk()));
     line.beginAnew();
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("log not necessary")));
     QCOMPARE(line.result(), QStringLiteral("result Log of events of device has not changed"));
     QCOMPARE(line.unit.requestCount(Protocol::Read_Log), 0);
-    QVERIFY(!line.recorder.busy()->isVisible());
+    QVERIFY(!line.recorder.isBusy);
 
     line.unit.change([](UnitState& state) { state.log.append(QByteArray(LogRing::recordSize, 'x')); });
     line.beginAnew();
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("result ") + texts::resultLogOk()));
     QCOMPARE(line.unit.requestCount(Protocol::Read_Log), 3);
 }
@@ -303,7 +301,7 @@ void tst_DeviceOperations::setsTheClock()
     state.clockOffset = 86400 * 500;
     Line line(state);
     EVENTUALLY(line.isReady());
-    line.recorder.form.sl_SendRequestSyncTime();
+    line.recorder.link.setDeviceTime();
     EVENTUALLY(line.unit.requestCount(Protocol::Sync_Time) == 1);
     EVENTUALLY(qAbs(line.unit.state().clockOffset) <= 2);
     // The user hears of it by the watch alone.
@@ -353,7 +351,7 @@ void tst_DeviceOperations::troubleOnTheWireCostsNoStep()
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
     line.unit.setFaults(faults);
-    line.recorder.form.sl_PreOperationReadConfigAndScript();
+    line.recorder.link.readConfiguration();
     EVENTUALLY(line.recorder.has(QStringLiteral("scripts")));
     QCOMPARE(line.result(), readWell());
     QCOMPARE(line.recorder.outputs, outputsOf(line.unit.state()));
@@ -381,7 +379,7 @@ void tst_DeviceOperations::aStepThatFailsFourTimesIsCounted()
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
     line.unit.setFaults({fault.onRequest(Protocol::Read_Config).from(11).times(4)});
-    line.recorder.form.sl_PreOperationReadConfigAndScript();
+    line.recorder.link.readConfiguration();
     EVENTUALLY(line.recorder.has(QStringLiteral("scripts")));
     QCOMPARE(line.result(), QStringLiteral("result Reading configuration of outputs WAS COMPLETED WITH ERROR (Number "
                                            "of error = 1)\nReading scripts of work of executive terminals SUCCESSFUL "
@@ -410,7 +408,7 @@ void tst_DeviceOperations::aLogThatCanNotBeReadSaysSo()
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
     line.unit.setFaults({UnitFault(UnitFault::Refuse).onRequest(type).from(from)});
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("log 0 1")));
     QCOMPARE(line.result(), QStringLiteral("result ERROR reading log of events"));
     QTEST(line.recorder.logRecords.size(), "records");
@@ -423,7 +421,7 @@ void tst_DeviceOperations::aRecordThatWasCutIsCounted()
     EVENTUALLY(line.isReady());
     line.unit.setFaults(
         {UnitFault(UnitFault::ReplaceAnswer).onRequest(Protocol::Read_Log).bytes(QByteArray(70, char(0xC1)))});
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("log 4 1")));
     QCOMPARE(line.result(),
              QStringLiteral("result Reading log of events WAS COMPLETED WITH ERROR (Number of error = 1)"));
@@ -448,7 +446,7 @@ void tst_DeviceOperations::aPortThatVanishesWhileReading()
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
     line.unit.setFaults({fault});
-    line.recorder.form.sl_PreOperationReadConfigAndScript();
+    line.recorder.link.readConfiguration();
     EVENTUALLY(line.recorder.has(QStringLiteral("scripts")));
     const QString result = line.result();
     QVERIFY2(errorsOn(result, 0) + errorsOn(result, 1) > 0, qPrintable(result));
@@ -456,7 +454,7 @@ void tst_DeviceOperations::aPortThatVanishesWhileReading()
     QCOMPARE(line.recorder.scripts.size() + errorsOn(result, 1), 32);
 
     EVENTUALLY(line.isConnected());
-    line.recorder.form.sl_PreOperationReadConfigAndScript();
+    line.recorder.link.readConfiguration();
     EVENTUALLY(line.result() == readWell());
     QCOMPARE(line.recorder.outputs, outputsOf(line.unit.state()));
 }
@@ -475,15 +473,15 @@ void tst_DeviceOperations::aPortThatVanishesWhileWriting()
     EVENTUALLY(line.isReady());
     line.unit.setFaults({UnitFault(UnitFault::Unplug).onRequest(type).from(10).times(1).value(300).amount(-1)});
     const UnitState wanted = fullUnit();
-    line.recorder.form.sl_PreOperationWriteConfigAndScript(outputsOf(wanted), scriptsOf(wanted));
+    line.recorder.link.writeConfiguration(outputsOf(wanted), scriptsOf(wanted));
     EVENTUALLY(line.resultCount() == 2);
-    QVERIFY(!line.recorder.busy()->isVisible());
+    QVERIFY(!line.recorder.isBusy);
     const QString result = line.result();
     QVERIFY2(errorsOn(result, 0) + errorsOn(result, 1) > 0, qPrintable(result));
     QCOMPARE(errorsOn(result, 0) > 0, type == Protocol::Write_Config);
 
     EVENTUALLY(line.isConnected());
-    line.recorder.form.sl_PreOperationWriteConfigAndScript(outputsOf(wanted), scriptsOf(wanted));
+    line.recorder.link.writeConfiguration(outputsOf(wanted), scriptsOf(wanted));
     EVENTUALLY(line.result() == success(texts::resultWriteOutputsOk(), texts::resultWriteScriptsOk()));
     QCOMPARE(outputsOf(line.unit.state()), outputsOf(wanted));
     QCOMPARE(scriptsOf(line.unit.state()), scriptsOf(wanted));
@@ -504,9 +502,9 @@ void tst_DeviceOperations::aPortThatVanishesWhileSearching()
     EVENTUALLY(line.isReady());
     QVERIFY(line.recorder.terminals.size() < 5);
     EVENTUALLY(line.isConnected());
-    // Selecting the row again repeats the search.
+    // Choosing the port again repeats the search.
     line.beginAnew();
-    line.recorder.select()->click();
+    line.recorder.link.choose(line.recorder.port());
     EVENTUALLY(line.isReady());
     QCOMPARE(line.recorder.terminals.size(), 4);
 }
@@ -526,13 +524,13 @@ void tst_DeviceOperations::aPortThatVanishesWhileReadingTheLog()
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
     line.unit.setFaults({UnitFault(UnitFault::Unplug).onRequest(type).from(from).times(1).value(300).amount(5)});
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("log 0 1")));
     QCOMPARE(line.result(), QStringLiteral("result ERROR reading log of events"));
     EVENTUALLY(line.isConnected());
     line.beginAnew();
-    line.recorder.form.forceLogReading();
-    line.recorder.form.sl_SendRequestBeginReadLog();
+    line.recorder.link.forceLogReading();
+    line.recorder.link.readLog();
     EVENTUALLY(line.recorder.has(QStringLiteral("result ") + texts::resultLogOk()));
 }
 
@@ -543,11 +541,11 @@ void tst_DeviceOperations::aPortThatVanishesWhileTheClockIsSet()
     Line line(state);
     EVENTUALLY(line.isReady());
     line.unit.setFaults({UnitFault(UnitFault::Unplug).onRequest(Protocol::Sync_Time).times(1).value(300).amount(-1)});
-    line.recorder.form.sl_SendRequestSyncTime();
-    EVENTUALLY(line.recorder.state() == QStringLiteral("Coordinator was disabled (!)"));
+    line.recorder.link.setDeviceTime();
+    EVENTUALLY(line.recorder.state() == StateCoordinatorLost);
     EVENTUALLY(line.isConnected());
     QCOMPARE(line.resultCount(), 0);
-    line.recorder.form.sl_SendRequestSyncTime();
+    line.recorder.link.setDeviceTime();
     EVENTUALLY(qAbs(line.unit.state().clockOffset) <= 2);
 }
 
@@ -556,16 +554,16 @@ void tst_DeviceOperations::aReadingWithoutAnyAnswerRunsToItsEnd()
     Line line(fullUnit());
     EVENTUALLY(line.isReady());
     line.unit.unplug();
-    line.recorder.form.sl_PreOperationReadConfigAndScript();
+    line.recorder.link.readConfiguration();
     EVENTUALLY(line.recorder.has(QStringLiteral("scripts 0")));
     QVERIFY(line.recorder.has(QStringLiteral("outputs 0")));
     QCOMPARE(line.result(), QStringLiteral("result Reading configuration of outputs WAS COMPLETED WITH ERROR (Number "
                                            "of error = 70)\nReading scripts of work of executive terminals WAS "
                                            "COMPLETED WITH ERROR (Number of error = 32)"));
-    QCOMPARE(line.recorder.bar()->value(), 102);
+    QCOMPARE(line.recorder.busySteps, 102);
     // Four attempts at each of 102 steps.
     QCOMPARE(line.recorder.count(QStringLiteral("send 7")) + line.recorder.count(QStringLiteral("send 8")), 408);
 }
 
-HUBN_THREADED_TEST_MAIN(tst_DeviceOperations)
+QTEST_GUILESS_MAIN(tst_DeviceOperations)
 #include "tst_DeviceOperations.moc"
