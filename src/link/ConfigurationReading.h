@@ -6,7 +6,7 @@
 
 /// Reads all outputs, 8 of the head unit and 2 of each address 1 to 31, and then all 32 scripts: 102 steps.
 ///
-/// A step that fails is counted and leaves no element in its list. The busy form is left showing at the end: whoever
+/// A step that fails is counted and leaves no element in its list. The busy state is left on at the end: whoever
 /// takes the scripts knows whether something follows.
 class ConfigurationReading : public DeviceOperation
 {

@@ -36,16 +36,16 @@ enum Column
 };
 
 constexpr std::array<int, ColumnCount> columnWidths{67, 69, 104, 82, 82, 223, 167};
-constexpr int HeaderHeight = 50;
+constexpr int headerHeight = 50;
 // Two lines of a state, and the buttons with some air around them.
-constexpr int RowHeight = 44;
+constexpr int rowHeight = 44;
 
 } // namespace
 
 FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams seams, Transmitter::BootParser parseBootAnswer,
                                              QWidget* parent)
     : Form(parent, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
-      link(std::move(seams), std::move(parseBootAnswer)), ui(std::make_unique<Ui::FormChoiceCoordinator>()),
+      link(std::move(seams), std::move(parseBootAnswer), this), ui(std::make_unique<Ui::FormChoiceCoordinator>()),
       // A sibling, not a child, so that the window that stays below the busy form isn't this form, hidden by then.
       formWaiting(new FormWaiting(parent != nullptr ? parent : this))
 {
@@ -81,10 +81,10 @@ void FormChoiceCoordinator::setUpTable()
     }
     // Below a widget with a style sheet no font is inherited that is set on the application later.
     table->horizontalHeader()->setFont(look::applicationFont());
-    table->horizontalHeader()->setFixedHeight(HeaderHeight);
+    table->horizontalHeader()->setFixedHeight(headerHeight);
     table->horizontalHeader()->setHighlightSections(false);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table->verticalHeader()->setDefaultSectionSize(RowHeight);
+    table->verticalHeader()->setDefaultSectionSize(rowHeight);
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
 }
 
@@ -163,7 +163,7 @@ void FormChoiceCoordinator::fitTable()
 {
     QTableWidget* const table = ui->tableWidget;
     const int frame = 2 * table->frameWidth();
-    const bool overflows = table->verticalHeader()->length() > table->height() - frame - HeaderHeight;
+    const bool overflows = table->verticalHeader()->length() > table->height() - frame - headerHeight;
     const int scrollBar = overflows ? table->verticalScrollBar()->sizeHint().width() : 0;
     table->setFixedWidth(table->horizontalHeader()->length() + frame + scrollBar);
 }

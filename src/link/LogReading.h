@@ -7,7 +7,7 @@
 /// Reads the unit's log from its beginning, in blocks of up to four records, if its counter differs from that of the
 /// reading before.
 ///
-/// The first block that hasn't exactly four records is the last. The busy form is left showing at the end: it goes when
+/// The first block that hasn't exactly four records is the last. The busy state is left on at the end: it goes when
 /// the database has taken the events.
 ///
 /// A unit may go on to the next block although its answer was lost, and what it says next doesn't tell. So where a

@@ -13,7 +13,7 @@
 namespace
 {
 
-constexpr int Spacing = 3;
+constexpr int spacing = 3;
 
 QTableWidgetItem* makeItem(const QString& text)
 {
@@ -26,11 +26,11 @@ QTableWidgetItem* makeItem(const QString& text)
 QPushButton* makeButton(const QString& text, const QString& styleSheet)
 {
     // Styles make every button so wide that the column couldn't hold two; their texts, at least, are never cut.
-    constexpr int Padding = 8;
+    constexpr int padding = 8;
     auto* const button = new QPushButton(text);
     button->setFont(look::applicationFont());
     button->setStyleSheet(styleSheet);
-    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + Padding);
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + padding);
     return button;
 }
 
@@ -51,7 +51,7 @@ PortRow::PortRow(Port* shownPort)
 {
     auto* const layout = new QHBoxLayout(cellWidget);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Spacing);
+    layout->setSpacing(spacing);
     checkBoxCheck->setFont(look::applicationFont());
     layout->addWidget(checkBoxCheck, 0, Qt::AlignCenter);
     layout->addWidget(buttonConnect, 0, Qt::AlignCenter);

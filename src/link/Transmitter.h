@@ -19,7 +19,7 @@ class QTimer;
 /// gives every request back exactly once: answered, timed out or failed. It never resends and doesn't know what a
 /// request means.
 ///
-/// Created without a parent on the GUI thread, then moved to a thread of its own, where all its slots run, and reached
+/// Created without a parent by its Port, then moved to a thread of its own, where all its slots run, and reached
 /// by queued signals only. A signal that addresses one port reaches every worker, with the worker meant as its first
 /// argument; all others ignore it. The port and the timers come into being with sl_initialization().
 class Transmitter : public QObject

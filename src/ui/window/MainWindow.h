@@ -58,7 +58,7 @@ class MainWindow : public QMainWindow
 
 public:
     explicit MainWindow(WindowSeams seams = {}, QWidget* parent = nullptr);
-    ~MainWindow() override; ///< waits for the database thread; the ports' threads end with the process
+    ~MainWindow() override; ///< waits for the database thread; the ports end with the coordinator form
     Q_DISABLE_COPY_MOVE(MainWindow)
 
 public slots:
