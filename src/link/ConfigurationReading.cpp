@@ -7,22 +7,22 @@
 namespace
 {
 
-constexpr int LastHeadUnitOutput = 7;
-constexpr int LastTerminalOutput = 1;
-constexpr int LastTerminal = 31;
-constexpr int LastScript = 31;
-constexpr int StepCount = 102;
+constexpr int lastHeadUnitOutput = 7;
+constexpr int lastTerminalOutput = 1;
+constexpr int lastTerminal = 31;
+constexpr int lastScript = 31;
+constexpr int stepCount = 102;
 
 QByteArray byte(quint8 value)
 {
-    return {1, static_cast<char>(value)};
+    return {1, char(value)};
 }
 
 } // namespace
 
 void ConfigurationReading::start()
 {
-    emit begun(QString(), 0, StepCount);
+    emit begun(QString(), 0, stepCount);
     readOutput(0, 0);
     emit shown();
     emit resultReady(texts::resultReadStarted());
@@ -77,10 +77,10 @@ void ConfigurationReading::answerReadConfig(const message& answer, bool failed)
     } else {
         readConfigList.append(byte(address) + byte(number) + answer.payload());
     }
-    if (number < (address == 0 ? LastHeadUnitOutput : LastTerminalOutput)) {
-        readOutput(address, static_cast<quint8>(number + 1));
-    } else if (address < LastTerminal) {
-        readOutput(static_cast<quint8>(address + 1), 0);
+    if (number < (address == 0 ? lastHeadUnitOutput : lastTerminalOutput)) {
+        readOutput(address, quint8(number + 1));
+    } else if (address < lastTerminal) {
+        readOutput(quint8(address + 1), 0);
     } else {
         emit outputsRead(readConfigList);
         readConfigList.clear();
@@ -101,8 +101,8 @@ void ConfigurationReading::answerReadScript(const message& answer, bool failed)
     } else {
         readScriptList.append(byte(number) + answer.payload());
     }
-    if (number < LastScript) {
-        readScript(static_cast<quint8>(number + 1));
+    if (number < lastScript) {
+        readScript(quint8(number + 1));
         return;
     }
     emit scriptsRead(readScriptList);

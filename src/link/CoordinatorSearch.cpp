@@ -8,11 +8,11 @@
 namespace
 {
 
-constexpr quint8 FirstAddress = 1;
-constexpr quint8 LastAddress = 8;
+constexpr quint8 firstAddress = 1;
+constexpr quint8 lastAddress = 8;
 
 // Third byte received, whatever stands before the frame.
-constexpr int AddressOffset = 2;
+constexpr int addressOffset = 2;
 
 message broadcast(int baudrate)
 {
@@ -45,7 +45,7 @@ QString CoordinatorInfo::versionText() const
 CoordinatorInfo CoordinatorInfo::fromAnswer(const message& answer)
 {
     CoordinatorInfo info;
-    info.address = static_cast<quint8>(answer.rawAnswer().at(AddressOffset));
+    info.address = quint8(answer.rawAnswer().at(addressOffset));
     info.serial = wordAt(answer.payload(), 0);
     info.version = wordAt(answer.payload(), 2);
     return info;
@@ -61,7 +61,7 @@ CoordinatorSearch::Step CoordinatorSearch::next(const message& answer)
     if (answer.requestType() == protocol_HUBN_NX_Q::Search_Broadcast) {
         // Any byte shows that somebody talks at this rate; what it says doesn't matter.
         if (!answer.rawAnswer().isEmpty()) {
-            return {Verdict::Going, question(FirstAddress, answer.baudrate()), {}};
+            return {Verdict::Going, question(firstAddress, answer.baudrate()), {}};
         }
         const int baudrate = protocol_HUBN_NX_Q::nextBaudrate(answer.baudrate());
         return baudrate != 0 ? Step{Verdict::Going, broadcast(baudrate), {}} : Step{Verdict::Silent, {}, {}};
@@ -69,10 +69,10 @@ CoordinatorSearch::Step CoordinatorSearch::next(const message& answer)
     if (isPresent(answer)) {
         return {Verdict::Found, {}, CoordinatorInfo::fromAnswer(answer)};
     }
-    if (answer.address() >= LastAddress) {
+    if (answer.address() >= lastAddress) {
         return {Verdict::Nameless, {}, {}};
     }
-    return {Verdict::Going, question(static_cast<quint8>(answer.address() + 1), answer.baudrate()), {}};
+    return {Verdict::Going, question(quint8(answer.address() + 1), answer.baudrate()), {}};
 }
 
 message CoordinatorSearch::check(quint8 address, int baudrate)
@@ -84,5 +84,5 @@ message CoordinatorSearch::check(quint8 address, int baudrate)
 
 bool CoordinatorSearch::isPresent(const message& answer)
 {
-    return !step::isErrorAnswer(answer) && answer.rawAnswer().size() > AddressOffset;
+    return !step::isErrorAnswer(answer) && answer.rawAnswer().size() > addressOffset;
 }

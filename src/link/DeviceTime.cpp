@@ -10,22 +10,22 @@ namespace devicetime
 namespace
 {
 
-constexpr int Second = 0;
-constexpr int Minute = 1;
-constexpr int Hour = 2;
-constexpr int Day = 3;
-constexpr int Weekday = 4;
-constexpr int Month = 5;
-constexpr int Year = 6;
+constexpr int secondAt = 0;
+constexpr int minuteAt = 1;
+constexpr int hourAt = 2;
+constexpr int dayAt = 3;
+constexpr int weekdayAt = 4;
+constexpr int monthAt = 5;
+constexpr int yearAt = 6;
 
 char bcdByte(int value)
 {
-    return static_cast<char>(toBcd(static_cast<quint8>(value)));
+    return char(toBcd(quint8(value)));
 }
 
 QString twoDigits(const QByteArray& payload, int offset)
 {
-    return QStringLiteral("%1").arg(fromBcd(static_cast<quint8>(payload.at(offset))), 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1").arg(fromBcd(quint8(payload.at(offset))), 2, 10, QLatin1Char('0'));
 }
 
 QString weekdayName(int day)
@@ -39,14 +39,14 @@ QString weekdayName(int day)
 
 QByteArray toBytes(const QDateTime& time)
 {
-    QByteArray bytes(Year + 1, '\0');
-    bytes[Second] = bcdByte(time.time().second());
-    bytes[Minute] = bcdByte(time.time().minute());
-    bytes[Hour] = bcdByte(time.time().hour());
-    bytes[Day] = bcdByte(time.date().day());
-    bytes[Weekday] = static_cast<char>(time.date().dayOfWeek() % 7);
-    bytes[Month] = bcdByte(time.date().month());
-    bytes[Year] = bcdByte(time.date().year() % 100);
+    QByteArray bytes(yearAt + 1, '\0');
+    bytes[secondAt] = bcdByte(time.time().second());
+    bytes[minuteAt] = bcdByte(time.time().minute());
+    bytes[hourAt] = bcdByte(time.time().hour());
+    bytes[dayAt] = bcdByte(time.date().day());
+    bytes[weekdayAt] = char(time.date().dayOfWeek() % 7);
+    bytes[monthAt] = bcdByte(time.date().month());
+    bytes[yearAt] = bcdByte(time.date().year() % 100);
     return bytes;
 }
 
@@ -58,14 +58,14 @@ Shown fromAnswer(const message& answer)
     }
     const QByteArray& payload = answer.payload();
     Shown shown{QStringLiteral("--:--:-- --.--.----"), false};
-    if (payload.size() > Hour) {
+    if (payload.size() > hourAt) {
         shown.text = QStringLiteral("%1:%2:%3 ")
-                         .arg(twoDigits(payload, Hour), twoDigits(payload, Minute), twoDigits(payload, Second));
+                         .arg(twoDigits(payload, hourAt), twoDigits(payload, minuteAt), twoDigits(payload, secondAt));
     }
-    if (payload.size() > Year) {
+    if (payload.size() > yearAt) {
         shown.text += QStringLiteral("%1.%2.20%3, ")
-                          .arg(twoDigits(payload, Day), twoDigits(payload, Month), twoDigits(payload, Year)) +
-                      weekdayName(static_cast<quint8>(payload.at(Weekday)));
+                          .arg(twoDigits(payload, dayAt), twoDigits(payload, monthAt), twoDigits(payload, yearAt)) +
+                      weekdayName(quint8(payload.at(weekdayAt)));
         shown.correct = true;
     }
     return shown;

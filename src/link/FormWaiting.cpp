@@ -17,8 +17,8 @@ namespace
 {
 
 // The bar is painted at most that often; between, right behind the step, while the unit is at the next request.
-constexpr std::chrono::milliseconds PaintInterval{20};
-constexpr std::chrono::milliseconds BehindTheStep{1};
+constexpr std::chrono::milliseconds paintInterval{20};
+constexpr std::chrono::milliseconds behindTheStep{1};
 
 } // namespace
 
@@ -69,7 +69,7 @@ void FormWaiting::stepProgress()
     bar->setAttribute(Qt::WA_UpdatesDisabled);
     bar->setValue(bar->value() + 1);
     bar->setAttribute(Qt::WA_UpdatesDisabled, false);
-    timerPaint->start(sincePaint.hasExpired(PaintInterval.count()) ? BehindTheStep : PaintInterval);
+    timerPaint->start(sincePaint.hasExpired(paintInterval.count()) ? behindTheStep : paintInterval);
 }
 
 void FormWaiting::paintProgress()

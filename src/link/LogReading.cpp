@@ -12,8 +12,8 @@
 namespace
 {
 
-constexpr int RecordSize = 16;
-constexpr int RecordsOfBlock = 4;
+constexpr int recordSize = 16;
+constexpr int recordsOfBlock = 4;
 
 } // namespace
 
@@ -66,7 +66,7 @@ void LogReading::takeAnswer(const message& answer, bool failed)
 
 void LogReading::answerLogInfo(const message& answer)
 {
-    constexpr int WrappedBit = 0x8000;
+    constexpr int wrappedBit = 0x8000;
     const QByteArray& payload = answer.payload();
     logCapacity = -1;
     logCount = -1;
@@ -76,8 +76,8 @@ void LogReading::answerLogInfo(const message& answer)
     }
     if (payload.size() >= 4) {
         const int counter = qFromLittleEndian<quint16>(payload.constData() + 2);
-        logCount = counter & ~WrappedBit;
-        logWrapped = (counter & WrappedBit) != 0;
+        logCount = counter & ~wrappedBit;
+        logWrapped = (counter & wrappedBit) != 0;
     }
     if (logCount == logCountPrevious) {
         emit resultReady(texts::resultLogUnchanged());
@@ -89,7 +89,7 @@ void LogReading::answerLogInfo(const message& answer)
     announcedRecords = std::max(0, logWrapped ? logCapacity : logCount);
     receivedRecords = 0;
     blockWasRepeated = false;
-    emit begun(texts::busyReadingLog(), 0, announcedRecords / RecordsOfBlock);
+    emit begun(texts::busyReadingLog(), 0, announcedRecords / recordsOfBlock);
     emit shown();
     emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), true));
 }
@@ -101,14 +101,14 @@ void LogReading::answerReadLog(const message& answer)
     emit stepDone();
     // The first block can be asked for as often as it takes: it always is the beginning.
     blockWasRepeated = blockWasRepeated || (receivedRecords > 0 && answer.attempts() < message::fullAttempts);
-    for (int offset = 0; offset + RecordSize <= payload.size(); offset += RecordSize) {
-        records.append(payload.mid(offset, RecordSize));
+    for (int offset = 0; offset + recordSize <= payload.size(); offset += recordSize) {
+        records.append(payload.mid(offset, recordSize));
     }
-    if (payload.size() % RecordSize != 0) {
+    if (payload.size() % recordSize != 0) {
         ++logErrors;
     }
     receivedRecords += records.size();
-    if (payload.size() == RecordsOfBlock * RecordSize) {
+    if (payload.size() == recordsOfBlock * recordSize) {
         emit recordsRead(records, false);
         emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), false));
         return;

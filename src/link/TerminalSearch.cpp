@@ -6,19 +6,19 @@
 namespace
 {
 
-constexpr int LastTerminalAddress = 124;
+constexpr int lastTerminalAddress = 124;
 
 // Room on the bar for what follows the search: the reading of outputs and scripts.
-constexpr int StepsBesideTerminals = 103;
+constexpr int stepsBesideTerminals = 103;
 
 /// The addresses whose bits are set in the list of addresses in use.
 QByteArray addressesInUse(const QByteArray& bitmap)
 {
     QByteArray addresses;
-    for (int address = 1; address <= LastTerminalAddress && address <= 8 * bitmap.size(); ++address) {
+    for (int address = 1; address <= lastTerminalAddress && address <= 8 * bitmap.size(); ++address) {
         const int bit = address - 1;
-        if (((static_cast<quint8>(bitmap.at(bit / 8)) >> (bit % 8)) & 1) != 0) {
-            addresses.append(static_cast<char>(address));
+        if (((quint8(bitmap.at(bit / 8)) >> (bit % 8)) & 1) != 0) {
+            addresses.append(char(address));
         }
     }
     return addresses;
@@ -59,8 +59,7 @@ void TerminalSearch::answerBusyChannel(const message& answer)
     }
     const int channelClass = type - protocol_HUBN_NX_Q::Busy_Channel_System;
     if (type < protocol_HUBN_NX_Q::Busy_Channel_Analog) {
-        emit requestReady(
-            protocol_HUBN_NX_Q::requestBusyChannels(coordinator(), static_cast<quint8>(channelClass + 1)));
+        emit requestReady(protocol_HUBN_NX_Q::requestBusyChannels(coordinator(), quint8(channelClass + 1)));
     }
     channelLists.at(channelClass).append(addressesInUse(answer.payload()));
     if (type < protocol_HUBN_NX_Q::Busy_Channel_Analog) {
@@ -70,7 +69,7 @@ void TerminalSearch::answerBusyChannel(const message& answer)
     for (const QByteArray& addresses : channelLists) {
         terminalCount += addresses.size();
     }
-    emit maximumChanged(terminalCount + StepsBesideTerminals);
+    emit maximumChanged(terminalCount + stepsBesideTerminals);
     emit stepDone();
     askNextTerminal();
 }
@@ -103,10 +102,9 @@ void TerminalSearch::askNextTerminal()
     for (int channelClass = 0; channelClass < terminalClasses; ++channelClass) {
         QByteArray& addresses = channelLists.at(channelClass);
         if (!addresses.isEmpty()) {
-            const auto address = static_cast<quint8>(addresses.at(0));
+            const auto address = quint8(addresses.at(0));
             addresses.remove(0, 1);
-            emit requestReady(
-                protocol_HUBN_NX_Q::requestTerminalInfo(coordinator(), static_cast<quint8>(channelClass), address));
+            emit requestReady(protocol_HUBN_NX_Q::requestTerminalInfo(coordinator(), quint8(channelClass), address));
             return;
         }
     }

@@ -34,8 +34,8 @@ QString richText(const QString& text);
 /// Sets a style sheet unless the widget has it already: setting one makes Qt polish the widget and its children anew.
 void applyStyleSheet(QWidget* widget, const QString& styleSheet);
 
-/// Lets the layouts follow at once what was changed. Left to itself, each takes a turn of the event loop to tell the one
-/// around it, and the window is painted in between.
+/// Lets the layouts follow at once what was changed. Left to itself, each takes a turn of the event loop to tell the
+/// one around it, and the window is painted in between.
 void settleLayouts();
 
 } // namespace look
