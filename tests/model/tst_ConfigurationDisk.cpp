@@ -1,4 +1,5 @@
 #include "model/RelayInfo.h"
+#include "model/modelShorthand.h"
 #include "support/ModelInvariants.h"
 #include "support/RandomModel.h"
 
@@ -18,11 +19,6 @@
 
 namespace
 {
-
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 QByteArray contents(const QString& path)
 {

@@ -1,15 +1,11 @@
 #include "model/RelayInfo.h"
+#include "model/modelShorthand.h"
 
 #include <QSet>
 #include <QTest>
 
 namespace
 {
-
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// A record of a connected terminal, 8 bytes long, so with two outputs.
 QByteArray terminalRecord(int address, int terminalClass)
@@ -20,16 +16,6 @@ QByteArray terminalRecord(int address, int terminalClass)
     record[2] = 0x41;
     record[3] = 0x20;
     return record;
-}
-
-QList<int> addresses(const RelayInfo& model)
-{
-    QList<int> list;
-    const QList<GroupRelayPtr> groups = model.groups();
-    for (const GroupRelayPtr& group : groups) {
-        list.append(qint16(group->address));
-    }
-    return list;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
+#include "model/modelShorthand.h"
 #include "model/tables.h"
 #include "support/RandomModel.h"
 
@@ -9,16 +10,6 @@
 
 using scriptRules::StateKind;
 using scriptRules::TypeFilter;
-
-namespace
-{
-
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
-} // namespace
 
 /// The rules between trigger, channels and terminal filter of a script.
 class tst_ScriptRules : public QObject
