@@ -1,5 +1,5 @@
-#include "eventlog/EventOfTable.h"
 #include "eventlog/LogTable.h"
+#include "eventlog/eventRows.h"
 
 #include <QSqlField>
 #include <QSqlRecord>
@@ -28,24 +28,11 @@ void tst_LogTable::statementsAreThoseOfEveryLogThatWasSaved()
                             "Date VARCHAR(20) NULL,Time VARCHAR(20) NULL,SignalLevel INTEGER NULL,"
                             "NoiseLevel INTEGER NULL,Event TEXT NULL,Source TEXT NULL,Information TEXT NULL )"));
 
-    EventOfTable row;
-    row.numberEvent = 65535;
+    EventOfTable row = eventRow(65535);
     row.sortDateTime = 4294967295U;
-    row.dateInDays = 7573;
-    row.timeInMinute = 373;
-    row.classTerminal = 1;
-    row.version = 2;
-    row.type = 3;
-    row.characteristic = 4;
-    row.addressTerminal = 5;
-    row.numberChannel = 6;
-    row.codeEvent = 7;
-    row.date = QStringLiteral("25.09.2020");
-    row.time = QStringLiteral("14:37");
-    row.signalLevel = 8;
-    row.noiseLevel = 9;
     row.event = QStringLiteral("Alarm %1 (fire)");
     row.source = QStringLiteral("Smith's (№5, channel 6)");
+    row.information.clear();
     QCOMPARE(logtable::insertStatement({row}),
              QStringLiteral("INSERT INTO EventLogTable ( NumberEvent, SortDateTime, DateInDays, TimeInMinute, Class, "
                             "Version, Type, Characteristic, AddressTerminal, NumberChannel, CodeEvent, Date, Time, "
