@@ -5,12 +5,12 @@
 #include "simulator/DemoInstallation.h"
 #include "simulator/UnitSimulator.h"
 #include "support/Eventually.h"
+#include "support/UnitRecords.h"
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
 
 #include <QPointer>
 #include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QSet>
 #include <QtTest>
 
@@ -25,38 +25,6 @@ const QDateTime& now()
 {
     static const QDateTime moment(QDate(2026, 3, 9), QTime(12, 0));
     return moment;
-}
-
-QByteArray byte(int value)
-{
-    return {1, char(value)};
-}
-
-/// What a reading gives of the outputs that the unit has at that moment.
-QByteArrayList outputsOf(const UnitState& state)
-{
-    QByteArrayList list;
-    for (int address = 0; address < UnitState::addressCount; ++address) {
-        for (int output = 0; output <= (address == 0 ? 7 : 1); ++output) {
-            list.append(byte(address) + byte(output) + state.outputs.at(size_t(address)).at(size_t(output)));
-        }
-    }
-    return list;
-}
-
-QByteArrayList scriptsOf(const UnitState& state)
-{
-    QByteArrayList list;
-    for (int number = 0; number < UnitState::scriptCount; ++number) {
-        list.append(byte(number) + state.scripts.at(size_t(number)));
-    }
-    return list;
-}
-
-int errorsOn(const QString& line)
-{
-    const QRegularExpression number(QStringLiteral("\\(Number of error = (\\d+)\\)$"));
-    return number.match(line).captured(1).toInt();
 }
 
 /// Whether `part` stands in `whole` in this order, with nothing else between and none twice.

@@ -1,6 +1,7 @@
 #include "LinkRecorder.h"
 #include "simulator/UnitSimulator.h"
 #include "support/Eventually.h"
+#include "support/UnitRecords.h"
 #include "texts/texts.h"
 
 #include <QtTest>
@@ -9,11 +10,6 @@ namespace
 {
 
 using Protocol = protocol_HUBN_NX_Q;
-
-QByteArray byte(int value)
-{
-    return {1, char(value)};
-}
 
 /// A unit with terminals in three classes, outputs and scripts that can be told apart, and a log of `events` records.
 UnitState fullUnit(int events = 9)
@@ -37,26 +33,6 @@ UnitState fullUnit(int events = 9)
     return state;
 }
 
-QByteArrayList outputsOf(const UnitState& state)
-{
-    QByteArrayList list;
-    for (int address = 0; address < UnitState::addressCount; ++address) {
-        for (int output = 0; output <= (address == 0 ? 7 : 1); ++output) {
-            list.append(byte(address) + byte(output) + state.outputs.at(size_t(address)).at(size_t(output)));
-        }
-    }
-    return list;
-}
-
-QByteArrayList scriptsOf(const UnitState& state)
-{
-    QByteArrayList list;
-    for (int number = 0; number < UnitState::scriptCount; ++number) {
-        list.append(byte(number) + state.scripts.at(size_t(number)));
-    }
-    return list;
-}
-
 QString success(const QString& first, const QString& second)
 {
     return QStringLiteral("result ") + first + QLatin1Char('\n') + second;
@@ -65,13 +41,6 @@ QString success(const QString& first, const QString& second)
 QString readWell()
 {
     return success(texts::resultReadOutputsOk(), texts::resultReadScriptsOk());
-}
-
-/// The number of errors that a result text names on one of its lines, 0 if it names none.
-int errorsOn(const QString& result, int line)
-{
-    const QRegularExpression number(QStringLiteral("\\(Number of error = (\\d+)\\)$"));
-    return number.match(result.split(QLatin1Char('\n')).value(line)).captured(1).toInt();
 }
 
 /// A unit, the link that has found it, and the links of the automatic chain that the main window makes.
