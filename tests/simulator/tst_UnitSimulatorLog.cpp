@@ -171,12 +171,18 @@ void tst_UnitSimulatorLog::givenUpLogBlockCountsAsLost()
     unit->change([](UnitState& state) { state.baudRates = {1200}; });
     unit->setPace(UnitSimulator::OfTheWire);
     QVERIFY(port->setBaudRate(1200));
-    QCOMPARE(askLogBlock(logFirst, 64), record(9) + record(10) + record(11) + record(12));
-    port->write(hex(logNext));
+    const int bothAnswers = 72 + hex(itIsMe).size();
     QByteArray begin;
-    QTRY_VERIFY_WITH_TIMEOUT(!(begin += port->readAll()).isEmpty(), patience);
-    tell(hex(whoAreYou));
-    QTRY_VERIFY_WITH_TIMEOUT((begin += port->readAll()).endsWith(hex(itIsMe)), patience);
+    // Once more where a busy machine was too late to break in.
+    for (int run = 0; run < 10 && (run == 0 || begin.size() >= bothAnswers); ++run) {
+        QCOMPARE(askLogBlock(logFirst, 64), record(9) + record(10) + record(11) + record(12));
+        begin.clear();
+        port->write(hex(logNext));
+        QTRY_VERIFY_WITH_TIMEOUT(!(begin += port->readAll()).isEmpty(), patience);
+        tell(hex(whoAreYou));
+        QTRY_VERIFY_WITH_TIMEOUT((begin += port->readAll()).endsWith(hex(itIsMe)), patience);
+    }
+    QVERIFY2(begin.size() < bothAnswers, begin.toHex(' ').constData());
     QCOMPARE(askLogBlock(logNext, 64), record(5) + record(6) + record(7) + record(8));
 }
 

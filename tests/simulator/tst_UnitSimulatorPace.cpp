@@ -45,7 +45,8 @@ void tst_UnitSimulatorPace::keepsThePaceOfTheWire()
     unit->setPace(UnitSimulator::OfTheWire, thinkingTime);
     QVERIFY(port->setBaudRate(rate));
     double quickest = patience;
-    for (int count = 0; count < 10; ++count) {
+    // A busy machine may be late with each of ten answers, but not with all of many.
+    for (int count = 0; count < 10 || (quickest >= milliseconds + 50 && count < 200); ++count) {
         QElapsedTimer time;
         time.start();
         COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
@@ -101,12 +102,17 @@ void tst_UnitSimulatorPace::requestGivenUpIsDoneButNotAnswered()
     // The second request comes while the answer to the first, of thirty bytes, is on its way.
     unit->change([](UnitState& state) { state.baudRates = {1200}; });
     QVERIFY(port->setBaudRate(1200));
-    port->write(hex(readScript0));
+    const int bothAnswers = hex(scriptEmpty).size() + hex(itIsMe).size();
     QByteArray answer;
-    QTRY_VERIFY_WITH_TIMEOUT(!(answer += port->readAll()).isEmpty(), patience);
-    port->write(hex(whoAreYou));
-    QTRY_VERIFY_WITH_TIMEOUT((answer += port->readAll()).endsWith(hex(itIsMe)), patience);
-    QVERIFY2(answer.size() < hex(scriptEmpty).size() + hex(itIsMe).size(), answer.toHex(' ').constData());
+    // Once more where a busy machine was too late to break in.
+    for (int run = 0; run < 10 && (run == 0 || answer.size() >= bothAnswers); ++run) {
+        answer.clear();
+        port->write(hex(readScript0));
+        QTRY_VERIFY_WITH_TIMEOUT(!(answer += port->readAll()).isEmpty(), patience);
+        port->write(hex(whoAreYou));
+        QTRY_VERIFY_WITH_TIMEOUT((answer += port->readAll()).endsWith(hex(itIsMe)), patience);
+    }
+    QVERIFY2(answer.size() < bothAnswers, answer.toHex(' ').constData());
 }
 
 void tst_UnitSimulatorPace::manyUnitsAtOnce()
