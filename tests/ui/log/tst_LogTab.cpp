@@ -219,7 +219,7 @@ void tst_LogTab::modelNeverChangesWhileItIsInView()
             window->dialogs.openAnswers.append(path(QStringLiteral("gone.db")));
             window->tab->sl_LoadLogFromFile();
         },
-        [] { QTest::qWait(5); },
+        [&] { QTRY_COMPARE_WITH_TIMEOUT(ends.size(), readings, waitTime); },
         [] { QCoreApplication::processEvents(); },
     };
     QRandomGenerator dice(1);
