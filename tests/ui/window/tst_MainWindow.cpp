@@ -1,13 +1,10 @@
-#include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
-#include "support/ScriptedDialogs.h"
 #include "texts/texts.h"
-#include "ui/window/MainWindow.h"
+#include "ui/window/WindowTest.h"
 #include "widgets/Look.h"
 
 #include <QCheckBox>
 #include <QDockWidget>
-#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
@@ -17,10 +14,9 @@
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTextEdit>
-#include <QtTest>
 
 /// The window alone, without any port: what it looks like at start, and how it passes on what the form reports.
-class tst_MainWindow : public QObject
+class tst_MainWindow : public WindowTest
 {
     Q_OBJECT
 
@@ -51,39 +47,11 @@ private slots:
 
     void packetsReachTheLogger();
     void theStopButtonKeepsPacketsOut();
-
-private:
-    template <typename Widget>
-    Widget* get(const char* name) const
-    {
-        return window->findChild<Widget*>(QLatin1String(name));
-    }
-    QAction* action(const char* name) const
-    {
-        return get<QAction>(name);
-    }
-    QString result() const
-    {
-        return get<QLabel>("labelResult")->text();
-    }
-    FormChoiceCoordinator* form() const
-    {
-        return window->findChild<FormChoiceCoordinator*>();
-    }
-
-    std::unique_ptr<ScriptedDialogs> dialogs;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindow::init()
 {
-    dialogs = std::make_unique<ScriptedDialogs>();
-    WindowSeams seams;
-    seams.portNames = [] { return QStringList(); };
-    seams.dialogs = dialogs.get();
-    window = std::make_unique<MainWindow>(seams);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    begin();
 }
 
 void tst_MainWindow::cleanup()

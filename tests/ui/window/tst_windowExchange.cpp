@@ -1,23 +1,18 @@
-#include "link/FormChoiceCoordinator.h"
-#include "support/ScriptedDialogs.h"
 #include "texts/texts.h"
 #include "ui/scripts/Setting_Script_Widget.h"
 #include "ui/tree/FormAddingTerminal.h"
 #include "ui/tree/Tree_Relay_Widget.h"
-#include "ui/window/MainWindow.h"
+#include "ui/window/WindowTest.h"
 
-#include <QAction>
 #include <QComboBox>
 #include <QDockWidget>
 #include <QFile>
-#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTextEdit>
 #include <QTreeWidget>
-#include <QtTest>
 
 namespace
 {
@@ -53,7 +48,7 @@ QByteArray script(int number)
 
 /// What the coordinator form reports goes into the model and the views; what the user chooses in the tree steers the
 /// lists and the titles. The window is without any port: the tests speak for the form.
-class tst_windowExchange : public QObject
+class tst_windowExchange : public WindowTest
 {
     Q_OBJECT
 
@@ -94,18 +89,9 @@ private slots:
     void aChangeToTheLogTabDoesNothingWhileTheLogIsDisabled();
 
 private:
-    template <typename Widget>
-    Widget* get(const char* name) const
-    {
-        return window->findChild<Widget*>(QLatin1String(name));
-    }
     QString title() const
     {
         return get<QLabel>("labelTitleParamRelay")->text();
-    }
-    FormChoiceCoordinator* form() const
-    {
-        return window->findChild<FormChoiceCoordinator*>();
     }
     QTreeWidget* tree() const
     {
@@ -140,7 +126,7 @@ private:
                    "ExecutiveTerminal[3].Output[0].Number=0\r\n");
         file.close();
         dialogs->openAnswers = QStringList{file.fileName()};
-        get<QAction>("actionLoad")->trigger();
+        action("actionLoad")->trigger();
         QVERIFY(file.remove());
         QCOMPARE(terminals(), 4);
     }
@@ -155,20 +141,13 @@ private:
         return chosen;
     }
 
-    std::unique_ptr<ScriptedDialogs> dialogs;
-    std::unique_ptr<MainWindow> window;
     QStringList order; ///< what the window asked for, first to last
 };
 
 void tst_windowExchange::init()
 {
     order.clear();
-    dialogs = std::make_unique<ScriptedDialogs>();
-    WindowSeams seams;
-    seams.portNames = [] { return QStringList(); };
-    seams.dialogs = dialogs.get();
-    window = std::make_unique<MainWindow>(seams);
-    window->show();
+    begin();
 }
 
 void tst_windowExchange::cleanup()
@@ -327,7 +306,10 @@ void tst_windowExchange::namesOfAnyLengthLeaveTheWidthOfTheWindow()
     group->outputs.first()->name = QString(200, QLatin1Char('M'));
     window->sl_RefreshNameDevOrOutput();
     QVERIFY(title().startsWith(group->name));
-    QTest::qWait(50); // the layouts follow one after the other
+    // The layouts follow one after the other, each a layer further out.
+    for (const QWidget* layer = get<QLabel>("labelTitleParamRelay"); layer != nullptr; layer = layer->parentWidget()) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    }
     QCOMPARE(window->minimumSizeHint().width(), width);
 }
 
@@ -511,10 +493,10 @@ void tst_windowExchange::theCommentGoesIntoTheFileAndComesBack()
     auto* const comment = get<QTextEdit>("textEditComment");
     comment->setPlainText(QStringLiteral("Hall, floor 2\n<b>north</b>"));
     dialogs->saveAnswers = QStringList{QStringLiteral("comment.cfg")};
-    get<QAction>("actionSave")->trigger();
+    action("actionSave")->trigger();
     comment->setPlainText(QStringLiteral("something else"));
     dialogs->openAnswers = QStringList{QStringLiteral("comment.cfg")};
-    get<QAction>("actionLoad")->trigger();
+    action("actionLoad")->trigger();
     QCOMPARE(comment->toPlainText().trimmed(), QStringLiteral("Hall, floor 2\n<b>north</b>"));
     QFile::remove(QStringLiteral("comment.cfg"));
 }
@@ -534,16 +516,16 @@ void tst_windowExchange::readingAndWritingSetTheTimeOnlyIfAsked()
     QFETCH(const bool, isChecked);
     QFETCH(const bool, isEnabled);
     QFETCH(const int, times);
-    get<QAction>("actionSyncTime")->setChecked(isChecked);
+    action("actionSyncTime")->setChecked(isChecked);
     emit form()->sig_sendDeviceTimeOnForm(QStringLiteral("time"), isEnabled);
-    for (const char* action : {"actionRead", "actionWrite", "actionReadLog"}) {
+    for (const char* name : {"actionRead", "actionWrite", "actionReadLog"}) {
         QSignalSpy time(window.get(), &MainWindow::sig_WriteRealTime);
-        get<QAction>(action)->trigger();
+        action(name)->trigger();
         QCOMPARE(time.size(), times);
     }
-    for (const char* action : {"actionLoad", "actionSave", "actionLoadLog", "actionSaveLog", "actionFirmware"}) {
+    for (const char* name : {"actionLoad", "actionSave", "actionLoadLog", "actionSaveLog", "actionFirmware"}) {
         QSignalSpy time(window.get(), &MainWindow::sig_WriteRealTime);
-        get<QAction>(action)->trigger();
+        action(name)->trigger();
         QCOMPARE(time.size(), 0);
     }
 }
@@ -555,7 +537,7 @@ void tst_windowExchange::writingSendsTheTimeBeforeTheRecords()
             [this](const QByteArrayList& outputs, const QByteArrayList& scripts) {
                 order.append(QStringLiteral("%1 outputs, %2 scripts").arg(outputs.size()).arg(scripts.size()));
             });
-    get<QAction>("actionWrite")->trigger();
+    action("actionWrite")->trigger();
     QCOMPARE(order, (QStringList{QStringLiteral("time"), QStringLiteral("8 outputs, 32 scripts")}));
 }
 
@@ -563,7 +545,7 @@ void tst_windowExchange::theLogSendsTheTimeBeforeItsReading()
 {
     connect(window.get(), &MainWindow::sig_WriteRealTime, this, [this] { order.append(QStringLiteral("time")); });
     connect(window.get(), &MainWindow::sig_ReadLogEvents, this, [this] { order.append(QStringLiteral("log")); });
-    get<QAction>("actionReadLog")->trigger();
+    action("actionReadLog")->trigger();
     QCOMPARE(order, (QStringList{QStringLiteral("time"), QStringLiteral("log")}));
 }
 

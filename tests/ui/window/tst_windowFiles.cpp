@@ -1,23 +1,16 @@
-#include "link/FormChoiceCoordinator.h"
-#include "support/ScriptedDialogs.h"
 #include "texts/texts.h"
-#include "ui/window/MainWindow.h"
+#include "ui/window/WindowTest.h"
 
-#include <QAction>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTextEdit>
 #include <QTreeWidget>
-#include <QtTest>
-
-#include <memory>
 
 /// Configuration files in the window, without any port: what the menu's actions ask, load and show.
-class tst_windowFiles : public QObject
+class tst_windowFiles : public WindowTest
 {
     Q_OBJECT
 
@@ -37,18 +30,9 @@ private slots:
     void requestsOfTheWindowReachTheDatabase();
 
 private:
-    template <typename Widget>
-    Widget* get(const char* name) const
-    {
-        return window->findChild<Widget*>(QLatin1String(name));
-    }
     void trigger(const char* name) const
     {
-        get<QAction>(name)->trigger();
-    }
-    QString result() const
-    {
-        return get<QLabel>("labelResult")->text();
+        action(name)->trigger();
     }
     static void write(const QString& name, const QByteArray& text)
     {
@@ -64,8 +48,6 @@ private:
 
     std::unique_ptr<QTemporaryDir> directory;
     QString formerDirectory;
-    std::unique_ptr<ScriptedDialogs> dialogs;
-    std::unique_ptr<MainWindow> window;
 };
 
 namespace
@@ -91,13 +73,7 @@ void tst_windowFiles::init()
 {
     directory = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir::setCurrent(directory->path()));
-    dialogs = std::make_unique<ScriptedDialogs>();
-    WindowSeams seams;
-    seams.portNames = [] { return QStringList(); };
-    seams.dialogs = dialogs.get();
-    window = std::make_unique<MainWindow>(seams);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    begin();
 }
 
 void tst_windowFiles::cleanup()
@@ -161,7 +137,7 @@ void tst_windowFiles::loadingWorksWhileTheDevicesActionsAreDisabled()
     load(QStringLiteral("a.cfg"));
     QCOMPARE(get<QTreeWidget>("treeWidget")->topLevelItemCount(), 3);
     for (const char* name : {"actionRead", "actionWrite", "actionFactorySetting"}) {
-        QVERIFY(!get<QAction>(name)->isEnabled());
+        QVERIFY(!action(name)->isEnabled());
     }
 }
 
@@ -179,7 +155,7 @@ void tst_windowFiles::defaultSettingsAreHandedToTheDevice()
 {
     write(QStringLiteral("DefaultSetting_EN.cfg"), configuration);
     get<QTextEdit>("textEditComment")->setPlainText(QStringLiteral("mine"));
-    get<QAction>("actionSyncTime")->setChecked(false);
+    action("actionSyncTime")->setChecked(false);
     const QSignalSpy written(window.get(), &MainWindow::sig_WriteConfigAndScript);
     trigger("actionFactorySetting");
     QCOMPARE(written.size(), 1);
