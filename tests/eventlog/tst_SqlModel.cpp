@@ -22,6 +22,9 @@ private slots:
     void rowHeaderPastTheEndIsInvalid();
     void otherRolesAndHeadersAreThoseOfTheTable();
     void keepsTheRulesOfAModel();
+    void filterChoosesAmongTheRowsAtHand();
+    void filterOfATableThatHasChangedReadsItAnew();
+    void filterThatIsNoSqlShowsNothing();
     void forgetsTheIndexesThatViewsHaveLeft();
 };
 
@@ -91,6 +94,51 @@ void tst_SqlModel::keepsTheRulesOfAModel()
     QVERIFY(model->select());
     model->setFilter(QStringLiteral("c0 = 7"));
     QCOMPARE(model->rowCount(), 1);
+    model->setFilter(QString());
+    QCOMPARE(model->rowCount(), 2);
+}
+
+void tst_SqlModel::filterChoosesAmongTheRowsAtHand()
+{
+    const QAbstractItemModelTester tester(model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QVERIFY(model->select());
+    const QString readAnew = model->query().lastQuery();
+    model->setFilter(QStringLiteral("c15 = 'a'"));
+    QCOMPARE(model->filter(), QStringLiteral("c15 = 'a'"));
+    QCOMPARE(model->query().lastQuery(), readAnew);
+    QCOMPARE(model->rowCount(), 1);
+    QCOMPARE(model->rowCount(model->index(0, 0)), 0);
+    QCOMPARE(model->headerData(0, Qt::Vertical).toInt(), 6);
+    QCOMPARE(model->index(0, 17).data().toString(), QStringLiteral("b"));
+    QVERIFY(!model->index(1, 17).isValid());
+    model->setFilter(QStringLiteral("c15 = 'nothing'"));
+    QCOMPARE(model->rowCount(), 0);
+    model->setFilter(QStringLiteral("c15 IS NOT NULL"));
+    QCOMPARE(model->rowCount(), 2);
+    model->setFilter(QString());
+    QCOMPARE(model->rowCount(), 2);
+    QCOMPARE(model->index(0, 15).data().toString(), QStringLiteral("x"));
+}
+
+void tst_SqlModel::filterOfATableThatHasChangedReadsItAnew()
+{
+    QVERIFY(model->select());
+    QSqlQuery query;
+    QVERIFY(query.exec(QStringLiteral("UPDATE EventLogTable SET c15 = 'changed' WHERE c0 = 7")));
+    model->setFilter(QStringLiteral("c15 = 'changed'"));
+    QCOMPARE(model->rowCount(), 1);
+    QCOMPARE(model->index(0, 15).data().toString(), QStringLiteral("changed"));
+    QVERIFY(query.exec(QStringLiteral("UPDATE EventLogTable SET c15 = 'x' WHERE c0 = 7")));
+    model->setFilter(QString());
+    QCOMPARE(model->rowCount(), 2);
+    QCOMPARE(model->index(0, 15).data().toString(), QStringLiteral("x"));
+}
+
+void tst_SqlModel::filterThatIsNoSqlShowsNothing()
+{
+    QVERIFY(model->select());
+    model->setFilter(QStringLiteral("nonsense ("));
+    QCOMPARE(model->rowCount(), 0);
     model->setFilter(QString());
     QCOMPARE(model->rowCount(), 2);
 }
