@@ -8,6 +8,7 @@ namespace texts
     {                                                                                                                  \
         return QStringLiteral(text);                                                                                   \
     }
+#include "texts/furtherTexts.inc"
 #include "texts/texts.inc"
 #undef TEXT
 

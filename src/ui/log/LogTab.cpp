@@ -1,27 +1,25 @@
 #include "ui/log/LogTab.h"
 
 #include "domain/debugLine.h"
-#include "eventlog/LogTable.h"
 #include "texts/texts.h"
+#include "ui/log/LogTools.h"
 #include "widgets/Dialogs.h"
 
-#include <QAbstractItemView>
 #include <QFile>
-#include <QHeaderView>
-#include <QItemSelectionModel>
 #include <QLabel>
 #include <QTableView>
+#include <QTimer>
 
 namespace
 {
 
 constexpr int batchSize = 2000;
-constexpr int rowHeight = 40;
 
 } // namespace
 
 LogTab::LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& fileDialogs, QObject* parent)
-    : QObject(parent), dialogParent(widgets.window), view(widgets.view), countRows(widgets.countRows),
+    : QObject(parent), dialogParent(widgets.window), view(widgets.view),
+      tools(new LogTools(widgets.window, widgets.view, fileDialogs, this)), countRows(widgets.countRows),
       dialogs(fileDialogs), dataBase(new DataBase(QStringLiteral("Log")))
 {
     qRegisterMetaType<ErrorDataBase>("ErrorDataBase");
@@ -29,11 +27,13 @@ LogTab::LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& fileDi
     logEvents.setDevices(&devices);
 
     dataBase->moveToThread(&dataBaseThread);
+    connect(tools, &LogTools::conditionChanged, this, &LogTab::filter);
+    connect(tools, &LogTools::newResult, this, &LogTab::newResult);
 }
 
 LogTab::~LogTab()
 {
-    dropModel();
+    view.drop();
     dataBaseThread.quit();
     dataBaseThread.wait();
     delete dataBase;
@@ -47,6 +47,8 @@ void LogTab::startDataBase()
     connect(dataBase, &DataBase::sig_ResultConnectDB, this, &LogTab::sl_SettingModel);
     connect(dataBase, &DataBase::sig_ResultInsertIntoTable, this, &LogTab::sl_InsertNextPartEvents);
     connect(dataBase, &DataBase::sig_RefreshComplete, this, &LogTab::sl_setStatusLog);
+    connect(this, &LogTab::sig_filterTable, dataBase, &DataBase::sl_filterModel);
+    connect(dataBase, &DataBase::sig_FilterComplete, this, &LogTab::sl_setStatusFilter);
     connect(dataBase, &DataBase::sig_ResultDeleteFromTable, this, &LogTab::sl_DataIsDeleted);
     connect(dataBase, &DataBase::sig_ResultConnectOtherDB, this, &LogTab::sl_SettingOtherModel);
     connect(dataBase, &DataBase::sig_MessageForForm, this, &LogTab::newResult);
@@ -75,10 +77,15 @@ void LogTab::changeModel(const std::function<void()>& request)
 
 void LogTab::beginModelChange(const std::function<void()>& request)
 {
-    ++modelChanges;
-    if (view->model() != nullptr) {
+    if (view.isAttached()) {
         detachLogView();
     }
+    sendModelChange(request);
+}
+
+void LogTab::sendModelChange(const std::function<void()>& request)
+{
+    ++modelChanges;
     request();
     // This comes back from the worker behind all that the request reports, and so ends the change whatever its outcome,
     // even if there was nothing to report.
@@ -113,6 +120,7 @@ void LogTab::readLogIfChanged()
 void LogTab::beginReading()
 {
     logEvents.saveAndClearEvents();
+    forgetFinding();
     detachLogView();
     eventsAreMissing = false;
     batches = 0;
@@ -217,95 +225,73 @@ void LogTab::showDataBaseError(const QString& text)
 
 void LogTab::sl_SettingTableView(SqlModel* model)
 {
-    dropModel();
-    modelLog = model;
-    view->setModel(model);
-    const QVector<logtable::Column>& columns = logtable::columns();
-    for (int column = 0; column < columns.size(); ++column) {
-        view->setColumnHidden(column, columns.at(column).width == logtable::hidden);
-    }
-    view->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black; "
-                                       "border: 1px solid rgb(187,187,187)"));
-    view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view->setSelectionMode(QAbstractItemView::SingleSelection);
-    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-
-    QHeaderView* header = view->horizontalHeader();
-    header->setStyleSheet(QStringLiteral("QHeaderView::section { background-color : rgb(244,244,244); }"));
-    header->setStretchLastSection(true);
-    header->setFixedHeight(rowHeight);
-    // Headings wrap, which the header takes among the flags of its alignment.
-    header->setDefaultAlignment(static_cast<Qt::Alignment>(Qt::AlignCenter + Qt::TextWordWrap));
-    // In bold, as the selected row would have them, the headings wrap anew and the numbers don't fit.
-    header->setHighlightSections(false);
-    view->verticalHeader()->setHighlightSections(false);
-
-    view->verticalHeader()->setDefaultSectionSize(rowHeight);
-    view->verticalHeader()->setFixedWidth(40);
-    view->verticalHeader()->setDefaultAlignment(Qt::AlignCenter);
-
-    view->resizeColumnsToContents();
-    for (int column = 0; column < columns.size(); ++column) {
-        if (columns.at(column).width > 0) {
-            view->setColumnWidth(column, columns.at(column).width);
-        }
-    }
+    view.setUp(model);
 }
 
 void LogTab::sl_setStatusLog(int count, bool /*filter*/)
 {
-    countRows->setText(texts::logRowCount() + QString::number(count));
-    attachLogView();
+    allRows = count;
+    countOfAll = texts::logRowCount() + QString::number(count);
+    countRows->setText(countOfAll);
+    view.attach();
 }
 
 void LogTab::detachLogView()
 {
-    const QAbstractItemModel* shown = view->model();
-    if (shown != nullptr) {
-        columnWidths.clear();
-        columnHidden.clear();
-        for (int column = 0; column < shown->columnCount(); ++column) {
-            columnWidths.append(view->columnWidth(column));
-            columnHidden.append(view->isColumnHidden(column));
-        }
-    }
-    dropModel();
+    view.detach();
     countRows->clear();
-    debugLine(QStringLiteral(" (MainWindow): Model is Reset"));
 }
 
-void LogTab::attachLogView()
+// ---- Filter ------------------------------------------------------------------------------------------------------
+
+void LogTab::endFinding()
 {
-    view->setModel(modelLog);
-    const int columns = modelLog ? modelLog->columnCount() : 0;
-    if (columnWidths.size() == columns && columnHidden.size() == columns) {
-        for (int column = 0; column < columns; ++column) {
-            view->setColumnWidth(column, columnWidths.at(column));
-            view->setColumnHidden(column, columnHidden.at(column));
-        }
-    }
-    debugLine(QStringLiteral(" (MainWindow): Model is Set"));
+    tools->endFinding();
 }
 
-/// Takes the model from the view so that nothing of the GUI thread stays tied to it: the view itself keeps its former
-/// selection models, and those would go on listening.
-void LogTab::dropModel()
+/// All rows are going to come anew, whatever was looked for.
+void LogTab::forgetFinding()
 {
-    if (!view) {
-        return;
+    tools->forgetFinding();
+    wantedCondition.clear();
+    sentCondition.clear();
+}
+
+/// However fast the user types, one request waits at most, and asks for what was wanted last.
+void LogTab::filter(const QString& condition)
+{
+    wantedCondition = condition;
+    if (!filterWaits) {
+        filterWaits = true;
+        inOrder([this] { filterAfterPainting(); });
     }
-    // Without a view on it the model has forgotten already, and may be the database's to change right now.
-    const bool viewed = view->model() != nullptr;
-    view->setModel(nullptr);
-    const QList<QItemSelectionModel*> selections = view->findChildren<QItemSelectionModel*>();
-    for (QItemSelectionModel* selection : selections) {
-        if (selection != view->selectionModel()) {
-            delete selection;
-        }
+}
+
+/// The rows of the request before, if there was one, are to be seen first.
+void LogTab::filterAfterPainting()
+{
+    QTimer::singleShot(0, this, [this] { inOrder([this] { sendFilter(); }); });
+}
+
+void LogTab::sendFilter()
+{
+    filterWaits = false;
+    // A reading that has begun shows no table, and all rows at its end.
+    if (view.isAttached() && wantedCondition != sentCondition) {
+        view.freeze();
+        sentCondition = wantedCondition;
+        sendModelChange([this] { emit sig_filterTable(sentCondition); });
     }
-    if (viewed && modelLog) {
-        modelLog->forgetViews();
+}
+
+void LogTab::sl_setStatusFilter(int count, bool filter)
+{
+    if (!view.isFrozen()) {
+        return; // a reading has begun meanwhile
     }
+    countRows->setText(filter ? texts::logRowCount() + texts::findCount().arg(count).arg(allRows) : countOfAll);
+    view.thaw();
+    QTimer::singleShot(0, this, [this] { view.showThawed(); });
 }
 
 // ---- Files -------------------------------------------------------------------------------------------------------
@@ -326,6 +312,7 @@ void LogTab::sl_LoadLogFromFile()
     }
     emit forceReading();
     if (QFile::exists(fileName)) {
+        forgetFinding();
         changeModel([this, fileName] { emit sig_LoadOtherDB(fileName); });
     } else {
         // Nothing will be loaded, and nothing reported: the table stays in view.

@@ -2,9 +2,9 @@
 
 #include "eventlog/DataBase.h"
 #include "eventlog/LogEvents.h"
+#include "ui/log/LogView.h"
 
 #include <QByteArrayList>
-#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QQueue>
@@ -15,6 +15,7 @@
 
 class Device;
 class Dialogs;
+class LogTools;
 class QLabel;
 class QTableView;
 class QWidget;
@@ -28,7 +29,7 @@ struct LogWidgets
 };
 
 /// The log side of the main window: starts readings of the unit's log, has the records decoded, moves the rows into the
-/// database in batches, shows the table, and loads and saves logs as files.
+/// database in batches, shows the table, has it filtered, and loads and saves logs as files.
 ///
 /// The main window owns the one instance, for its whole life; GUI thread only. It owns the decoded events and the
 /// database worker with its thread. The destructor waits for the thread, however long its last operation takes, and the
@@ -61,11 +62,16 @@ public:
     /// The reading ends with an error: if no row of it is left, the next one is forced. Comes before the last records.
     void expectMissingEvents();
 
+    /// Closes the find bar, if it is open, and shows all rows. A reading and a loading do so by themselves.
+    void endFinding();
+
 signals:
     // To the coordinator form.
     void sig_ReadLogEvents();
     void forceReading(); ///< the next reading must not find the log unchanged
     void sig_HideFormWaiting();
+
+    void sig_filterTable(const QString& condition); ///< to the database worker
 
     // To the database worker, to which whoever owns the tab connects them.
     void sig_insertDataToTable(const QList<EventOfTable>& rows);
@@ -85,6 +91,9 @@ public slots:
 
     /// The rows of the model have been read anew: shows their count and the table.
     void sl_setStatusLog(int count, bool filter);
+
+    /// The worker has chosen the rows that fit what the user looks for, or all rows again: shows them and their count.
+    void sl_setStatusFilter(int count, bool filter);
 
     /// Records of one block of the unit's log; with end set, the last one, or the reading failed.
     void sl_ReceiveDataEvents(const QByteArrayList& data, bool end);
@@ -110,28 +119,35 @@ private:
     void inOrder(const std::function<void()>& request);
     void changeModel(const std::function<void()>& request);
     void beginModelChange(const std::function<void()>& request);
+    void sendModelChange(const std::function<void()>& request);
     void endModelChange();
+
+    void forgetFinding();
+    void filter(const QString& condition);
+    void filterAfterPainting();
+    void sendFilter();
 
     void beginReading();
     void endReading(bool allIsLost);
     void detachLogView();
-    void attachLogView();
-    void dropModel();
     void showDataBaseError(const QString& text);
     void stopWithFault(const QString& text);
 
     QWidget* dialogParent;
-    QPointer<QTableView> view;
+    LogView view;
+    LogTools* tools;
     QPointer<QLabel> countRows;
     Dialogs& dialogs;
     LogEvents logEvents;
     QThread dataBaseThread;
     DataBase* dataBase;
-    QPointer<SqlModel> modelLog;   ///< the worker's; it goes when the worker has to begin anew
     bool eventsAreMissing = false; ///< the reading ends with an error
     int batches = 0;               ///< that the reading has sent to the worker
-    QList<int> columnWidths;       ///< at the last detach
-    QList<bool> columnHidden;      ///< at the last detach
     int modelChanges = 0;          ///< that have begun and not ended
     QQueue<std::function<void()>> waitingRequests;
+    QString wantedCondition; ///< for the rows to show; empty for all
+    QString sentCondition;   ///< that the worker has or is about to have
+    bool filterWaits = false;
+    int allRows = 0;
+    QString countOfAll; ///< as the label tells it while nothing is filtered
 };

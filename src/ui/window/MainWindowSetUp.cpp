@@ -162,6 +162,7 @@ void MainWindow::setUpLog()
     connect(tab, &LogTab::forceReading, formChoiceCoordinator, &FormChoiceCoordinator::forceLogReading);
     connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, tab, &LogTab::expectMissingEvents);
     connect(tab, &LogTab::newResult, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
+    connect(ui->tabWidget, &QTabWidget::currentChanged, tab, &LogTab::endFinding);
     connect(tab, &LogTab::sig_ReadLogEvents, this, &MainWindow::sig_ReadLogEvents);
     connect(tab, &LogTab::sig_HideFormWaiting, this, &MainWindow::sig_HideFormWaiting);
     connect(tab, &LogTab::sig_insertDataToTable, this, &MainWindow::sig_insertDataToTable);

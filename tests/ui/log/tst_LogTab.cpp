@@ -1,9 +1,11 @@
 #include "LogTabTest.h"
 
+#include <QAction>
 #include <QEventLoop>
 #include <QFile>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QRandomGenerator>
 
@@ -195,6 +197,7 @@ void tst_LogTab::modelNeverChangesWhileItIsInView()
     };
     watch(window->view->model());
 
+    QRandomGenerator dice(1);
     int readings = 0;
     const QSignalSpy ends(window->tab.get(), &LogTab::sig_HideFormWaiting);
     const QList<std::function<void()>> actions = {
@@ -220,10 +223,17 @@ void tst_LogTab::modelNeverChangesWhileItIsInView()
             window->tab->sl_LoadLogFromFile();
         },
         [&] { QTRY_COMPARE_WITH_TIMEOUT(ends.size(), readings, waitTime); },
+        [this, &dice] {
+            window->findChild<QAction*>(QStringLiteral("actionFind"))->trigger();
+            auto* const field = window->findChild<QLineEdit*>(QStringLiteral("lineEditFind"));
+            if (field != nullptr && field->isVisible()) {
+                field->setText(QString::number(dice.bounded(100)));
+            }
+        },
+        [this] { window->tab->endFinding(); },
         [] { QCoreApplication::processEvents(); },
     };
-    QRandomGenerator dice(1);
-    for (int i = 0; i < 150; ++i) {
+    for (int i = 0; i < 200; ++i) {
         actions.at(dice.bounded(actions.size()))();
         QCoreApplication::processEvents();
         watch(window->view->model());

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "eventlog/SqlModel.h"
+
+#include <QList>
+#include <QPointer>
+#include <QTableView>
+
+#include <optional>
+
+/// The table view of the log, and the way of its model into it and out of it again.
+///
+/// The log tab has the one instance; GUI thread only. It owns neither the view nor the model, which belongs to the
+/// database worker and may be in the view only while the worker leaves it alone.
+class LogView
+{
+public:
+    explicit LogView(QTableView* tableView);
+
+    /// Gives the view a model and sets all its properties anew, the column widths included.
+    void setUp(SqlModel* newModel);
+
+    bool isAttached() const; ///< the model is in the view
+    bool isFrozen() const;   ///< it was taken by freeze(), and nothing has changed that since
+
+    void attach(); ///< with the column widths of the last detach
+    void detach();
+
+    /// Takes the model from the view, in which its last picture stays until thaw(): for a change that is over before
+    /// the user could see that the table was away.
+    void freeze();
+
+    /// Puts the model back after freeze(), with the event selected that was, if it is there. The view is painted by
+    /// showThawed(), which is a piece of work of its own.
+    void thaw();
+    void showThawed();
+
+    /// Takes the model from the view so that nothing of the GUI thread stays tied to it: the view itself keeps its
+    /// former selection models, and those would go on listening.
+    void drop();
+
+private:
+    void rememberColumns();
+    void restoreColumns(bool withRest);
+    void selectEvent(int number);
+    int numberAt(int row) const;
+
+    QPointer<QTableView> view;
+    QPointer<SqlModel> model; ///< the worker's; it goes when the worker has to begin anew
+    QList<int> columnWidths;  ///< at the last detach
+    QList<bool> columnHidden; ///< at the last detach
+
+    // The last column takes what the others leave, which is more while few rows need no scroll bar. A width that it
+    // took so must not become one that it was given.
+    std::optional<int> restAtFreeze; ///< its width when a search began
+    bool restIsStretched = false;    ///< what the others left, at that time
+    bool frozen = false;
+    std::optional<int> selectedEvent; ///< when the view was frozen
+    int horizontalPosition = 0;       ///< when the view was frozen
+};
