@@ -1,15 +1,43 @@
 #include "ui/log/LogTools.h"
 
+#include "eventlog/DelimitedText.h"
+#include "eventlog/LogTable.h"
 #include "texts/texts.h"
 #include "ui/log/LogFindBar.h"
+#include "widgets/Dialogs.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QBoxLayout>
+#include <QClipboard>
+#include <QItemSelectionModel>
 #include <QMenu>
 #include <QTableView>
 
+#include <numeric>
+
 namespace
 {
+
+/// What the table shows of an event, beginning with its number from the head of its row.
+QVector<int> columnsOfTheTable()
+{
+    QVector<int> shown = {0};
+    const QVector<logtable::Column>& columns = logtable::columns();
+    for (int column = 1; column < columns.size(); ++column) {
+        if (columns.at(column).width != logtable::hidden) {
+            shown.append(column);
+        }
+    }
+    return shown;
+}
+
+QVector<int> allRows(const QAbstractItemModel& model)
+{
+    QVector<int> rows(model.rowCount());
+    std::iota(rows.begin(), rows.end(), 0);
+    return rows;
+}
 
 /// The day of an event; today if there is no such row.
 QDate dayAt(const QAbstractItemModel* model, int row)
@@ -33,6 +61,7 @@ LogTools::LogTools(QWidget* window, QTableView* tableView, Dialogs& fileDialogs,
     endFind->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     endFind->setEnabled(false);
 
+    makeRowActions();
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(view, &QWidget::customContextMenuRequested, this, &LogTools::showMenu);
 }
@@ -48,9 +77,64 @@ QAction* LogTools::addAction(QWidget* widget, const QString& name, const QString
 
 void LogTools::showMenu(const QPoint& position)
 {
+    const bool hasRows = view->model() != nullptr && view->model()->rowCount() > 0;
+    copy->setEnabled(currentRow() >= 0);
+    copyAll->setEnabled(hasRows);
+    save->setEnabled(hasRows);
     QMenu menu(view);
     menu.addAction(find);
+    menu.addSeparator();
+    menu.addActions({copy, copyAll, save});
     menu.exec(view->viewport()->mapToGlobal(position));
+    copy->setEnabled(true);
+}
+
+// ---- Rows --------------------------------------------------------------------------------------------------------
+
+void LogTools::makeRowActions()
+{
+    copy = addAction(view, QStringLiteral("actionCopyRow"), texts::rowsCopy(), &LogTools::copyRow);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    copyAll = addAction(view, QStringLiteral("actionCopyAllRows"), texts::rowsCopyAll(), &LogTools::copyAllRows);
+    save = addAction(view, QStringLiteral("actionSaveRows"), texts::rowsSave(), &LogTools::saveRows);
+}
+
+/// The selected row, -1 if there is none.
+int LogTools::currentRow() const
+{
+    const QItemSelectionModel* const selection = view->selectionModel();
+    const QModelIndexList rows = selection != nullptr ? selection->selectedRows() : QModelIndexList();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void LogTools::copyRow()
+{
+    if (currentRow() >= 0) {
+        QApplication::clipboard()->setText(
+            delimited::text(*view->model(), {currentRow()}, columnsOfTheTable(), delimited::Form::Tabs));
+    }
+}
+
+void LogTools::copyAllRows()
+{
+    const QAbstractItemModel* const model = view->model();
+    if (model != nullptr) {
+        QApplication::clipboard()->setText(
+            delimited::text(*model, allRows(*model), columnsOfTheTable(), delimited::Form::Tabs));
+    }
+}
+
+void LogTools::saveRows()
+{
+    const QString fileName = dialogs.saveFileName(dialogParent, texts::rowsSaveCaption(), QStringLiteral("*.csv"));
+    const QAbstractItemModel* const model = view->model(); // as it stands when the user has answered
+    if (fileName.isEmpty() || model == nullptr) {
+        return;
+    }
+    const QString fault = delimited::save(
+        delimited::text(*model, allRows(*model), columnsOfTheTable(), delimited::Form::Commas), fileName);
+    emit newResult(fault.isEmpty() ? texts::rowsSaveOk().arg(fileName) : texts::rowsSaveError().arg(fileName, fault));
 }
 
 // ---- Finding -----------------------------------------------------------------------------------------------------

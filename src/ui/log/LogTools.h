@@ -36,7 +36,12 @@ private:
     void makeFindBar();
     void closeFindBar();
     void setCondition(const QString& newCondition);
+    void makeRowActions();
     void showMenu(const QPoint& position);
+    int currentRow() const;
+    void copyRow();
+    void copyAllRows();
+    void saveRows();
 
     QWidget* dialogParent;
     QPointer<QTableView> view;
@@ -44,5 +49,8 @@ private:
     QPointer<LogFindBar> bar;
     QAction* find; ///< of the page, as all of them
     QAction* endFind;
+    QAction* copy = nullptr;
+    QAction* copyAll = nullptr;
+    QAction* save = nullptr;
     QString condition; ///< that was asked for last
 };
