@@ -3,6 +3,7 @@
 #include "eventlog/DelimitedText.h"
 #include "eventlog/LogTable.h"
 #include "texts/texts.h"
+#include "ui/log/EventView.h"
 #include "ui/log/LogFindBar.h"
 #include "widgets/Dialogs.h"
 
@@ -78,14 +79,16 @@ QAction* LogTools::addAction(QWidget* widget, const QString& name, const QString
 void LogTools::showMenu(const QPoint& position)
 {
     const bool hasRows = view->model() != nullptr && view->model()->rowCount() > 0;
+    open->setEnabled(currentRow() >= 0);
     copy->setEnabled(currentRow() >= 0);
     copyAll->setEnabled(hasRows);
     save->setEnabled(hasRows);
     QMenu menu(view);
     menu.addAction(find);
     menu.addSeparator();
-    menu.addActions({copy, copyAll, save});
+    menu.addActions({open, copy, copyAll, save});
     menu.exec(view->viewport()->mapToGlobal(position));
+    open->setEnabled(true);
     copy->setEnabled(true);
 }
 
@@ -93,6 +96,10 @@ void LogTools::showMenu(const QPoint& position)
 
 void LogTools::makeRowActions()
 {
+    open = addAction(view, QStringLiteral("actionOpenRow"), texts::rowsOpen(), &LogTools::openRow);
+    open->setShortcuts({Qt::Key_Return, Qt::Key_Enter});
+    open->setShortcutContext(Qt::WidgetShortcut);
+    connect(view, &QTableView::doubleClicked, this, &LogTools::openRow);
     copy = addAction(view, QStringLiteral("actionCopyRow"), texts::rowsCopy(), &LogTools::copyRow);
     copy->setShortcut(QKeySequence::Copy);
     copy->setShortcutContext(Qt::WidgetShortcut);
@@ -106,6 +113,13 @@ int LogTools::currentRow() const
     const QItemSelectionModel* const selection = view->selectionModel();
     const QModelIndexList rows = selection != nullptr ? selection->selectedRows() : QModelIndexList();
     return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void LogTools::openRow()
+{
+    if (currentRow() >= 0) {
+        (new EventView(*view->model(), currentRow(), dialogParent))->show();
+    }
 }
 
 void LogTools::copyRow()

@@ -39,6 +39,7 @@ private:
     void makeRowActions();
     void showMenu(const QPoint& position);
     int currentRow() const;
+    void openRow();
     void copyRow();
     void copyAllRows();
     void saveRows();
@@ -49,6 +50,7 @@ private:
     QPointer<LogFindBar> bar;
     QAction* find; ///< of the page, as all of them
     QAction* endFind;
+    QAction* open = nullptr;
     QAction* copy = nullptr;
     QAction* copyAll = nullptr;
     QAction* save = nullptr;

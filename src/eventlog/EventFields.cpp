@@ -1,0 +1,141 @@
+#include "eventlog/EventFields.h"
+
+#include "domain/terminals.h"
+#include "eventlog/LogTable.h"
+#include "texts/texts.h"
+
+#include <QAbstractItemModel>
+#include <QDate>
+#include <QLatin1String>
+#include <QStringList>
+
+#include <iterator>
+
+namespace
+{
+
+using Text = QString (*)();
+
+constexpr Text classes[terminalClasses] = {&texts::classSystem, &texts::classSensor, &texts::classExecutive,
+                                           &texts::classInterface, &texts::classAnalog};
+
+constexpr Text codes[] = {&texts::codePowerUp, &texts::codeChannel, &texts::codeStatus, &texts::codeMode};
+
+struct Feature
+{
+    int bit;
+    Text text;
+};
+
+constexpr Feature features[] = {
+    {0x08, &texts::featureAlwaysConnected},
+    {0x04, &texts::featureSound},
+    {0x02, &texts::featureExternalPower},
+    {0x01, &texts::featureReservePower},
+};
+
+QString hexadecimal(int value)
+{
+    return QStringLiteral("0x%1").arg(value, 2, 16, QLatin1Char('0'));
+}
+
+template <std::size_t Count>
+QString wordOf(int value, const Text (&words)[Count])
+{
+    return value >= 0 && value < static_cast<int>(Count) ? words[value]() : texts::eventFieldUnknown();
+}
+
+QString meaningOfDays(int days)
+{
+    return QDate(2000, 1, 1).addDays(days).toString(QStringLiteral("dd.MM.yyyy"));
+}
+
+QString meaningOfMinutes(int /*minutes*/)
+{
+    return texts::eventFieldMinutes();
+}
+
+QString meaningOfSorting(int /*value*/)
+{
+    return texts::eventFieldSorting();
+}
+
+QString meaningOfClass(int value)
+{
+    return wordOf(value, classes);
+}
+
+QString meaningOfType(int value)
+{
+    QStringList words(hexadecimal(value));
+    for (const Feature& feature : features) {
+        if ((value & feature.bit) != 0) {
+            words.append(feature.text());
+        }
+    }
+    return words.join(QLatin1String(", "));
+}
+
+QString meaningOfCharacteristic(int value)
+{
+    return hexadecimal(value) + QLatin1String(", ") + texts::eventFieldChannels().arg(value >> 4);
+}
+
+QString meaningOfAddress(int value)
+{
+    return value == 0 ? texts::eventFieldHeadUnit() : QString();
+}
+
+QString meaningOfChannel(int value)
+{
+    return value == 0 ? texts::eventFieldNoChannel() : QString();
+}
+
+QString meaningOfCode(int value)
+{
+    return wordOf(value, codes);
+}
+
+/// By the names of the columns: what isn't here says it all by its value.
+struct Meaning
+{
+    const char* column;
+    QString (*text)(int);
+};
+
+constexpr Meaning meanings[] = {
+    {"SortDateTime", &meaningOfSorting},
+    {"DateInDays", &meaningOfDays},
+    {"TimeInMinute", &meaningOfMinutes},
+    {"Class", &meaningOfClass},
+    {"Type", &meaningOfType},
+    {"Characteristic", &meaningOfCharacteristic},
+    {"AddressTerminal", &meaningOfAddress},
+    {"NumberChannel", &meaningOfChannel},
+    {"CodeEvent", &meaningOfCode},
+};
+
+QString meaningOf(const char* column, const QVariant& value)
+{
+    for (const Meaning& meaning : meanings) {
+        if (qstrcmp(meaning.column, column) == 0) {
+            bool isNumber = false;
+            const int number = value.toInt(&isNumber);
+            return isNumber ? meaning.text(number) : texts::eventFieldUnknown();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+QList<EventField> fieldsOfEvent(const QAbstractItemModel& log, int row)
+{
+    QList<EventField> fields;
+    const QVector<logtable::Column>& columns = logtable::columns();
+    for (int column = 0; column < columns.size(); ++column) {
+        const QVariant value = log.index(row, column).data();
+        fields.append({columns.at(column).heading(), value.toString(), meaningOf(columns.at(column).name, value)});
+    }
+    return fields;
+}

@@ -1,0 +1,89 @@
+#include "ui/log/EventView.h"
+
+#include "eventlog/EventFields.h"
+#include "texts/texts.h"
+
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+namespace
+{
+
+constexpr int widestValue = 320;
+
+enum Column
+{
+    ColumnName,
+    ColumnValue,
+    ColumnMeaning,
+};
+
+QLabel* makeLabel(const QString& text, QWidget* parent)
+{
+    auto* const label = new QLabel(text, parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return label;
+}
+
+/// What the table shows of an event is what matters; what it keeps beside that stands in grey.
+QWidget* makeTable(const QList<EventField>& fields)
+{
+    auto* const table = new QWidget;
+    auto* const layout = new QGridLayout(table);
+    layout->setHorizontalSpacing(16);
+    layout->setVerticalSpacing(4);
+    for (int row = 0; row < fields.size(); ++row) {
+        const EventField& field = fields.at(row);
+        QLabel* const name = makeLabel(field.name, table);
+        QLabel* const value = makeLabel(field.value, table);
+        QLabel* const meaning = makeLabel(field.meaning, table);
+        name->setForegroundRole(QPalette::PlaceholderText);
+        value->setObjectName(QStringLiteral("labelValue%1").arg(row));
+        meaning->setObjectName(QStringLiteral("labelMeaning%1").arg(row));
+        layout->addWidget(name, row, ColumnName);
+        if (field.meaning.isEmpty()) {
+            // The texts of an event may be long.
+            value->setWordWrap(true);
+            value->setMinimumWidth(widestValue);
+            layout->addWidget(value, row, ColumnValue, 1, 2);
+        } else {
+            layout->addWidget(value, row, ColumnValue);
+            layout->addWidget(meaning, row, ColumnMeaning);
+        }
+    }
+    layout->setColumnStretch(ColumnMeaning, 1);
+    layout->setRowStretch(fields.size(), 1);
+    return table;
+}
+
+} // namespace
+
+EventView::EventView(const QAbstractItemModel& log, int row, QWidget* parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("eventView"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    const QList<EventField> fields = fieldsOfEvent(log, row);
+    setWindowTitle(texts::eventTitle().arg(fields.first().value));
+
+    auto* const layout = new QVBoxLayout(this);
+    auto* const area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(makeTable(fields));
+    area->setMinimumWidth(area->widget()->sizeHint().width() + area->verticalScrollBar()->sizeHint().width());
+    layout->addWidget(area);
+
+    auto* const buttons = new QDialogButtonBox(this);
+    connect(buttons->addButton(texts::eventClose(), QDialogButtonBox::RejectRole), &QPushButton::clicked, this,
+            &QDialog::close);
+    layout->addWidget(buttons);
+    resize(sizeHint().width(), area->widget()->sizeHint().height() + buttons->sizeHint().height() + 40);
+}
