@@ -1,7 +1,8 @@
 #include "eventlog/DelimitedText.h"
 
+#include "domain/saveWhole.h"
+
 #include <QAbstractItemModel>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -52,10 +53,7 @@ QString text(const QAbstractItemModel& model, const QVector<int>& rows, const QV
 
 QString save(const QString& text, const QString& fileName)
 {
-    QSaveFile file(fileName);
-    const QByteArray bytes = QByteArrayLiteral("\xEF\xBB\xBF") + text.toUtf8();
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-    return written ? QString() : file.errorString();
+    return saveWhole(QByteArrayLiteral("\xEF\xBB\xBF") + text.toUtf8(), fileName);
 }
 
 } // namespace delimited

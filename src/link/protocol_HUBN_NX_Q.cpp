@@ -11,8 +11,8 @@ namespace
 using namespace std::string_view_literals;
 
 constexpr quint8 escapeByte = 0xC0;
-constexpr quint8 requestStart = 0xC1;
-constexpr quint8 answerStart = 0xC2;
+constexpr quint8 requestStart = protocol_HUBN_NX_Q::requestStart;
+constexpr quint8 answerStart = protocol_HUBN_NX_Q::answerStart;
 
 constexpr int shortestFrame = 8;
 constexpr int headerSize = 5; ///< up to and with the length byte
@@ -34,20 +34,23 @@ struct RequestForm
     quint8 kind;
     quint8 priority;
     std::string_view command;
+    int dataSize = 0; ///< of the bytes behind the command
 };
+
+constexpr int anySize = -1; ///< at least one byte
 
 using P = protocol_HUBN_NX_Q;
 
 // By the number of the type, from 1 on.
 constexpr RequestForm forms[] = {
-    {P::Sync_Time, markedKind, urgent, "\x05"sv},
+    {P::Sync_Time, markedKind, urgent, "\x05"sv, anySize},
     {P::Read_Time, markedKind, background, "\x05"sv},
     {P::Read_Log, markedKind, urgent, "\x06"sv},
     {P::Read_Info_Log, markedKind, urgent, "\x06\x00"sv},
-    {P::Write_Config, markedKind, urgent, "\x01"sv},
-    {P::Write_Script, markedKind, urgent, "\x02"sv},
-    {P::Read_Config, markedKind, urgent, "\x01"sv},
-    {P::Read_Script, markedKind, urgent, "\x02"sv},
+    {P::Write_Config, markedKind, urgent, "\x01"sv, anySize},
+    {P::Write_Script, markedKind, urgent, "\x02"sv, anySize},
+    {P::Read_Config, markedKind, urgent, "\x01"sv, 2},
+    {P::Read_Script, markedKind, urgent, "\x02"sv, 1},
     {P::Search_Address, plainKind, background, "\x61"sv},
     {P::Search_Broadcast, markedKind, background, "\x01\x00\x00"sv},
     {P::Check_Coordinator, plainKind, background, "\x61"sv},
@@ -56,11 +59,11 @@ constexpr RequestForm forms[] = {
     {P::Busy_Channel_Execute, plainKind, urgent, "\x35\xFF\xFF"sv},
     {P::Busy_Channel_Interface, plainKind, urgent, "\x55\xFF\xFF"sv},
     {P::Busy_Channel_Analog, plainKind, urgent, "\x95\xFF\xFF"sv},
-    {P::Terminal_System_Info, plainKind, urgent, "\x7F\x14"sv},
-    {P::Terminal_Sensor_Info, plainKind, urgent, "\x14"sv},
-    {P::Terminal_Execute_Info, plainKind, urgent, "\x34"sv},
-    {P::Terminal_Interface_Info, plainKind, urgent, "\x54"sv},
-    {P::Terminal_Analog_Info, plainKind, urgent, "\x94"sv},
+    {P::Terminal_System_Info, plainKind, urgent, "\x7F\x14"sv, 1},
+    {P::Terminal_Sensor_Info, plainKind, urgent, "\x14"sv, 1},
+    {P::Terminal_Execute_Info, plainKind, urgent, "\x34"sv, 1},
+    {P::Terminal_Interface_Info, plainKind, urgent, "\x54"sv, 1},
+    {P::Terminal_Analog_Info, plainKind, urgent, "\x94"sv, 1},
     {P::Switch_To_Boot, plainKind, urgent, "\x6F"sv},
 };
 
@@ -139,14 +142,45 @@ bool unstuff(QByteArray& frameBytes)
     return true;
 }
 
-/// Cuts the frame out of what was received and judges it; on PacketOk the frame is complete and without escapes.
-ParseStatus cutFrame(const QByteArray& received, QByteArray& frameBytes)
+/// Whether a frame without escapes is a request of a form.
+bool hasForm(const QByteArray& frameBytes, const RequestForm& form, bool ofAnySize)
+{
+    const QByteArray body = frameBytes.mid(headerSize, quint8(frameBytes.at(4)));
+    const int dataSize = body.size() - int(form.command.size());
+    const bool fits = ofAnySize ? form.dataSize == anySize && dataSize > 0 : form.dataSize == dataSize;
+    // What a broadcast asks is, from a coordinator with an address, a question for an output.
+    const bool isForIt = form.type != P::Search_Broadcast || frameBytes.at(2) == 0;
+    return fits && isForIt && quint8(frameBytes.at(1)) == form.kind &&
+           body.startsWith(QByteArray::fromRawData(form.command.data(), int(form.command.size())));
+}
+
+const RequestForm* formOf(const QByteArray& frameBytes)
+{
+    if (frameBytes.size() < shortestFrame) {
+        return nullptr;
+    }
+    const RequestForm* found = nullptr;
+    for (const bool ofAnySize : {false, true}) {
+        for (const RequestForm& form : forms) {
+            // Of two that are the same but for the address the later one asks for more of it.
+            const bool isNarrower = found == nullptr || (!ofAnySize && form.type == P::Search_Broadcast);
+            if (isNarrower && hasForm(frameBytes, form, ofAnySize)) {
+                found = &form;
+            }
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+ParseStatus protocol_HUBN_NX_Q::cutFrame(const QByteArray& received, quint8 startByte, QByteArray& frameBytes)
 {
     if (received.isEmpty()) {
         return PacketEmpty;
     }
     // The last start byte counts: what stands before it is noise or an older answer.
-    const int start = received.lastIndexOf(char(answerStart));
+    const int start = received.lastIndexOf(char(startByte));
     if (start < 0) {
         return PacketNoStart;
     }
@@ -173,16 +207,27 @@ ParseStatus cutFrame(const QByteArray& received, QByteArray& frameBytes)
     }
     const int end = headerSize + length;
     const int expected = quint8(frameBytes.at(end)) | quint8(frameBytes.at(end + 1)) << 8;
-    return P::checkCrc(frameBytes, 0, quint16(end), quint16(expected)) ? PacketOk : PacketBadCrc;
+    return checkCrc(frameBytes, 0, quint16(end), quint16(expected)) ? PacketOk : PacketBadCrc;
 }
 
-} // namespace
+int protocol_HUBN_NX_Q::requestType(const QByteArray& frame)
+{
+    const RequestForm* const form = formOf(frame);
+    return form != nullptr ? form->type : 0;
+}
+
+QByteArray protocol_HUBN_NX_Q::requestData(const QByteArray& frame)
+{
+    const RequestForm* const form = formOf(frame);
+    const int begin = headerSize + (form != nullptr ? int(form->command.size()) : 1);
+    return frame.mid(begin, headerSize + quint8(frame.at(4)) - begin);
+}
 
 message protocol_HUBN_NX_Q::parseAnswer(message answer)
 {
     constexpr int greatestCode = 11;
     QByteArray frameBytes;
-    answer.setParseStatus(cutFrame(answer.rawAnswer(), frameBytes));
+    answer.setParseStatus(cutFrame(answer.rawAnswer(), answerStart, frameBytes));
     if (answer.isValid()) {
         const int code = qint8(frameBytes.at(headerSize));
         answer.setAnswerCode(code <= greatestCode ? code : message::noAnswerCode);

@@ -59,6 +59,20 @@ public:
     /// parseStatus() set and, if that is PacketOk, its answerCode() and payload().
     static message parseAnswer(message answer);
 
+    /// Cuts the frame that begins with the last of the given start bytes out of some bytes and judges it. On PacketOk
+    /// and PacketBadCrc the frame is there with its escapes taken out, and with what stands behind its checksum.
+    static ParseStatus cutFrame(const QByteArray& bytes, quint8 startByte, QByteArray& frame);
+
+    /// Which request a frame without escapes is, a RequestType; 0 for none of them. Check_Coordinator is a
+    /// Search_Address on the wire.
+    static int requestType(const QByteArray& frame);
+
+    /// The data of a request, which is what follows its command.
+    static QByteArray requestData(const QByteArray& frame);
+
+    static constexpr quint8 requestStart = 0xC1;
+    static constexpr quint8 answerStart = 0xC2;
+
     /// CRC-16/MCRF4XX of the whole array, -1 for an empty one.
     static int crc16(const QByteArray& bytes);
 

@@ -24,8 +24,41 @@ enum Column
 };
 
 constexpr int maximumRows = 2000;
-constexpr int longestShortText = 24; ///< no column cuts a text of this length
 constexpr std::array<int, 3> columnWidths{140, 200, 140};
+
+/// Where an item keeps its packet.
+enum Role
+{
+    TimeRole = Qt::UserRole,
+    BytesRole
+};
+
+/// The bytes of a packet, which it tells in words only when they are asked for: most packets are never looked at.
+class PacketItem : public QTableWidgetItem
+{
+public:
+    using QTableWidgetItem::QTableWidgetItem;
+
+    QVariant data(int role) const override
+    {
+        if (role != Qt::ToolTipRole || tableWidget() == nullptr) {
+            return QTableWidgetItem::data(role);
+        }
+        // Marked up as a paragraph, so that the tool tip breaks its lines.
+        const QString bytes = QStringLiteral("<p>%1</p>").arg(text().toHtmlEscaped());
+        return bytes +
+               words().join(QLatin1Char('\n')).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
+    }
+
+private:
+    QStringList words() const
+    {
+        const QTableWidgetItem* const item = tableWidget()->item(row(), ColumnRequest);
+        const QByteArray request = item != nullptr ? item->data(BytesRole).toByteArray() : QByteArray();
+        return column() == ColumnRequest ? packettext::requestInWords(request)
+                                         : packettext::answerInWords(data(BytesRole).toByteArray(), request);
+    }
+};
 
 QString timeText(const QDateTime& time)
 {
@@ -73,13 +106,12 @@ bool PacketLogger::isWanted(bool periodic) const
     return !stopButton->isChecked() && (!periodic || periodicBox->isChecked());
 }
 
-void PacketLogger::setCell(int column, const QString& text)
+void PacketLogger::setPacket(int column, const Packet& packet, const QString& text)
 {
-    auto* item = new QTableWidgetItem(text);
-    if (text.size() > longestShortText) {
-        // Marked up as a paragraph, so that the tool tip breaks its lines.
-        item->setToolTip(QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()));
-    }
+    table->setItem(0, column - 1, new QTableWidgetItem(timeText(packet.time)));
+    auto* item = new PacketItem(text);
+    item->setData(TimeRole, packet.time);
+    item->setData(BytesRole, packet.bytes);
     table->setItem(0, column, item);
 }
 
@@ -92,8 +124,7 @@ void PacketLogger::logRequest(const QDateTime& time, const QByteArray& request, 
         table->removeRow(table->rowCount() - 1);
     }
     table->insertRow(0);
-    setCell(ColumnRequestTime, timeText(time));
-    setCell(ColumnRequest, bytesText(request));
+    setPacket(ColumnRequest, {time, Packet::Request, request}, bytesText(request));
 }
 
 void PacketLogger::logAnswer(const QDateTime& time, const QByteArray& answer, bool periodic)
@@ -103,8 +134,7 @@ void PacketLogger::logAnswer(const QDateTime& time, const QByteArray& answer, bo
     }
     const QString text =
         answer.isEmpty() ? QStringLiteral("-----<%1>-----").arg(texts::wordNoAnswer()) : bytesText(answer);
-    setCell(ColumnAnswerTime, timeText(time));
-    setCell(ColumnAnswer, text);
+    setPacket(ColumnAnswer, {time, Packet::Answer, answer}, text);
 }
 
 void PacketLogger::showStopped(bool stopped)
@@ -115,4 +145,20 @@ void PacketLogger::showStopped(bool stopped)
 void PacketLogger::clear()
 {
     table->clearContents();
+}
+
+QList<Packet> PacketLogger::packets() const
+{
+    QList<Packet> packets;
+    for (int row = table->rowCount() - 1; row >= 0; --row) {
+        for (const Column column : {ColumnRequest, ColumnAnswer}) {
+            const QTableWidgetItem* const item = table->item(row, column);
+            if (item != nullptr) {
+                packets.append({item->data(TimeRole).toDateTime(),
+                                column == ColumnRequest ? Packet::Request : Packet::Answer,
+                                item->data(BytesRole).toByteArray()});
+            }
+        }
+    }
+    return packets;
 }

@@ -1,15 +1,13 @@
 #pragma once
 
-#include <QtGlobal>
+#include "link/packetText.h"
 
-class QByteArray;
 class QCheckBox;
-class QDateTime;
 class QPushButton;
-class QString;
 class QTableWidget;
 
-/// The packets of the current port, newest on top, in the table of the third tab. At most 2000 requests are kept.
+/// The packets of the current port, newest on top, in the table of the third tab. At most 2000 requests are kept. The
+/// tool tip of a packet says in words what it is.
 ///
 /// Works on widgets of the main window's form, which owns them; the main window holds the one instance. GUI thread
 /// only. A packet costs one insert at the top, however full the table is.
@@ -29,9 +27,12 @@ public:
     void showStopped(bool stopped); ///< the stop button was pressed or released
     void clear();                   ///< empties the cells; the rows stay and keep counting towards the limit
 
+    /// The packets in the table, the oldest first.
+    QList<Packet> packets() const;
+
 private:
     bool isWanted(bool periodic) const;
-    void setCell(int column, const QString& text);
+    void setPacket(int column, const Packet& packet, const QString& text);
 
     QTableWidget* table;
     QPushButton* stopButton;

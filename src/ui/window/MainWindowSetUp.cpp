@@ -6,6 +6,7 @@
 #include "texts/texts.h"
 #include "ui/log/LogTab.h"
 #include "ui/log/PacketLogger.h"
+#include "ui/log/PacketTools.h"
 #include "ui/scripts/ScriptLists.h"
 #include "ui/scripts/Setting_Script_Widget.h"
 #include "ui/tree/FormAddingTerminal.h"
@@ -90,6 +91,8 @@ void MainWindow::setUpWindow()
     offerTerminalTypes();
     packetLogger = std::make_unique<PacketLogger>(ui->tableLogger, ui->pushButtonStopLog, ui->pushButtonClearLog,
                                                   ui->checkBoxPeriodicRequest);
+    auto* const packetTools = new PacketTools(this, ui->tableLogger, *packetLogger, dialogs);
+    connect(packetTools, &PacketTools::newResult, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
     setUpScriptLists();
     ui->tabWidget->setTabEnabled(hiddenTab, false);
     ui->tabWidget->removeTab(hiddenTab);
