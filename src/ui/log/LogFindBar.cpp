@@ -69,7 +69,16 @@ QWidget* LogFindBar::makeField()
     text->setMaxLength(longestText);
     text->setClearButtonEnabled(true);
     connect(text, &QLineEdit::textChanged, this, &LogFindBar::changed);
-    layout->addWidget(text);
+    layout->addWidget(text, 2);
+    addresses->setObjectName(QStringLiteral("lineEditFindAddresses"));
+    addresses->setPlaceholderText(texts::findAddresses());
+    addresses->setToolTip(texts::findAddressesHint());
+    addresses->setMaxLength(longestText);
+    connect(addresses, &QLineEdit::textChanged, this, [this] {
+        showWhetherAddressesMakeSense();
+        emit changed();
+    });
+    layout->addWidget(addresses, 1);
 
     auto* const close = new QToolButton(row);
     close->setObjectName(QStringLiteral("toolButtonCloseFind"));
@@ -85,21 +94,13 @@ QWidget* LogFindBar::makeLimits()
 {
     auto* const row = new QWidget(this);
     QHBoxLayout* const layout = rowLayout(row);
-    addresses->setObjectName(QStringLiteral("lineEditFindAddresses"));
-    addresses->setPlaceholderText(texts::findAddresses());
-    addresses->setToolTip(texts::findAddressesHint());
-    addresses->setMaxLength(longestText);
-    connect(addresses, &QLineEdit::textChanged, this, [this] {
-        showWhetherAddressesMakeSense();
-        emit changed();
-    });
     hasFirstDay->setObjectName(QStringLiteral("checkBoxFirstDay"));
     hasLastDay->setObjectName(QStringLiteral("checkBoxLastDay"));
-    layout->addWidget(addresses, 1);
     for (QWidget* const widget : {static_cast<QWidget*>(hasFirstDay), static_cast<QWidget*>(firstDay),
                                   static_cast<QWidget*>(hasLastDay), static_cast<QWidget*>(lastDay)}) {
         layout->addWidget(widget);
     }
+    layout->addStretch();
     return row;
 }
 

@@ -177,6 +177,7 @@ void LogTools::openFindBar()
         }
         bar->begin(dayAt(model, model->rowCount() - 1), dayAt(model, 0));
         bar->show();
+        setCondition({});
         endFind->setEnabled(true);
     }
     bar->setFocus(Qt::ShortcutFocusReason);

@@ -112,6 +112,7 @@ void LogView::detach()
         columnWidths.last() = frozen ? *restAtFreeze : std::min(columnWidths.last(), *restAtFreeze);
     }
     restAtFreeze.reset();
+    currentEvent.reset();
     drop();
     frozen = false;
     view->setUpdatesEnabled(true);
@@ -120,11 +121,7 @@ void LogView::detach()
 
 void LogView::freeze()
 {
-    const QModelIndexList rows = view->selectionModel()->selectedRows();
-    selectedEvent.reset();
-    if (!rows.isEmpty()) {
-        selectedEvent = numberAt(rows.first().row());
-    }
+    rememberCurrentEvent();
     horizontalPosition = view->horizontalScrollBar()->value();
     rememberColumns();
     if (!restAtFreeze) {
@@ -143,8 +140,8 @@ void LogView::thaw()
     view->setModel(model);
     restoreColumns(!restIsStretched);
     view->doItemsLayout(); // which knows how far there is to scroll
-    if (selectedEvent && isAttached()) {
-        selectEvent(*selectedEvent);
+    if (isAttached()) {
+        restoreCurrentEvent();
     }
     view->horizontalScrollBar()->setValue(horizontalPosition);
 }
@@ -162,8 +159,31 @@ int LogView::numberAt(int row) const
     return model ? model->index(row, 0).data().toInt() : 0;
 }
 
-/// The numbers of a log fall from its first row to its last, so that halving finds one.
-void LogView::selectEvent(int number)
+void LogView::rememberCurrentEvent()
+{
+    const QModelIndex current = view->currentIndex();
+    if (current.isValid()) {
+        currentEvent = {numberAt(current.row()), current.column(),
+                        view->selectionModel()->isRowSelected(current.row(), {})};
+    }
+}
+
+void LogView::restoreCurrentEvent()
+{
+    const int row = currentEvent ? rowOf(currentEvent->number) : -1;
+    if (row >= 0) {
+        const QModelIndex index = model->index(row, currentEvent->column);
+        view->selectionModel()->setCurrentIndex(index, currentEvent->selected ? QItemSelectionModel::ClearAndSelect |
+                                                                                    QItemSelectionModel::Rows
+                                                                              : QItemSelectionModel::NoUpdate);
+        view->scrollTo(index,
+                       currentEvent->selected ? QAbstractItemView::PositionAtCenter : QAbstractItemView::EnsureVisible);
+    }
+}
+
+/// The row of an event, -1 if it isn't there. The numbers of a log fall from its first row to its last, so that halving
+/// finds one.
+int LogView::rowOf(int number) const
 {
     int row = 0;
     int end = model->rowCount();
@@ -175,10 +195,7 @@ void LogView::selectEvent(int number)
             end = middle;
         }
     }
-    if (row < model->rowCount() && numberAt(row) == number) {
-        view->selectRow(row);
-        view->scrollTo(model->index(row, logtable::columnOfDetails()), QAbstractItemView::PositionAtCenter);
-    }
+    return row < model->rowCount() && numberAt(row) == number ? row : -1;
 }
 
 void LogView::drop()

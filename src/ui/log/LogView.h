@@ -30,8 +30,8 @@ public:
     /// the user could see that the table was away.
     void freeze();
 
-    /// Puts the model back after freeze(), with the event selected that was, if it is there. The view is painted by
-    /// showThawed(), which is a piece of work of its own.
+    /// Puts the model back after freeze(), with the event selected that was last, if it is there. The view is painted
+    /// by showThawed(), which is a piece of work of its own.
     void thaw();
     void showThawed();
 
@@ -40,9 +40,19 @@ public:
     void drop();
 
 private:
+    /// Where the user was, which the model doesn't keep.
+    struct CurrentEvent
+    {
+        int number = 0;
+        int column = 0;
+        bool selected = false;
+    };
+
     void rememberColumns();
     void restoreColumns(bool withRest);
-    void selectEvent(int number);
+    int rowOf(int number) const;
+    void rememberCurrentEvent();
+    void restoreCurrentEvent();
     int numberAt(int row) const;
 
     QPointer<QTableView> view;
@@ -55,6 +65,6 @@ private:
     std::optional<int> restAtFreeze; ///< its width when a search began
     bool restIsStretched = false;    ///< what the others left, at that time
     bool frozen = false;
-    std::optional<int> selectedEvent; ///< when the view was frozen
-    int horizontalPosition = 0;       ///< when the view was frozen
+    std::optional<CurrentEvent> currentEvent; ///< of all rows that a search has shown
+    int horizontalPosition = 0;               ///< when the view was frozen
 };
