@@ -10,8 +10,29 @@ namespace
 
 constexpr int greatestAddress = 255;
 
+/// A column that is searched. Most texts can stand in a date or a time only where it is told in words: where the unit
+/// gave none, which the numbers beside it say at a fraction of the cost.
+struct SearchedColumn
+{
+    const char* name;
+    const char* characters; ///< that it is made of, unless it is told in words
+    const char* isInWords;
+};
+
 /// In this order since the first ones hold what is looked for most often.
-constexpr const char* searchedColumns[] = {"Event", "Source", "Information", "Date", "Time"};
+constexpr SearchedColumn searchedColumns[] = {
+    {"Event", nullptr, nullptr},
+    {"Source", nullptr, nullptr},
+    {"Information", nullptr, nullptr},
+    {"Date", "0123456789.", "DateInDays = 0"},
+    {"Time", "0123456789:", "TimeInMinute NOT BETWEEN 0 AND 611"}, // 23 * 24 + 59
+};
+
+bool isMadeOf(const QString& text, const char* characters)
+{
+    const QLatin1String all(characters);
+    return std::all_of(text.begin(), text.end(), [all](QChar character) { return all.contains(character); });
+}
 
 QString literal(QString text)
 {
@@ -62,12 +83,16 @@ QString conditionOfText(const QString& text)
     const bool otherLetters = hasOtherLetters(text);
     const QString pattern = otherLetters ? globPattern(text) : likePattern(text);
     QStringList conditions;
-    for (const char* const name : searchedColumns) {
-        const QLatin1String column(name);
+    for (const SearchedColumn& searched : searchedColumns) {
+        const QLatin1String column(searched.name);
         // A text of ASCII alone, as most are, holds no other letters: as many bytes as characters.
-        conditions.append(
+        QString condition =
             otherLetters ? QStringLiteral("length(CAST(%1 AS BLOB)) > length(%1) AND %1 GLOB ").arg(column) + pattern
-                         : column + QLatin1String(" LIKE ") + pattern);
+                         : column + QLatin1String(" LIKE ") + pattern;
+        if (searched.characters != nullptr && !isMadeOf(text, searched.characters)) {
+            condition.prepend(QLatin1String(searched.isInWords) + QLatin1String(" AND "));
+        }
+        conditions.append(condition);
     }
     return alternatives(conditions);
 }

@@ -1,4 +1,5 @@
 #include "DataBaseTest.h"
+#include "eventlog/LogEvents.h"
 #include "eventlog/LogFilter.h"
 
 Q_DECLARE_METATYPE(LogFilter)
@@ -23,6 +24,7 @@ private slots:
     void textIsFoundAsItStands();
     void textIsFoundInTheFiveColumnsAlone_data();
     void textIsFoundInTheFiveColumnsAlone();
+    void datesAndTimesInWordsAreFound();
     void addressesKindsAndDaysNarrow_data();
     void addressesKindsAndDaysNarrow();
     void addressesAreReadAsTheyAreWritten_data();
@@ -119,6 +121,22 @@ void tst_LogFilter::textIsFoundInTheFiveColumnsAlone()
     QFETCH(bool, isFound);
     fill(eventRows(1));
     QCOMPARE(!found({text, {}, {}, {}, {}}).isEmpty(), isFound);
+}
+
+void tst_LogFilter::datesAndTimesInWordsAreFound()
+{
+    // As the decoder leaves a record without a date and one without a time.
+    QByteArray noDate = QByteArray::fromHex("375400001110203200010700000000");
+    QByteArray noTime = QByteArray::fromHex("7f7f25091110203200010700000000");
+    LogEvents events;
+    events.decodeEvents({noDate.append('\0'), noTime.append('\0')});
+    events.numberEvents();
+    const QList<EventOfTable> rows = events.takeEvents(2);
+    fill(rows);
+    QCOMPARE(found({rows.last().date.toUpper(), {}, {}, {}, {}}), QList<int>{rows.last().numberEvent});
+    QCOMPARE(found({rows.first().time.toUpper(), {}, {}, {}, {}}), QList<int>{rows.first().numberEvent});
+    QCOMPARE(found({QStringLiteral("25.09.2020"), {}, {}, {}, {}}), QList<int>{rows.first().numberEvent});
+    QCOMPARE(found({QStringLiteral("14:37"), {}, {}, {}, {}}), QList<int>{rows.last().numberEvent});
 }
 
 void tst_LogFilter::addressesKindsAndDaysNarrow_data()
