@@ -1,0 +1,93 @@
+// Finding in a whole log: how soon a key is answered by the rows it leaves, and how long the window is still meanwhile.
+
+#include "benchmarks/Figures.h"
+#include "benchmarks/FullWindow.h"
+#include "benchmarks/StandstillWatch.h"
+#include "benchmarks/Units.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTabWidget>
+#include <QTableView>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int wholeLog = 32767;
+constexpr int runs = 7; ///< a busy machine makes single ones twice as long
+
+struct Key
+{
+    int key;
+    const char* text;
+};
+
+// A word letter by letter, which ever fewer events hold, a letter too many, and back to the whole log.
+constexpr Key keys[] = {{Qt::Key_A, "a"},        {Qt::Key_L, "l"},        {Qt::Key_A, "a"},
+                        {Qt::Key_R, "r"},        {Qt::Key_M, "m"},        {Qt::Key_X, "x"},
+                        {Qt::Key_Backspace, ""}, {Qt::Key_Backspace, ""}, {Qt::Key_Backspace, ""},
+                        {Qt::Key_Backspace, ""}, {Qt::Key_Backspace, ""}, {Qt::Key_Backspace, ""}};
+
+void readWholeLog(FullWindow& full)
+{
+    full.window.sl_ReceiveDataEvents(units::logRecords(wholeLog), true);
+    while (full.log->model() == nullptr || full.log->model()->rowCount() < wholeLog) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    full.tabs->setCurrentIndex(1);
+    FullWindow::settle();
+}
+
+/// Milliseconds from a key to the rows that it leaves, painted.
+double answerTime(const FullWindow& full, QLineEdit* field, const Key& key)
+{
+    bool begun = false;
+    QElapsedTimer clock;
+    clock.start();
+    QCoreApplication::postEvent(field,
+                                new QKeyEvent(QEvent::KeyPress, key.key, Qt::NoModifier, QLatin1String(key.text)));
+    while (!begun || full.log->model() == nullptr || !full.log->updatesEnabled()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        begun = begun || !full.log->updatesEnabled();
+    }
+    return static_cast<double>(clock.nsecsElapsed()) / 1e6;
+}
+
+std::vector<Figure> run()
+{
+    FullWindow full;
+    readWholeLog(full);
+    full.window.findChild<QAction*>(QStringLiteral("actionFind"))->trigger();
+    FullWindow::settle();
+    auto* const field = full.window.findChild<QLineEdit*>(QStringLiteral("lineEditFind"));
+
+    std::vector<std::vector<double>> times(std::size(keys));
+    std::vector<double> standstills;
+    for (int i = 0; i < runs; ++i) {
+        StandstillWatch watch;
+        for (std::size_t key = 0; key < std::size(keys); ++key) {
+            times[key].push_back(answerTime(full, field, keys[key]));
+        }
+        standstills.push_back(watch.longest);
+    }
+    double worst = 0;
+    for (const std::vector<double>& ofKey : times) {
+        worst = std::max(worst, median(ofKey));
+    }
+    const double standstill = median(standstills);
+    const QString reference = QStringLiteral("%1 keys, %2 times").arg(std::size(keys)).arg(runs);
+    return {
+        {QStringLiteral("key to its rows among those of 32,767 records"), QStringLiteral("%1 ms").arg(worst, 0, 'f', 1),
+         QStringLiteral("slowest of ") + reference, worst, QStringLiteral("ms"), 50, false},
+        {QStringLiteral("longest standstill of the window meanwhile"),
+         QStringLiteral("%1 ms").arg(standstill, 0, 'f', 1), reference, standstill, QStringLiteral("ms"), 16, false}};
+}
+
+const Benchmark findBenchmark(QStringLiteral("find"), run);
+
+} // namespace
