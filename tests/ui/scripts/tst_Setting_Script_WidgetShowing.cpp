@@ -11,7 +11,7 @@ class tst_Setting_Script_WidgetShowing : public QObject
     Q_OBJECT
 
 private slots:
-    void showingKeepsTheBytesOfTenThousandScripts();
+    void showingKeepsTheBytesOfFourThousandScripts();
     void notActiveLosesItsChannels();
     void classFiveToNineOfAnOwnFilterBecomesFifteen_data();
     void classFiveToNineOfAnOwnFilterBecomesFifteen();
@@ -61,17 +61,17 @@ QByteArray tst_Setting_Script_WidgetShowing::withExceptions(const ScriptInfo& sc
     return record;
 }
 
-void tst_Setting_Script_WidgetShowing::showingKeepsTheBytesOfTenThousandScripts()
+void tst_Setting_Script_WidgetShowing::showingKeepsTheBytesOfFourThousandScripts()
 {
     RandomModel random(20240117);
     ShownEditor shown;
     int seen = 0;
     int exceptions = 0;
-    while (seen < 10000 && !QTest::currentTestFailed()) {
+    while (seen < 4000 && !QTest::currentTestFailed()) {
         showAllScripts(shown, random, exceptions);
         seen += 32;
     }
-    QVERIFY(exceptions > 1000 && exceptions < 9000);
+    QVERIFY(exceptions > 400 && exceptions < 3600);
 }
 
 /// Reads 32 scripts from a unit, shows one after the other, and compares each with what it was before.
