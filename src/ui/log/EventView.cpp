@@ -16,7 +16,7 @@ namespace
 
 constexpr int widestValue = 320;
 
-enum Column
+enum FieldColumn
 {
     ColumnName,
     ColumnValue,
