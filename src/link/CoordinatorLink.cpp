@@ -35,8 +35,8 @@ PortStatus statusOf(const PortInfo& port)
 
 } // namespace
 
-CoordinatorLink::CoordinatorLink(CoordinatorSeams seams_, Transmitter::BootParser parseBootAnswer_, QObject* parent)
-    : QObject(parent), seams(std::move(seams_)), parseBootAnswer(std::move(parseBootAnswer_)), timerPortList(this),
+CoordinatorLink::CoordinatorLink(CoordinatorSeams linkSeams, Transmitter::BootParser bootParser, QObject* parent)
+    : QObject(parent), seams(std::move(linkSeams)), parseBootAnswer(std::move(bootParser)), timerPortList(this),
       timerNothingSent(this), terminalSearch(new TerminalSearch(this)),
       configurationReading(new ConfigurationReading(this)), configurationWriting(new ConfigurationWriting(this)),
       logReading(new LogReading(this)), operations{terminalSearch, configurationReading, configurationWriting,
@@ -128,6 +128,7 @@ void CoordinatorLink::addPort(const QString& name)
         // The first coordinator found is chosen without the user, though not over the dialogs of a load: the watch
         // comes back to it after them.
         if (current == nullptr && !isFirmwareAtHand) {
+            emit foundFirst(port);
             choose(port);
         }
     });
@@ -141,11 +142,10 @@ const QVector<Port*>& CoordinatorLink::ports() const
     return portList;
 }
 
-Port* CoordinatorLink::portOf(const QObject* workerOrTimer) const
+Port* CoordinatorLink::portOf(const Transmitter* worker) const
 {
-    const auto found = std::find_if(portList.cbegin(), portList.cend(), [workerOrTimer](const Port* port) {
-        return workerOrTimer != nullptr && (workerOrTimer == port->worker() || workerOrTimer->parent() == port);
-    });
+    const auto found = std::find_if(portList.cbegin(), portList.cend(),
+                                    [worker](const Port* port) { return port->worker() == worker; });
     return found != portList.cend() ? *found : nullptr;
 }
 

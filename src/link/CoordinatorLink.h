@@ -63,7 +63,7 @@ class CoordinatorLink : public QObject
 
 public:
     /// Without a parser no answer to a boot request is valid; it runs on the ports' threads.
-    explicit CoordinatorLink(CoordinatorSeams seams = {}, Transmitter::BootParser parseBootAnswer = {},
+    explicit CoordinatorLink(CoordinatorSeams linkSeams = {}, Transmitter::BootParser bootParser = {},
                              QObject* parent = nullptr);
     ~CoordinatorLink() override;
     Q_DISABLE_COPY_MOVE(CoordinatorLink)
@@ -73,8 +73,8 @@ public:
 
     const QVector<Port*>& ports() const; ///< in order of discovery; a port that disappears stays
 
-    /// The port with this worker, or with this timer; null if there is none.
-    Port* portOf(const QObject* workerOrTimer) const;
+    /// The port with this worker, which may be gone; null if there is none.
+    Port* portOf(const Transmitter* worker) const;
 
     Port* currentPort() const; ///< null before the first choice; a disconnect doesn't clear it
 
@@ -126,6 +126,9 @@ signals:
     /// A new port, which hasn't been started yet.
     void portAdded(Port* port);
     void portListUpdated();
+
+    /// The first coordinator was found, on a port that is about to be chosen without the user.
+    void foundFirst(Port* port);
 
     /// A choice was made, by the user or by itself, with a port or without.
     void chosen(Port* port);

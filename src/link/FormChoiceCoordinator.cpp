@@ -94,7 +94,8 @@ void FormChoiceCoordinator::connectLink()
     using Choice = FormChoiceCoordinator;
     connect(&link, &Link::portAdded, this, &Choice::addRow);
     connect(&link, &Link::portListUpdated, this, &Choice::fitTable);
-    connect(&link, &Link::chosen, this, &Choice::takeChoice);
+    connect(&link, &Link::foundFirst, this, &Choice::selectRow);
+    connect(&link, &Link::chosen, this, &Choice::hide);
     connect(&link, &Link::statusReported, this, &Choice::sendStatus);
     connect(&link, &Link::operationsEnabled, this, &Choice::sig_sendEnableOperationOnForm);
     connect(&link, &Link::requestDropped, this,
@@ -138,6 +139,7 @@ void FormChoiceCoordinator::addRow(Port* port)
     connect(port, &Port::changed, this, [row] { row->refresh(); });
     connect(row->buttonConnect, &QPushButton::clicked, this, &Choice::sl_buttonConnectPress);
     connect(row->buttonFirmware, &QPushButton::clicked, this, &Choice::sl_buttonFirmwarePress);
+    connect(row->checkBoxCheck, &QCheckBox::toggled, port, &Port::noteWatched);
     connect(row->checkBoxCheck, &QCheckBox::clicked, this, &Choice::sl_checkBoxCheckCoordinatorPress);
 
     QTableWidget* const table = ui->tableWidget;
@@ -176,13 +178,11 @@ PortRow* FormChoiceCoordinator::findRow(Field PortRow::*field, const QObject* ob
     return found != portRows.cend() ? *found : nullptr;
 }
 
-void FormChoiceCoordinator::takeChoice(const Port* port)
+void FormChoiceCoordinator::selectRow(const Port* port)
 {
-    const PortRow* const row = findRow(&PortRow::port, port);
-    if (row != nullptr && ui->tableWidget->currentRow() != ui->tableWidget->row(row->itemCoordinator)) {
+    if (const PortRow* const row = findRow(&PortRow::port, port)) {
         ui->tableWidget->setCurrentItem(row->itemCoordinator);
     }
-    hide();
 }
 
 void FormChoiceCoordinator::sendStatus(PortStatus status)
@@ -206,7 +206,7 @@ void FormChoiceCoordinator::on_buttonChoicePort_clicked()
 void FormChoiceCoordinator::sl_buttonConnectPress()
 {
     if (const PortRow* const row = findRow(&PortRow::buttonConnect, QObject::sender())) {
-        if (row->port->info().connected) {
+        if (row->buttonConnect->text() == texts::buttonDisconnect()) {
             row->port->close();
         } else {
             row->port->open();
@@ -276,16 +276,21 @@ void FormChoiceCoordinator::sl_receiveAnswer(Transmitter* sender, const message&
     }
 }
 
+Port* FormChoiceCoordinator::portOfTimer() const
+{
+    return QObject::sender() != nullptr ? qobject_cast<Port*>(QObject::sender()->parent()) : nullptr;
+}
+
 void FormChoiceCoordinator::sl_periodicCheckCoordinator()
 {
-    if (Port* const port = link.portOf(QObject::sender())) {
+    if (Port* const port = portOfTimer()) {
         port->checkCoordinator();
     }
 }
 
 void FormChoiceCoordinator::sl_tryFirstConnectCoordinator()
 {
-    if (Port* const port = link.portOf(QObject::sender())) {
+    if (Port* const port = portOfTimer()) {
         port->repeatSearch();
     }
 }

@@ -135,9 +135,10 @@ private:
     void connectOperations();
     void addRow(Port* port);
     void fitTable();
-    void takeChoice(const Port* port);
+    void selectRow(const Port* port);
     void sendStatus(PortStatus status);
 
+    Port* portOfTimer() const; ///< the port whose timer calls a slot
     template <typename Field>
     PortRow* findRow(Field PortRow::*field, const QObject* object) const;
 

@@ -27,7 +27,7 @@ Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject
 Port::~Port()
 {
     stop();
-    if (thread->wait(*closing)) {
+    if (thread && thread->wait(*closing)) {
         delete thread;
     }
 }
@@ -117,6 +117,11 @@ void Port::setWatched(bool on)
     if (!on) {
         emit statusDue();
     }
+}
+
+void Port::noteWatched(bool on)
+{
+    known.watched = on;
 }
 
 void Port::switchWatch(bool on)

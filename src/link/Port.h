@@ -7,6 +7,7 @@
 
 #include <QDeadlineTimer>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QTimer>
 
@@ -63,6 +64,7 @@ public:
     void close(); ///< and forgets the coordinator
     void send(const message& request);
     void setWatched(bool on);
+    void noteWatched(bool on); ///< without starting or stopping the watch: what counts as lost goes by it
 
     /// Whether a search that met silence is repeated a second later, four times at the most. It is from the beginning.
     void setSearchRepeated(bool on);
@@ -114,7 +116,7 @@ private:
     const QString portName;
     PortInfo known;
     quint8 watchedAddress = noCoordinator; ///< as the search found it, which no misread answer changes
-    QThread* thread;                       ///< without an owner: it ends by itself where nobody waits for it
+    QPointer<QThread> thread;              ///< without an owner: it ends by itself where nobody waits for it
     Transmitter* transmitter;              ///< goes with the thread
     QTimer timerPeriodic;                  ///< the watch; 1000 ms
     QTimer timerFirstConnect;              ///< 1000 ms to the next search

@@ -61,7 +61,7 @@ public:
 
     /// Cuts the frame that begins with the last of the given start bytes out of some bytes and judges it. On PacketOk
     /// and PacketBadCrc the frame is there with its escapes taken out, and with what stands behind its checksum.
-    static ParseStatus cutFrame(const QByteArray& bytes, quint8 startByte, QByteArray& frame);
+    static ParseStatus cutFrame(const QByteArray& received, quint8 startByte, QByteArray& frameBytes);
 
     /// Which request a frame without escapes is, a RequestType; 0 for none of them. Check_Coordinator is a
     /// Search_Address on the wire.

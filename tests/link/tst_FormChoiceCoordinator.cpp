@@ -38,6 +38,8 @@ private slots:
     void showsTheBaudrateOfThePort();
 
     void theFirstCoordinatorIsChosenByItself();
+    void theRowOfTheFirstCoordinatorIsMarkedBeforeAnythingIsTold();
+    void aBoxThatIsSetWithoutAClickCounts();
     void disconnectingClearsTheRow();
     void connectingSearchesAgain();
     void theWatchReportsThreeStatuses();
@@ -266,6 +268,30 @@ void tst_FormChoiceCoordinator::theFirstCoordinatorIsChosenByItself()
     QCOMPARE(recorder.bar()->maximum(), 1);
     QCOMPARE(int(recorder.form.currentAddress()), 1);
     QCOMPARE(recorder.form.currentBaudrate(), 57600);
+}
+
+void tst_FormChoiceCoordinator::theRowOfTheFirstCoordinatorIsMarkedBeforeAnythingIsTold()
+{
+    FormRecorder recorder({portA});
+    QTableWidget* const table = recorder.table();
+    table->setCurrentCell(0, 0, QItemSelectionModel::NoUpdate); // as the focus does when the form is shown
+    recorder.form.sl_receiveAnswer(recorder.transmitters.at(0), answers::good(CoordinatorSearch::begin()));
+    bool isMarked = false;
+    connect(&recorder.form, &FormChoiceCoordinator::sig_sendEnableOperationOnForm, table,
+            [&isMarked, table] { isMarked = table->item(0, 2)->isSelected() && table->currentColumn() == 2; });
+    recorder.form.sl_receiveAnswer(recorder.transmitters.at(0), searchAnswer(1));
+    QVERIFY(isMarked);
+}
+
+void tst_FormChoiceCoordinator::aBoxThatIsSetWithoutAClickCounts()
+{
+    FormRecorder recorder({portA});
+    Transmitter* const port = recorder.transmitters.at(0);
+    recorder.form.sl_receiveAnswer(port, answers::good(CoordinatorSearch::begin()));
+    recorder.form.sl_receiveAnswer(port, searchAnswer(1));
+    recorder.check(0)->setChecked(false);
+    recorder.form.sl_setStatePort(port, StateOpenError);
+    QCOMPARE(recorder.state(0), statePortTraits(StateOpenError).text);
 }
 
 // Connect and disconnect.
