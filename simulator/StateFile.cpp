@@ -10,7 +10,7 @@
 namespace
 {
 constexpr int firmwareBytesOfLine = 64;
-const char* const NoBytes = "-";
+const char* const noBytes = "-";
 
 const char* const preface = R"(# A simulated head unit HUBN-NX-Q.
 #
@@ -52,7 +52,7 @@ struct Words
     QByteArray bytes(int index)
     {
         const QByteArray text =
-            list.value(index) == QLatin1String(NoBytes) ? "" : list.value(index).toLatin1().toLower();
+            list.value(index) == QLatin1String(noBytes) ? "" : list.value(index).toLatin1().toLower();
         const QByteArray value = QByteArray::fromHex(text);
         sound = sound && value.toHex() == text;
         return value;
@@ -169,7 +169,7 @@ QByteArray yesOrNo(bool value)
 
 QByteArray hexOf(const QByteArray& bytes)
 {
-    return bytes.isEmpty() ? QByteArray(NoBytes) : bytes.toHex();
+    return bytes.isEmpty() ? QByteArray(noBytes) : bytes.toHex();
 }
 
 QByteArray identityLines(const UnitState& state)

@@ -230,6 +230,7 @@ void LogTab::sl_SettingTableView(SqlModel* model)
 
 void LogTab::sl_setStatusLog(int count, bool /*filter*/)
 {
+    forgetFinding(); // all rows are there again, whoever asked for them
     allRows = count;
     countOfAll = texts::logRowCount() + QString::number(count);
     countRows->setText(countOfAll);

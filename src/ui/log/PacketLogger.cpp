@@ -73,9 +73,8 @@ QString bytesText(const QByteArray& bytes)
 
 } // namespace
 
-PacketLogger::PacketLogger(QTableWidget* table_, QPushButton* stopButton_, QPushButton* clearButton,
-                           QCheckBox* periodicBox_)
-    : table(table_), stopButton(stopButton_), periodicBox(periodicBox_)
+PacketLogger::PacketLogger(QTableWidget* packetTable, QPushButton* stop, QPushButton* clearButton, QCheckBox* periodic)
+    : table(packetTable), stopButton(stop), periodicBox(periodic)
 {
     table->setColumnCount(4);
     table->setHorizontalHeaderLabels(

@@ -14,7 +14,7 @@ class QTableWidget;
 class PacketLogger
 {
 public:
-    PacketLogger(QTableWidget* table, QPushButton* stopButton, QPushButton* clearButton, QCheckBox* periodicBox);
+    PacketLogger(QTableWidget* packetTable, QPushButton* stop, QPushButton* clearButton, QCheckBox* periodic);
     Q_DISABLE_COPY_MOVE(PacketLogger)
     ~PacketLogger() = default;
 

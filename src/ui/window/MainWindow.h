@@ -57,7 +57,7 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    explicit MainWindow(WindowSeams seams = {}, QWidget* parent = nullptr);
+    explicit MainWindow(WindowSeams windowSeams = {}, QWidget* parent = nullptr);
     ~MainWindow() override; ///< waits for the database thread; the ports end with the coordinator form
     Q_DISABLE_COPY_MOVE(MainWindow)
 

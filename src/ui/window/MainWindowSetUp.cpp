@@ -57,9 +57,10 @@ QDockWidget* newDock(const QString& objectName, const QString& title, QMainWindo
 
 } // namespace
 
-MainWindow::MainWindow(WindowSeams seams_, QWidget* parent)
-    : QMainWindow(parent), seams(std::move(seams_)), dialogs(seams.dialogs != nullptr ? *seams.dialogs : ownDialogs),
-      ui(std::make_unique<Ui::MainWindow>()), relayInfo(QSharedPointer<RelayInfo>::create()),
+MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
+    : QMainWindow(parent), seams(std::move(windowSeams)),
+      dialogs(seams.dialogs != nullptr ? *seams.dialogs : ownDialogs), ui(std::make_unique<Ui::MainWindow>()),
+      relayInfo(QSharedPointer<RelayInfo>::create()),
       device(new Device([this](const QString& title, const QString& text) { dialogs.critical(nullptr, title, text); },
                         this)),
       formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now}, &protocol_boot::parseAnswer, this)),
