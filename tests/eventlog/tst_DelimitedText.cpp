@@ -20,12 +20,11 @@ private:
     {
         auto model = std::make_unique<QStandardItemModel>();
         model->setHorizontalHeaderLabels({QStringLiteral("A"), QStringLiteral("Level, dB"), QStringLiteral("C")});
-        for (const QStringList& row : rows) {
-            QList<QStandardItem*> items;
-            for (const QString& cell : row) {
-                items.append(new QStandardItem(cell));
+        model->setRowCount(rows.size());
+        for (int row = 0; row < rows.size(); ++row) {
+            for (int column = 0; column < rows.at(row).size(); ++column) {
+                model->setItem(row, column, new QStandardItem(rows.at(row).at(column)));
             }
-            model->appendRow(items);
         }
         return model;
     }

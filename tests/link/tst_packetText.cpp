@@ -114,9 +114,8 @@ void tst_packetText::everyRequestIsRecognised()
         QVERIFY(words.last().endsWith(QLatin1String("right")));
         QVERIFY(!words.first().contains(QLatin1String("not known")));
     }
-    QByteArray unknown;
     const QByteArray bytes = Protocol::requestBusyChannels(1, 9).request();
-    QCOMPARE(packettext::requestInWords(bytes).first(), QStringLiteral("No request"));
+    QCOMPARE(packettext::requestInWords(bytes).constFirst(), QStringLiteral("No request"));
     QCOMPARE(Protocol::requestType(hex("c186010001992be8")), 0);
     QCOMPARE(Protocol::requestType(QByteArray()), 0);
 }
@@ -178,13 +177,14 @@ void tst_packetText::packetsOfTheBootloaderAreToldInWords()
     QCOMPARE(request.mid(0, 3), QStringList({QStringLiteral("Request to the bootloader"), QStringLiteral("code 01"),
                                              QStringLiteral("data, 2 bytes: 02 03")}));
     QVERIFY(request.last().endsWith(QLatin1String("right")));
-    QCOMPARE(packettext::answerInWords(hex("00") + packet, packet).first(), QStringLiteral("Answer of the bootloader"));
+    QCOMPARE(packettext::answerInWords(hex("00") + packet, packet).constFirst(),
+             QStringLiteral("Answer of the bootloader"));
     packet[3] = 7;
-    QVERIFY(packettext::requestInWords(packet).last().endsWith(QLatin1String("WRONG")));
-    QCOMPARE(packettext::requestInWords(hex("fa0901")).last(), QStringLiteral("incomplete"));
-    QCOMPARE(packettext::requestInWords(hex("fa")).last(), QStringLiteral("incomplete"));
-    QCOMPARE(packettext::requestInWords(hex("fa0201")).last(), QStringLiteral("a length that can't be"));
-    QCOMPARE(packettext::answerInWords(hex("0102"), packet).last(), QStringLiteral("no start byte"));
+    QVERIFY(packettext::requestInWords(packet).constLast().endsWith(QLatin1String("WRONG")));
+    QCOMPARE(packettext::requestInWords(hex("fa0901")).constLast(), QStringLiteral("incomplete"));
+    QCOMPARE(packettext::requestInWords(hex("fa")).constLast(), QStringLiteral("incomplete"));
+    QCOMPARE(packettext::requestInWords(hex("fa0201")).constLast(), QStringLiteral("a length that can't be"));
+    QCOMPARE(packettext::answerInWords(hex("0102"), packet).constLast(), QStringLiteral("no start byte"));
 }
 
 void tst_packetText::noBytesAreTooMuch()

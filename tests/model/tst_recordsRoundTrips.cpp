@@ -84,8 +84,9 @@ void tst_recordsRoundTrips::randomScriptRecordsComeBackNormalized()
 {
     RandomModel random(1);
     RandomModel::addTerminalTypes(*model);
+    QByteArrayList records;
     for (int seen = 0; seen < 20000; seen += 32) {
-        QByteArrayList records;
+        records.clear();
         for (int number = 0; number < 32; ++number) {
             records.append(random.bytes(22));
             records.last()[0] = char((records.constLast().at(0) & 0xE0) | number);

@@ -12,6 +12,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <initializer_list>
+
 namespace
 {
 
@@ -96,8 +98,7 @@ QWidget* LogFindBar::makeLimits()
     QHBoxLayout* const layout = rowLayout(row);
     hasFirstDay->setObjectName(QStringLiteral("checkBoxFirstDay"));
     hasLastDay->setObjectName(QStringLiteral("checkBoxLastDay"));
-    for (QWidget* const widget : {static_cast<QWidget*>(hasFirstDay), static_cast<QWidget*>(firstDay),
-                                  static_cast<QWidget*>(hasLastDay), static_cast<QWidget*>(lastDay)}) {
+    for (QWidget* const widget : std::initializer_list<QWidget*>{hasFirstDay, firstDay, hasLastDay, lastDay}) {
         layout->addWidget(widget);
     }
     layout->addStretch();

@@ -17,6 +17,8 @@
 #include <QToolTip>
 #include <QVBoxLayout>
 
+#include <initializer_list>
+
 /// What the user hands on of the packets, and what a packet says of itself.
 class tst_PacketTools : public QObject
 {
@@ -96,8 +98,7 @@ void tst_PacketTools::init()
     auto* const stop = new QPushButton;
     auto* const clear = new QPushButton;
     auto* const periodic = new QCheckBox;
-    for (QWidget* const widget : {static_cast<QWidget*>(table), static_cast<QWidget*>(stop),
-                                  static_cast<QWidget*>(clear), static_cast<QWidget*>(periodic)}) {
+    for (QWidget* const widget : std::initializer_list<QWidget*>{table, stop, clear, periodic}) {
         layout->addWidget(widget);
     }
     logger = std::make_unique<PacketLogger>(table, stop, clear, periodic);
