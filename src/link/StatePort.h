@@ -5,7 +5,7 @@
 
 /// What is known about a serial port and the coordinator behind it. A Transmitter reports the states of the port itself
 /// (0 to 4 and 8); the Port above it adds those of the coordinator (5 to 7).
-enum StatePort
+enum StatePort : int
 {
     StateConnecting = 0,
     StateCreateError = 1,

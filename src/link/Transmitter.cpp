@@ -115,7 +115,7 @@ void Transmitter::sl_ClosePort(Transmitter* receiver)
         return;
     }
     Q_ASSERT(QThread::currentThread() == thread());
-    if (port->isOpen()) {
+    if (port != nullptr && port->isOpen()) {
         port->close();
     }
     setState(StatePortDisabled);
