@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/EventRecorder.h"
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
 #include "link/InventedPorts.h"
@@ -11,14 +12,12 @@
 #include <QTableWidget>
 #include <QVector>
 
-#include <algorithm>
-
 /// A coordinator form over ports that the test names, with everything that it emits, in order, one line each, and with
 /// the parts of its table at hand.
 ///
 /// As long as the event loop doesn't run, nothing that a worker does reaches the form: a test that stays out of the
 /// event loop is alone with it.
-class FormRecorder : public QObject
+class FormRecorder : public EventRecorder
 {
 public:
     struct Sent
@@ -52,44 +51,17 @@ public:
                                       .arg(address)
                                       .arg(serial, version));
                 });
-        connect(&form, &Choice::sig_sendEnableOperationOnForm, this,
-                [this](bool enable) { events.append(QStringLiteral("enable %1").arg(enable)); });
-        connect(&form, &Choice::sig_sendReadConfigOnForm, this, [this](const QByteArrayList& list) {
-            outputs = list;
-            events.append(QStringLiteral("outputs %1").arg(list.size()));
-        });
-        connect(&form, &Choice::sig_sendReadScriptOnForm, this, [this](const QByteArrayList& list) {
-            scripts = list;
-            events.append(QStringLiteral("scripts %1").arg(list.size()));
-        });
-        connect(&form, &Choice::sig_sendReadLogOnForm, this, [this](const QByteArrayList& list, bool end) {
-            logRecords.append(list);
-            events.append(QStringLiteral("log %1 %2").arg(list.size()).arg(end));
-        });
-        connect(&form, &Choice::sig_ReadLogNotNeccessary, this,
-                [this] { events.append(QStringLiteral("log not necessary")); });
-        connect(&form, &Choice::sig_sendListTerminalsOnForm, this, [this](const QByteArrayList& list) {
-            terminals = list;
-            events.append(QStringLiteral("terminals %1").arg(list.size()));
-        });
-        connect(&form, &Choice::sig_sendDeviceTimeOnForm, this, [this](const QString& time, bool correct) {
-            events.append(QStringLiteral("time %1 %2").arg(correct).arg(time));
-        });
-        connect(&form, &Choice::sig_sendResultOperation, this,
-                [this](const QString& result) { events.append(QStringLiteral("result ") + result); });
-        connect(&form, &Choice::sig_sendAnswerFirmWare, this, [this](const message& answer) {
-            events.append(QStringLiteral("firmware %1 %2").arg(answer.requestType()).arg(answer.bootType()));
-        });
+        connect(&form, &Choice::sig_sendEnableOperationOnForm, this, &FormRecorder::recordEnabling);
+        connect(&form, &Choice::sig_sendReadConfigOnForm, this, &FormRecorder::recordOutputs);
+        connect(&form, &Choice::sig_sendReadScriptOnForm, this, &FormRecorder::recordScripts);
+        connect(&form, &Choice::sig_sendReadLogOnForm, this, &FormRecorder::recordLog);
+        connect(&form, &Choice::sig_ReadLogNotNeccessary, this, &FormRecorder::recordLogNotNecessary);
+        connect(&form, &Choice::sig_sendListTerminalsOnForm, this, &FormRecorder::recordTerminals);
+        connect(&form, &Choice::sig_sendDeviceTimeOnForm, this, &FormRecorder::recordTime);
+        connect(&form, &Choice::sig_sendResultOperation, this, &FormRecorder::recordResult);
+        connect(&form, &Choice::sig_sendAnswerFirmWare, this, &FormRecorder::recordFirmware);
         listening = true;
         form.sl_updatePortList();
-    }
-
-    /// The events since the last call.
-    QStringList take()
-    {
-        QStringList taken;
-        taken.swap(events);
-        return taken;
     }
 
     /// Answers the search of a row, so that its coordinator is found at this address.
@@ -110,17 +82,6 @@ public:
             const Sent asked = sent.takeFirst();
             form.sl_receiveAnswer(asked.receiver, suitableAnswer(asked.request));
         }
-    }
-
-    int count(const QString& beginning) const
-    {
-        return int(std::count_if(events.cbegin(), events.cend(),
-                                 [&beginning](const QString& event) { return event.startsWith(beginning); }));
-    }
-
-    bool has(const QString& beginning) const
-    {
-        return count(beginning) != 0;
     }
 
     QTableWidget* table() const
@@ -173,12 +134,7 @@ public:
 
     QStringList names; ///< may change at any time
     QVector<Transmitter*> transmitters;
-    QStringList events;
     QVector<Sent> sent;
-    QByteArrayList outputs;
-    QByteArrayList scripts;
-    QByteArrayList logRecords;
-    QByteArrayList terminals;
 
 private:
     CoordinatorSeams withPorts(CoordinatorSeams seams)

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "EventRecorder.h"
 #include "InventedPorts.h"
 #include "link/CoordinatorLink.h"
-
-#include <algorithm>
 
 /// Answers the search of a port, so that its coordinator is found at this address.
 inline void letFind(Port* port, quint8 address = 1, int baudrate = 57600)
@@ -19,7 +18,7 @@ inline void letFind(Port* port, quint8 address = 1, int baudrate = 57600)
 ///
 /// As long as the event loop doesn't run, nothing that a worker does reaches the link: a test that stays out of the
 /// event loop is alone with it.
-class LinkRecorder : public QObject
+class LinkRecorder : public EventRecorder
 {
 public:
     struct Sent
@@ -37,25 +36,6 @@ public:
         recordBusyState();
         recordResults();
         link.start();
-    }
-
-    /// The events since the last call.
-    QStringList take()
-    {
-        QStringList taken;
-        taken.swap(events);
-        return taken;
-    }
-
-    int count(const QString& beginning) const
-    {
-        return int(std::count_if(events.cbegin(), events.cend(),
-                                 [&beginning](const QString& event) { return event.startsWith(beginning); }));
-    }
-
-    bool has(const QString& beginning) const
-    {
-        return count(beginning) != 0;
     }
 
     Port* port(int index = 0) const
@@ -92,12 +72,7 @@ public:
     }
 
     QStringList names; ///< may change at any time
-    QStringList events;
     QVector<Sent> sent;
-    QByteArrayList outputs;
-    QByteArrayList scripts;
-    QByteArrayList logRecords;
-    QByteArrayList terminals;
     bool isBusy = false;
     QString busyText;
     int busyMaximum = -1;
@@ -135,8 +110,7 @@ private:
             const Port& current = *link.currentPort();
             events.append(QStringLiteral("status %1 %2 ").arg(int(status)).arg(current.name()) + identityOf(current));
         });
-        connect(&link, &Link::operationsEnabled, this,
-                [this](bool enable) { events.append(QStringLiteral("enable %1").arg(enable)); });
+        connect(&link, &Link::operationsEnabled, this, &LinkRecorder::recordEnabling);
     }
 
     void recordBusyState()
@@ -157,31 +131,14 @@ private:
     void recordResults()
     {
         using Link = CoordinatorLink;
-        connect(&link, &Link::outputsRead, this, [this](const QByteArrayList& list) {
-            outputs = list;
-            events.append(QStringLiteral("outputs %1").arg(list.size()));
-        });
-        connect(&link, &Link::scriptsRead, this, [this](const QByteArrayList& list) {
-            scripts = list;
-            events.append(QStringLiteral("scripts %1").arg(list.size()));
-        });
-        connect(&link, &Link::logRead, this, [this](const QByteArrayList& list, bool end) {
-            logRecords.append(list);
-            events.append(QStringLiteral("log %1 %2").arg(list.size()).arg(end));
-        });
-        connect(&link, &Link::logNotNecessary, this, [this] { events.append(QStringLiteral("log not necessary")); });
-        connect(&link, &Link::terminalsFound, this, [this](const QByteArrayList& list) {
-            terminals = list;
-            events.append(QStringLiteral("terminals %1").arg(list.size()));
-        });
-        connect(&link, &Link::deviceTimeRead, this, [this](const QString& time, bool correct) {
-            events.append(QStringLiteral("time %1 %2").arg(correct).arg(time));
-        });
-        connect(&link, &Link::resultReady, this,
-                [this](const QString& result) { events.append(QStringLiteral("result ") + result); });
-        connect(&link, &Link::firmwareAnswered, this, [this](const message& answer) {
-            events.append(QStringLiteral("firmware %1 %2").arg(answer.requestType()).arg(answer.bootType()));
-        });
+        connect(&link, &Link::outputsRead, this, &LinkRecorder::recordOutputs);
+        connect(&link, &Link::scriptsRead, this, &LinkRecorder::recordScripts);
+        connect(&link, &Link::logRead, this, &LinkRecorder::recordLog);
+        connect(&link, &Link::logNotNecessary, this, &LinkRecorder::recordLogNotNecessary);
+        connect(&link, &Link::terminalsFound, this, &LinkRecorder::recordTerminals);
+        connect(&link, &Link::deviceTimeRead, this, &LinkRecorder::recordTime);
+        connect(&link, &Link::resultReady, this, &LinkRecorder::recordResult);
+        connect(&link, &Link::firmwareAnswered, this, &LinkRecorder::recordFirmware);
     }
 
 public:
