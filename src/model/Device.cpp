@@ -78,6 +78,11 @@ Device::Device(Reporter errorReporter, QObject* parent) : QObject(parent), repor
     readCatalogue();
 }
 
+Device::Device(Files keptFiles, QObject* parent) : QObject(parent), files(keptFiles)
+{
+    readCatalogue();
+}
+
 int Device::deviceCount() const
 {
     return records.size();
@@ -99,8 +104,13 @@ QVariantList Device::deviceRow(int index) const
 
 void Device::readCatalogue()
 {
+    records.clear();
     if (QFile::exists(usedFile())) {
-        readRecords();
+        readFile();
+    } else if (files == Files::ReadOnly) {
+        QString text = catalogue::english();
+        QTextStream stream(&text, QIODevice::ReadOnly);
+        readRecords(stream);
     } else {
         writeCatalogue();
     }
@@ -112,15 +122,14 @@ void Device::writeCatalogue()
     writeFile(usedFile(), catalogue::english());
     records.clear();
     if (QFile::exists(usedFile())) {
-        readRecords();
+        readFile();
     } else {
         qDebug().noquote() << "RELAY : Device : (WARNING) file of devices can't be written, there are no models";
     }
 }
 
-void Device::readRecords()
+void Device::readFile()
 {
-    records.clear();
     QFile file(usedFile());
     if (!file.open(QIODevice::ReadOnly)) {
         const QString title = texts::wordError() + QLatin1Char(' ') + usedFile();
@@ -133,6 +142,11 @@ void Device::readRecords()
     }
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
+    readRecords(stream);
+}
+
+void Device::readRecords(QTextStream& stream)
+{
     QString line;
     while (stream.readLineInto(&line)) {
         DeviceRecord record;

@@ -10,6 +10,8 @@
 
 #include <functional>
 
+class QTextStream;
+
 /// One model of the catalogue.
 struct DeviceRecord : TerminalIdentity
 {
@@ -20,7 +22,7 @@ struct DeviceRecord : TerminalIdentity
 /// The catalogue of models, kept in "Devices_EN.csv" in the working directory so that a service engineer can add a
 /// model with a text editor. If the file is missing, the built-in table is written and read.
 ///
-/// The main window owns the one instance; it lives on the GUI thread.
+/// The main window owns its one instance. It lives on the thread that created it.
 class Device : public QObject
 {
     Q_OBJECT
@@ -29,9 +31,17 @@ public:
     /// Shows an error to the user: title and text of a message box.
     using Reporter = std::function<void(const QString& title, const QString& text)>;
 
+    /// What becomes of a file that is missing.
+    enum class Files
+    {
+        Kept,     ///< it is written
+        ReadOnly, ///< nothing; the built-in table serves
+    };
+
     /// Without a reporter an error goes to the debug stream alone.
     explicit Device(QObject* parent = nullptr);
     explicit Device(Reporter errorReporter, QObject* parent = nullptr);
+    explicit Device(Files keptFiles, QObject* parent = nullptr);
 
     int deviceCount() const;
 
@@ -43,8 +53,10 @@ public:
     void writeCatalogue(); ///< writes both built-in files, then reads the one that is used
 
 private:
-    void readRecords();
+    void readFile();
+    void readRecords(QTextStream& stream);
 
+    const Files files = Files::Kept;
     Reporter reportError;
     QList<DeviceRecord> records;
 };

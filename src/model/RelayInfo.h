@@ -12,6 +12,8 @@
 #include <QString>
 #include <QStringList>
 
+class Device;
+
 /// The configuration model: the head unit and its terminals, their outputs, the 32 scripts, and the lookup tables from
 /// which every parameter takes its value, text, icon and colour.
 ///
@@ -86,6 +88,9 @@ public:
     /// Appends a terminal type and sorts the list by label; with first set the list is begun anew.
     void addTerminalType(bool first, const QString& name, quint8 terminalClass, quint8 version, quint8 type,
                          quint8 characteristic, const QStringList& outputs);
+
+    /// Fills the list of terminal types with the models of a catalogue. An empty one leaves it as it is.
+    void setCatalogue(const Device& catalogue);
 
     void resetGroups(bool headUnitOnly); ///< the head unit, and unless told otherwise the connected class 2 terminals
     void resetScripts();                 ///< every script back to its defaults, in place

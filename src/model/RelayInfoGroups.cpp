@@ -1,5 +1,6 @@
 // The model's groups, outputs, scripts and terminal types: how they are made, reset and removed.
 
+#include "model/Device.h"
 #include "model/RelayInfo.h"
 #include "model/firstOf.h"
 #include "model/format.h"
@@ -102,6 +103,15 @@ void RelayInfo::removeDisconnectedGroups()
 void RelayInfo::removeIdleGroups()
 {
     removeTerminals(groupList, [](const GroupRelayPtr& group) { return !group->connected && isIdle(*group); });
+}
+
+void RelayInfo::setCatalogue(const Device& catalogue)
+{
+    for (int index = 0; index < catalogue.deviceCount(); ++index) {
+        const QVariantList row = catalogue.deviceRow(index);
+        addTerminalType(index == 0, row.at(0).toString(), row.at(1).value<quint8>(), row.at(2).value<quint8>(),
+                        row.at(3).value<quint8>(), row.at(4).value<quint8>(), row.at(5).toStringList());
+    }
 }
 
 void RelayInfo::addTerminalType(bool first, const QString& name, quint8 terminalClass, quint8 version, quint8 type,

@@ -105,17 +105,13 @@ void MainWindow::setUpWindow()
 
 void MainWindow::offerTerminalTypes()
 {
+    relayInfo->setCatalogue(*device);
     formAddingTerminal = new FormAddingTerminal(relayInfo, this);
     bool firstExecutive = true;
     for (int index = 0; index < device->deviceCount(); ++index) {
         const QVariantList row = device->deviceRow(index);
-        const QString name = row.at(0).toString();
-        const auto terminalClass = row.at(1).value<quint8>();
-        const QStringList outputs = row.at(5).toStringList();
-        relayInfo->addTerminalType(index == 0, name, terminalClass, row.at(2).value<quint8>(),
-                                   row.at(3).value<quint8>(), row.at(4).value<quint8>(), outputs);
-        if (terminalClass == ExecutiveClass) {
-            formAddingTerminal->addTerminal(firstExecutive, name, outputs);
+        if (row.at(1).value<quint8>() == ExecutiveClass) {
+            formAddingTerminal->addTerminal(firstExecutive, row.at(0).toString(), row.at(5).toStringList());
             firstExecutive = false;
         }
     }

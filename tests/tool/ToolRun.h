@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tool/Console.h"
+#include "tool/ToolProgram.h"
+
+#include <QBuffer>
+#include <QJsonDocument>
+
+/// One command line of the tool, run in this process, and what came of it.
+struct ToolRun
+{
+    explicit ToolRun(const QStringList& arguments, bool live = false)
+    {
+        QBuffer resultBuffer;
+        QBuffer errorBuffer;
+        resultBuffer.open(QIODevice::WriteOnly);
+        errorBuffer.open(QIODevice::WriteOnly);
+        {
+            Console console(resultBuffer, errorBuffer, live);
+            exitCode = runTool(QStringList{QStringLiteral("hubn-tool")} + arguments, console);
+        }
+        results = QString::fromUtf8(resultBuffer.data());
+        errors = QString::fromUtf8(errorBuffer.data());
+    }
+
+    QJsonDocument json() const
+    {
+        return QJsonDocument::fromJson(results.toUtf8());
+    }
+
+    ExitCode exitCode = ExitCode::Done;
+    QString results; ///< standard output
+    QString errors;  ///< standard error
+};

@@ -1,0 +1,78 @@
+#include "tool/Console.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+
+Console::Console(QIODevice& results, QIODevice& errors, bool live)
+    : resultStream(&results), errorStream(&errors), isLive(live)
+{
+    resultStream.setCodec("UTF-8");
+    errorStream.setCodec("UTF-8");
+}
+
+Console::~Console()
+{
+    endProgress();
+}
+
+void Console::setQuiet(bool on)
+{
+    isQuiet = on;
+}
+
+void Console::setJson(bool on)
+{
+    hasJson = on;
+}
+
+bool Console::isJson() const
+{
+    return hasJson;
+}
+
+void Console::result(const QString& line)
+{
+    endProgress();
+    resultStream << line << Qt::endl;
+}
+
+void Console::result(const QJsonDocument& document)
+{
+    endProgress();
+    resultStream << QString::fromUtf8(document.toJson()) << Qt::flush;
+}
+
+void Console::note(const QString& line)
+{
+    if (!isQuiet) {
+        endProgress();
+        errorStream << line << Qt::endl;
+    }
+}
+
+void Console::error(const QString& line)
+{
+    endProgress();
+    errorStream << QCoreApplication::applicationName() << ": " << line << Qt::endl;
+}
+
+void Console::progress(const QString& text, int value, int maximum)
+{
+    if (!isLive || isQuiet) {
+        return;
+    }
+    const QString share = maximum > 0 ? QStringLiteral(" %1 %").arg(qMin(value, maximum) * 100 / maximum) : QString();
+    const QString line = text + share;
+    if (line != shownProgress) {
+        errorStream << "\r\033[K" << line << Qt::flush;
+        shownProgress = line;
+    }
+}
+
+void Console::endProgress()
+{
+    if (!shownProgress.isEmpty()) {
+        errorStream << "\r\033[K" << Qt::flush;
+        shownProgress.clear();
+    }
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QTextStream>
+
+class QIODevice;
+class QJsonDocument;
+
+/// Where a command tells what it has to tell: results on one stream, all else on the other.
+///
+/// main() owns the one of the program, over the standard streams; a test has one over buffers. One thread.
+class Console
+{
+public:
+    /// With `live` a terminal reads the errors: progress is shown there, on one line that is written anew.
+    Console(QIODevice& results, QIODevice& errors, bool live);
+    ~Console();
+    Q_DISABLE_COPY_MOVE(Console)
+
+    void setQuiet(bool on); ///< no notes, no progress
+    void setJson(bool on);
+
+    /// Whether results go out as one JSON document for each command, and not as lines.
+    bool isJson() const;
+
+    void result(const QString& line);
+    void result(const QJsonDocument& document);
+
+    /// A line beside the result.
+    void note(const QString& line);
+
+    /// Why something wasn't done; told also when quiet.
+    void error(const QString& line);
+
+    /// How far long work is. A maximum of 0 says that nobody knows.
+    void progress(const QString& text, int value, int maximum);
+    void endProgress();
+
+private:
+    QTextStream resultStream;
+    QTextStream errorStream;
+    const bool isLive;
+    bool isQuiet = false;
+    bool hasJson = false;
+    QString shownProgress;
+};

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "tool/Command.h"
+
+// One function for each command, in the file that is named after it.
+Command checkCommand();
