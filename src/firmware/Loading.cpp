@@ -1,8 +1,5 @@
 #include "firmware/Loading.h"
 
-#include "domain/terminals.h"
-#include "firmware/protocol_boot.h"
-#include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
 #include "ui_Loading.h"
 #include "widgets/Look.h"
@@ -23,41 +20,34 @@ QString failedBarStyle()
         .arg(look::rgba(QColor(255, 200, 0)), look::rgba(QColor(255, 0, 0)));
 }
 
-bool hasSucceeded(const message& mess)
+QString failureText(FirmwareLoad::End end)
 {
-    const bool accepted =
-        mess.answerCode() == protocol_boot::Accepted || mess.answerCode() == protocol_boot::AcceptedToo;
-    return mess.isValid() && !mess.timedOut() && !mess.portFailed() && accepted;
-}
-
-bool carriesImage(const message& mess)
-{
-    return mess.bootType() == protocol_boot::ImageHead || mess.bootType() == protocol_boot::FullBlock ||
-           mess.bootType() == protocol_boot::LastBlock;
-}
-
-QString failureText(const message& mess)
-{
-    if (mess.portFailed()) {
+    switch (end) {
+    case FirmwareLoad::End::PortError:
         return texts::firmwarePortError();
-    }
-    if (mess.timedOut()) {
+    case FirmwareLoad::End::NotResponding:
         return texts::firmwareNotResponding();
+    case FirmwareLoad::End::WriteError:
+        return texts::firmwareWriteError();
+    default:
+        return texts::firmwareProgrammingError();
     }
-    return mess.answerCode() == protocol_boot::WriteError ? texts::firmwareWriteError()
-                                                          : texts::firmwareProgrammingError();
 }
 
 } // namespace
 
 Loading::Loading(QWidget* parent)
     : QDialog(parent, Qt::Window | Qt::WindowTitleHint | Qt::MSWindowsFixedSizeDialogHint),
-      ui(std::make_unique<Ui::Loading>()), protocol(new protocol_boot(this))
+      ui(std::make_unique<Ui::Loading>()), load(new FirmwareLoad(this))
 {
     ui->setupUi(this);
     setWindowTitle(texts::firmwareTitle());
     setAttribute(Qt::WA_DeleteOnClose);
     ui->labelFileName->setElideMode(Qt::ElideMiddle);
+    connect(load, &FirmwareLoad::requestReady, this, &Loading::sig_SendMessage);
+    connect(load, &FirmwareLoad::stepDone, this,
+            [this] { ui->progressBar->setValue(qMin(ui->progressBar->value() + 1, ui->progressBar->maximum())); });
+    connect(load, &FirmwareLoad::ended, this, &Loading::showEnd);
 }
 
 Loading::~Loading() = default;
@@ -65,34 +55,15 @@ Loading::~Loading() = default;
 void Loading::setParameters(quint8 newAddress, int newBaudrate, const QString& newFileName,
                             const QByteArray& newFirmware)
 {
-    address = newAddress == noCoordinator ? 0 : newAddress;
+    address = newAddress;
     baudrate = newBaudrate;
     fileName = newFileName;
-    firmware = newFirmware;
+    load->setImage(newFirmware);
 }
 
 void Loading::sl_receiveMessage(const message& mess)
 {
-    // After an abort and a repeat the answer to a request of the former run may still be under way.
-    if (finished || mess.requestType() != awaitedRequestType || mess.bootType() != awaitedBootType) {
-        return;
-    }
-    if (mess.requestType() == protocol_HUBN_NX_Q::Switch_To_Boot) {
-        // Whatever the answer: a unit that keeps silent may be in its bootloader already.
-        send(protocol->takeNextRequest());
-        return;
-    }
-    const bool succeeded = hasSucceeded(mess);
-    if (!succeeded && mess.hasAttempts()) {
-        message again = mess;
-        again.prepareRetry();
-        send(again);
-    } else if (succeeded || !carriesImage(mess)) {
-        // The commands around the image may go unanswered.
-        finishStep();
-    } else {
-        endWithError(failureText(mess));
-    }
+    load->takeAnswer(mess);
 }
 
 void Loading::on_ButtonAbort_clicked()
@@ -100,7 +71,7 @@ void Loading::on_ButtonAbort_clicked()
     if (ui->ButtonAbort->text() == texts::buttonClose()) {
         close();
     } else {
-        endWithError(texts::firmwareAborted());
+        load->abort();
     }
 }
 
@@ -111,16 +82,14 @@ void Loading::on_ButtonRepeat_clicked()
 
 void Loading::reject()
 {
-    if (!finished) {
-        endWithError(texts::firmwareAborted());
-    }
+    load->abort();
     QDialog::reject();
 }
 
 void Loading::keyPressEvent(QKeyEvent* event)
 {
     // A key that slips in must not leave the unit with half an image.
-    if (finished || !event->matches(QKeySequence::Cancel)) {
+    if (!load->isRunning() || !event->matches(QKeySequence::Cancel)) {
         QDialog::keyPressEvent(event);
     }
 }
@@ -136,51 +105,37 @@ void Loading::showEvent(QShowEvent* event)
 
 void Loading::startRun()
 {
-    protocol->setFirmware(firmware);
     ui->labelFileName->setText(fileName);
     ui->ButtonAbort->setText(texts::buttonAbort());
     ui->ButtonRepeat->hide();
     ui->progressBar->setAlignment(Qt::AlignCenter);
     ui->progressBar->setStyleSheet(QStringLiteral("color: black"));
     ui->progressBar->setFormat(texts::firmwareProgramming() + QStringLiteral(" %p%"));
-    ui->progressBar->setMaximum(protocol->requestCount());
+    ui->progressBar->setMaximum(load->stepCount());
     ui->progressBar->setValue(0);
-    finished = false;
-
-    message enterBoot = protocol_HUBN_NX_Q::requestSwitchToBoot(address);
-    enterBoot.setBaudrate(baudrate);
-    send(enterBoot);
+    load->start(address, baudrate);
     emit sig_SendResultOperation(texts::resultFirmwareStarted());
 }
 
-void Loading::send(const message& mess)
+void Loading::showEnd(FirmwareLoad::End end)
 {
-    awaitedRequestType = mess.requestType();
-    awaitedBootType = mess.bootType();
-    emit sig_SendMessage(mess);
-}
-
-void Loading::finishStep()
-{
-    ui->progressBar->setValue(qMin(ui->progressBar->value() + 1, ui->progressBar->maximum()));
-    if (protocol->hasRequests()) {
-        send(protocol->takeNextRequest());
-    } else {
+    if (end == FirmwareLoad::End::Completed) {
         endWell();
+    } else if (end == FirmwareLoad::End::Aborted) {
+        endWithError(texts::firmwareAborted(), texts::resultFirmwareAborted());
+    } else {
+        endWithError(failureText(end), texts::resultFirmwareError());
     }
 }
 
-void Loading::endWithError(const QString& text)
+void Loading::endWithError(const QString& text, const QString& result)
 {
     ui->progressBar->setFormat(text);
     ui->progressBar->setValue(ui->progressBar->maximum());
     ui->progressBar->setStyleSheet(failedBarStyle());
-    const bool aborted = text == texts::firmwareAborted();
-    const QString result = aborted ? texts::resultFirmwareAborted() : texts::resultFirmwareError();
     emit sig_SendResultOperation(result + QLatin1Char('\n') + fileName);
     ui->ButtonAbort->setText(texts::buttonClose());
     ui->ButtonRepeat->show();
-    finished = true;
 }
 
 void Loading::endWell()
@@ -190,6 +145,5 @@ void Loading::endWell()
     ui->progressBar->setStyleSheet(QStringLiteral("color: black; font-weight:bold;"));
     emit sig_SendResultOperation(texts::resultFirmwareCompleted() + QLatin1Char('\n') + fileName);
     ui->ButtonAbort->setText(texts::buttonClose());
-    finished = true;
     on_ButtonAbort_clicked();
 }

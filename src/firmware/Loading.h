@@ -1,14 +1,12 @@
 #pragma once
 
-#include "link/message.h"
+#include "firmware/FirmwareLoad.h"
 
 #include <QByteArray>
 #include <QDialog>
 #include <QString>
 
 #include <memory>
-
-class protocol_boot;
 
 QT_BEGIN_NAMESPACE
 namespace Ui
@@ -17,12 +15,11 @@ class Loading;
 }
 QT_END_NAMESPACE
 
-/// The dialog that sends a firmware image to the head unit's bootloader and shows how far it is.
+/// The dialog of a firmware load: it shows how far the load is.
 ///
-/// A run begins when the dialog appears and asks the unit to enter its bootloader first; then the bootloader's requests
-/// follow, each after the answer to the one before and each at most four times. A run that went well closes the dialog;
-/// one that failed or was aborted leaves it open, and the user may begin again from the start. Closing the dialog in
-/// the middle of a run is an abort; the Escape key does nothing then.
+/// A load begins when the dialog appears. One that went well closes the dialog; one that failed or was aborted leaves
+/// it open, and the user may begin again from the start. Closing the dialog in the middle of a load is an abort; the
+/// Escape key does nothing then.
 ///
 /// Created on the GUI thread for one load, run with exec(), and deleted when it closes. It knows neither port nor
 /// worker: requests leave by sig_SendMessage, and sl_receiveMessage takes the answers.
@@ -57,18 +54,13 @@ protected:
 
 private:
     void startRun();
-    void send(const message& mess);
-    void finishStep();
-    void endWithError(const QString& text);
+    void showEnd(FirmwareLoad::End end);
+    void endWithError(const QString& text, const QString& result);
     void endWell();
 
     std::unique_ptr<Ui::Loading> ui;
-    QByteArray firmware;
+    FirmwareLoad* load;
     QString fileName;
-    protocol_boot* protocol;
     quint8 address = 0;
     int baudrate = 0;
-    bool finished = true; ///< no run is on; answers that come then change nothing
-    int awaitedRequestType = 0;
-    int awaitedBootType = 0;
 };
