@@ -60,4 +60,5 @@ void ConfigurationWriting::finish()
                      outcome(texts::resultWriteScriptsOk(), texts::resultWriteScriptsErrors(), errorsScript));
     errorsConfig = 0;
     errorsScript = 0;
+    emit written();
 }

@@ -18,6 +18,10 @@ public:
     bool handles(int requestType) const override;
     void takeAnswer(const message& answer, bool failed) override;
 
+signals:
+    /// After the last script.
+    void written();
+
 private:
     /// Sends the next record; false if both queues are empty.
     bool sendNext();

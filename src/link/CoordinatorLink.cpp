@@ -75,6 +75,8 @@ void CoordinatorLink::connectOperations()
     connect(terminalSearch, &TerminalSearch::terminalsFound, this, &CoordinatorLink::terminalsFound);
     connect(configurationReading, &ConfigurationReading::outputsRead, this, &CoordinatorLink::outputsRead);
     connect(configurationReading, &ConfigurationReading::scriptsRead, this, &CoordinatorLink::scriptsRead);
+    connect(configurationWriting, &ConfigurationWriting::written, this, &CoordinatorLink::configurationWritten);
+    connect(logReading, &LogReading::announced, this, &CoordinatorLink::logAnnounced);
     connect(logReading, &LogReading::recordsRead, this, &CoordinatorLink::logRead);
     connect(logReading, &LogReading::incomplete, this, &CoordinatorLink::logIncomplete);
     connect(logReading, &LogReading::notNecessary, this, &CoordinatorLink::logNotNecessary);
@@ -127,7 +129,7 @@ void CoordinatorLink::addPort(const QString& name)
     connect(port, &Port::coordinatorSeen, this, [this, port] {
         // The first coordinator found is chosen without the user, though not over the dialogs of a load: the watch
         // comes back to it after them.
-        if (current == nullptr && !isFirmwareAtHand) {
+        if (choosesFirst && current == nullptr && !isFirmwareAtHand) {
             emit foundFirst(port);
             choose(port);
         }
@@ -169,7 +171,11 @@ int CoordinatorLink::currentBaudrate() const
 void CoordinatorLink::choose(Port* port)
 {
     if (port != nullptr) {
-        makeCurrent(*port);
+        setCurrent(*port);
+        if (chosenAddress != noCoordinator) {
+            terminalSearch->start();
+        }
+        tellCurrent();
     }
     emit chosen(port);
     if (chosenAddress == noCoordinator) {
@@ -183,7 +189,18 @@ void CoordinatorLink::choose(Port* port)
     }
 }
 
-void CoordinatorLink::makeCurrent(Port& port)
+void CoordinatorLink::use(Port& port)
+{
+    setCurrent(port);
+    tellCurrent();
+}
+
+void CoordinatorLink::setChoosingFirst(bool on)
+{
+    choosesFirst = on;
+}
+
+void CoordinatorLink::setCurrent(Port& port)
 {
     if (current != nullptr) {
         disconnect(current->worker(), &Transmitter::sig_SendRequestInForm, this, nullptr);
@@ -200,11 +217,11 @@ void CoordinatorLink::makeCurrent(Port& port)
     for (DeviceOperation* const operation : operations) {
         operation->setCoordinator(chosenAddress);
     }
-    const bool hasCoordinator = chosenAddress != noCoordinator;
-    if (hasCoordinator) {
-        terminalSearch->start();
-    }
-    emit operationsEnabled(hasCoordinator);
+}
+
+void CoordinatorLink::tellCurrent()
+{
+    emit operationsEnabled(chosenAddress != noCoordinator);
     emit statusReported(PortStatus::NotWatched);
 }
 
@@ -245,11 +262,16 @@ void CoordinatorLink::answerTimeWritten(const message& answer)
     const bool arrived = !answer.timedOut() && !answer.portFailed() && answer.isValid();
     if (!arrived && answer.hasAttempts()) {
         resend(answer);
+    } else {
+        emit deviceTimeWritten(arrived && answer.answerCode() == 0);
     }
 }
 
 void CoordinatorLink::answerOperation(const message& answer)
 {
+    if (isAbandoned) {
+        return;
+    }
     const bool failed = step::isErrorAnswer(answer);
     if (failed) {
         // The name by which this line has always been found in the logs.
@@ -260,6 +282,7 @@ void CoordinatorLink::answerOperation(const message& answer)
             resend(answer);
             return;
         }
+        emit stepFailed(answer);
     }
     const auto* const operation =
         std::find_if(operations.begin(), operations.end(),
@@ -291,6 +314,16 @@ void CoordinatorLink::send(const message& request)
 }
 
 // Operations.
+
+void CoordinatorLink::abandonOperations()
+{
+    isAbandoned = true;
+}
+
+void CoordinatorLink::searchTerminals()
+{
+    terminalSearch->start();
+}
 
 void CoordinatorLink::readConfiguration()
 {

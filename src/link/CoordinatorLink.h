@@ -89,6 +89,12 @@ public:
     /// current one stays.
     void choose(Port* port);
 
+    /// Makes a port the current one, and no more.
+    void use(Port& port);
+
+    /// Whether the first coordinator that is found is chosen without the user, as it is from the beginning.
+    void setChoosingFirst(bool on);
+
     /// Makes the next log reading read the log even if its counter hasn't changed.
     void forceLogReading();
 
@@ -97,6 +103,12 @@ public:
     void loadFirmware(Port& port);
 
     // Operations of the current port.
+
+    /// Nothing more is sent for the operations at hand, and nothing more is told of them. A request on its way still
+    /// gets its answer (Port::answered). The link stays as it is then: no further operation can begin.
+    void abandonOperations();
+
+    void searchTerminals();
 
     /// Reads all outputs, then all scripts. The busy state stays for the receiver of the scripts to end.
     void readConfiguration();
@@ -153,11 +165,17 @@ signals:
     // Results. Those of the operations are what the operations say, see there.
     void outputsRead(const QByteArrayList& outputs);
     void scriptsRead(const QByteArrayList& scripts);
+    void configurationWritten();
+    void logAnnounced(int records); ///< so many events the unit has, before the first of them
     void logRead(const QByteArrayList& records, bool end);
     void logIncomplete();
     void logNotNecessary();
     void terminalsFound(const QByteArrayList& terminals);
     void deviceTimeRead(const QString& time, bool correct);
+    void deviceTimeWritten(bool accepted);
+
+    /// A step of an operation failed, its last attempt too.
+    void stepFailed(const message& answer);
     void resultReady(const QString& result);
     void firmwareAnswered(const message& answer);
 
@@ -166,7 +184,8 @@ private:
     QStringList portNames() const;
     QDateTime now() const;
     void addPort(const QString& name);
-    void makeCurrent(Port& port);
+    void setCurrent(Port& port);
+    void tellCurrent();
     void setFirmwarePort(Port* port);
     void takeAnswer(const Port* port, const message& answer);
     void answerDeviceTime(const message& answer);
@@ -182,6 +201,8 @@ private:
     Port* current = nullptr;
     quint8 chosenAddress = noCoordinator;
     int chosenBaudrate = 1200;
+    bool choosesFirst = true;
+    bool isAbandoned = false;     ///< the operations at hand are
     Port* firmwarePort = nullptr; ///< on which a firmware load runs
     FirmwareRunner firmwareRunner;
     bool isFirmwareAtHand = false; ///< the dialogs of a port's firmware load are open, that of its file among them

@@ -89,6 +89,7 @@ void LogReading::answerLogInfo(const message& answer)
     announcedRecords = std::max(0, logWrapped ? logCapacity : logCount);
     receivedRecords = 0;
     blockWasRepeated = false;
+    emit announced(announcedRecords);
     emit begun(texts::busyReadingLog(), 0, announcedRecords / recordsOfBlock);
     emit shown();
     emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), true));

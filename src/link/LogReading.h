@@ -31,6 +31,8 @@ public:
     void takeAnswer(const message& answer, bool failed) override;
 
 signals:
+    /// The log is about to be read, and has so many events.
+    void announced(int records);
     /// Records of 16 bytes; end marks the last call, which comes without records if the reading fails.
     void recordsRead(const QByteArrayList& records, bool end);
     /// The reading ends with an error. Comes before the last recordsRead().
