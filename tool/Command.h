@@ -2,12 +2,13 @@
 
 #include "tool/ExitCode.h"
 
+#include <QCommandLineOption>
 #include <QList>
 #include <QString>
 #include <QVector>
 
 class Console;
-class QCommandLineOption;
+
 class QCommandLineParser;
 
 /// One command of the tool. Each has a file of its own; commands() in ToolProgram.cpp lists them all.

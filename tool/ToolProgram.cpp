@@ -76,7 +76,8 @@ ExitCode helpOrRefuse(QCommandLineParser& parser, const QStringList& arguments, 
 
 const QVector<Command>& commands()
 {
-    static const QVector<Command> list{checkCommand()};
+    static const QVector<Command> list{portsCommand(), readCommand(), writeCommand(),   checkCommand(),
+                                       logCommand(),   timeCommand(), firmwareCommand()};
     return list;
 }
 

@@ -4,3 +4,9 @@
 
 // One function for each command, in the file that is named after it.
 Command checkCommand();
+Command firmwareCommand();
+Command logCommand();
+Command portsCommand();
+Command readCommand();
+Command timeCommand();
+Command writeCommand();

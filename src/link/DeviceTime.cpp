@@ -18,6 +18,8 @@ constexpr int weekdayAt = 4;
 constexpr int monthAt = 5;
 constexpr int yearAt = 6;
 
+constexpr int firstYear = 2000; ///< of the century that the unit knows
+
 char bcdByte(int value)
 {
     return char(toBcd(quint8(value)));
@@ -69,6 +71,17 @@ Shown fromAnswer(const message& answer)
         shown.correct = true;
     }
     return shown;
+}
+
+QDateTime valueOf(const message& answer)
+{
+    const QByteArray& payload = answer.payload();
+    if (payload.size() <= yearAt) {
+        return {};
+    }
+    const auto number = [&payload](int offset) { return int(fromBcd(quint8(payload.at(offset)))); };
+    return {QDate(firstYear + number(yearAt), number(monthAt), number(dayAt)),
+            QTime(number(hourAt), number(minuteAt), number(secondAt))};
 }
 
 } // namespace devicetime

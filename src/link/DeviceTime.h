@@ -23,4 +23,7 @@ QByteArray toBytes(const QDateTime& time);
 /// What the user sees of an answer to the request for the time, however much of it there is.
 Shown fromAnswer(const message& answer);
 
+/// The time that a whole answer gives, as local time; invalid if there is no such time.
+QDateTime valueOf(const message& answer);
+
 } // namespace devicetime

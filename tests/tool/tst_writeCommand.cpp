@@ -1,0 +1,193 @@
+#include "UnitCommandTest.h"
+#include "link/protocol_HUBN_NX_Q.h"
+#include "model/RelayInfo.h"
+#include "support/RandomUnit.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+/// Writing a file into a unit.
+class tst_writeCommand : public UnitCommandTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void theUnitHoldsWhatTheFileHolds();
+    void eachRefusedStepIsNamed();
+    void verifyNamesExactlyTheRecordThatWasSwallowed();
+    void verifyTellsThatAllIsTheSame();
+    void theBackupHoldsWhatTheUnitHeldBefore();
+    void withoutAWholeBackupNothingIsWritten();
+    void anExistingBackupStaysAndNothingIsWritten();
+    void aFileWithWrongLinesIsntWritten();
+    void withForceTheRightLinesOfItAre();
+    void aMissingFileIsBadInput();
+    void asJson();
+    void aUnitReadAndWrittenBackIsTheSame();
+
+private:
+    QString fileOfAnotherUnit();
+};
+
+void tst_writeCommand::init()
+{
+    makeUnit();
+}
+
+/// A file with scripts and outputs that the unit doesn't have.
+QString tst_writeCommand::fileOfAnotherUnit()
+{
+    const QString file = path(QStringLiteral("other.cfg"));
+    const UnitState own = unit->state();
+    UnitState other = own;
+    std::rotate(other.scripts.begin(), other.scripts.begin() + 1, other.scripts.end());
+    unit->setState(other);
+    run({QStringLiteral("read"), file});
+    unit->setState(own);
+    unit->clearRequests();
+    return file;
+}
+
+void tst_writeCommand::theUnitHoldsWhatTheFileHolds()
+{
+    const QString file = fileOfAnotherUnit();
+    const ToolRun tool = run({QStringLiteral("write"), file});
+    QCOMPARE(tool.exitCode, ExitCode::Done);
+    QVERIFY2(tool.results.endsWith(QStringLiteral(" outputs and 32 scripts written\n")), qUtf8Printable(tool.results));
+    RelayInfo model;
+    model.loadFromFile(file);
+    const QByteArrayList scripts = model.makeScriptRecords();
+    for (int number = 0; number < UnitState::scriptCount; ++number) {
+        QCOMPARE(char(number) + unit->state().scripts.at(size_t(number)), scripts.at(number));
+    }
+}
+
+void tst_writeCommand::eachRefusedStepIsNamed()
+{
+    const QString file = fileOfAnotherUnit();
+    unit->setFaults({UnitFault(UnitFault::Refuse).value(2).onRequest(protocol_HUBN_NX_Q::Write_Script).from(5).times(4),
+                     UnitFault(UnitFault::Refuse).onRequest(protocol_HUBN_NX_Q::Write_Config).times(4)});
+    const ToolRun tool = run({QStringLiteral("write"), file});
+    QCOMPARE(tool.exitCode, ExitCode::WithErrors);
+    const QStringList lines = tool.results.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 3);
+    QVERIFY2(lines.at(0).startsWith(QStringLiteral("output 1 '")), qUtf8Printable(lines.at(0)));
+    QVERIFY2(lines.at(0).endsWith(QStringLiteral("' of the head unit: refused with code 1")),
+             qUtf8Printable(lines.at(0)));
+    QVERIFY2(lines.at(1).startsWith(QStringLiteral("script 5 '")), qUtf8Printable(lines.at(1)));
+    QVERIFY2(lines.at(1).endsWith(QStringLiteral("': refused with code 2")), qUtf8Printable(lines.at(1)));
+    QVERIFY2(lines.at(2).endsWith(QStringLiteral("2 of them failed")), qUtf8Printable(lines.at(2)));
+}
+
+void tst_writeCommand::verifyNamesExactlyTheRecordThatWasSwallowed()
+{
+    const QString file = fileOfAnotherUnit();
+    // Not stored, and acknowledged.
+    unit->setFaults(
+        {UnitFault(UnitFault::Refuse).value(0).onRequest(protocol_HUBN_NX_Q::Write_Script).from(7).times(1)});
+    const ToolRun tool = run({QStringLiteral("write"), file, QStringLiteral("--verify"), QStringLiteral("--json")});
+    QCOMPARE(tool.exitCode, ExitCode::WithErrors);
+    const QJsonObject object = tool.json().object();
+    QVERIFY(object.value(QStringLiteral("errors")).toArray().isEmpty());
+    const QJsonArray differences = object.value(QStringLiteral("differences")).toArray();
+    QCOMPARE(differences.size(), 1);
+    QVERIFY2(differences.at(0).toString().startsWith(QStringLiteral("script 7 '")),
+             qUtf8Printable(differences.at(0).toString()));
+}
+
+void tst_writeCommand::verifyTellsThatAllIsTheSame()
+{
+    const ToolRun tool = run({QStringLiteral("write"), fileOfAnotherUnit(), QStringLiteral("--verify")});
+    QCOMPARE(tool.exitCode, ExitCode::Done);
+    QVERIFY2(tool.results.contains(QStringLiteral("read back the same")), qUtf8Printable(tool.results));
+}
+
+void tst_writeCommand::theBackupHoldsWhatTheUnitHeldBefore()
+{
+    const QString file = fileOfAnotherUnit();
+    run({QStringLiteral("read"), path(QStringLiteral("before.cfg"))});
+    const ToolRun tool =
+        run({QStringLiteral("write"), file, QStringLiteral("--backup"), path(QStringLiteral("old.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::Done);
+    QCOMPARE(content(QStringLiteral("old.cfg")), content(QStringLiteral("before.cfg")));
+    run({QStringLiteral("read"), path(QStringLiteral("after.cfg"))});
+    QVERIFY(content(QStringLiteral("after.cfg")) != content(QStringLiteral("before.cfg")));
+}
+
+void tst_writeCommand::withoutAWholeBackupNothingIsWritten()
+{
+    const QString file = fileOfAnotherUnit();
+    unit->setFaults({UnitFault(UnitFault::Refuse).onRequest(protocol_HUBN_NX_Q::Read_Script).from(3).times(4)});
+    const ToolRun tool =
+        run({QStringLiteral("write"), file, QStringLiteral("--backup"), path(QStringLiteral("old.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::Refused);
+    QVERIFY(tool.errors.contains(QStringLiteral("script 3: ")));
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Config), 0);
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Script), 0);
+    QVERIFY(!files().contains(QStringLiteral("old.cfg")));
+}
+
+void tst_writeCommand::anExistingBackupStaysAndNothingIsWritten()
+{
+    const QString file = fileOfAnotherUnit();
+    write(QStringLiteral("old.cfg"), "mine");
+    const ToolRun tool =
+        run({QStringLiteral("write"), file, QStringLiteral("--backup"), path(QStringLiteral("old.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::Refused);
+    QCOMPARE(content(QStringLiteral("old.cfg")), QByteArray("mine"));
+    QCOMPARE(unit->requestCount(), 0);
+}
+
+void tst_writeCommand::aFileWithWrongLinesIsntWritten()
+{
+    write(QStringLiteral("wrong.cfg"), "[Scripts]\r\nScript[0].Mode=loud\r\n");
+    const ToolRun tool = run({QStringLiteral("write"), path(QStringLiteral("wrong.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::BadInput);
+    QVERIFY(tool.errors.contains(QStringLiteral("nothing is written")));
+    QCOMPARE(unit->requestCount(), 0);
+}
+
+void tst_writeCommand::withForceTheRightLinesOfItAre()
+{
+    write(QStringLiteral("wrong.cfg"), "[Scripts]\r\nScript[0].Mode=loud\r\n");
+    const ToolRun tool = run({QStringLiteral("write"), path(QStringLiteral("wrong.cfg")), QStringLiteral("--force")});
+    QCOMPARE(tool.exitCode, ExitCode::Done);
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Script), 32);
+}
+
+void tst_writeCommand::aMissingFileIsBadInput()
+{
+    const ToolRun tool = run({QStringLiteral("write"), path(QStringLiteral("none.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::BadInput);
+    QVERIFY(tool.errors.contains(QStringLiteral("none.cfg")));
+    QCOMPARE(unit->requestCount(), 0);
+}
+
+void tst_writeCommand::asJson()
+{
+    const ToolRun tool = run({QStringLiteral("write"), fileOfAnotherUnit(), QStringLiteral("--json")});
+    const QJsonObject object = tool.json().object();
+    QVERIFY(object.value(QStringLiteral("records")).toInt() > 40);
+    QVERIFY(object.value(QStringLiteral("errors")).toArray().isEmpty());
+    QVERIFY(!object.contains(QStringLiteral("differences")));
+}
+
+void tst_writeCommand::aUnitReadAndWrittenBackIsTheSame()
+{
+    RandomUnit random(7, RandomUnit::OfFiles);
+    const QString file = path(QStringLiteral("a.cfg"));
+    for (int count = 0; count < 20; ++count) {
+        const UnitState state = random.draw();
+        unit->setState(state);
+        QCOMPARE(run({QStringLiteral("read"), file, QStringLiteral("--force")}).exitCode, ExitCode::Done);
+        const ToolRun tool = run({QStringLiteral("write"), file, QStringLiteral("--verify")});
+        QVERIFY2(tool.exitCode == ExitCode::Done, qUtf8Printable(tool.results + tool.errors));
+        QCOMPARE(unit->state().scripts, state.scripts);
+        QCOMPARE(unit->state().outputs, state.outputs);
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_writeCommand)
+#include "tst_writeCommand.moc"

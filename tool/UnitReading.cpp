@@ -1,0 +1,220 @@
+#include "tool/UnitReading.h"
+
+#include "link/protocol_HUBN_NX_Q.h"
+#include "model/RelayInfo.h"
+#include "texts/texts.h"
+#include "tool/Configuration.h"
+#include "tool/Console.h"
+#include "tool/UnitSession.h"
+
+#include <QEventLoop>
+#include <QHash>
+
+#include <algorithm>
+
+namespace
+{
+
+/// Readings of everything in which two in a row must agree.
+constexpr int mostReadings = 6;
+
+QString noTwoAgree()
+{
+    return QStringLiteral(": no two answers agree");
+}
+
+QString nameOfOutput(quint8 terminal, quint8 number)
+{
+    return terminal == 0 ? QStringLiteral("output %1 of the head unit").arg(number + 1)
+                         : QStringLiteral("output %1 of terminal %2").arg(number + 1).arg(terminal);
+}
+
+QString nameOfScript(quint8 number)
+{
+    return QStringLiteral("script %1").arg(number + 1);
+}
+
+QString failureOf(const message& answer)
+{
+    const QString reason = QStringLiteral(": ") + UnitSession::reasonOf(answer);
+    switch (answer.requestType()) {
+    case protocol_HUBN_NX_Q::Read_Script:
+        return nameOfScript(answer.number()) + reason;
+    case protocol_HUBN_NX_Q::Read_Config:
+        return nameOfOutput(answer.address(), answer.number()) + reason;
+    default:
+        return QStringLiteral("the search for terminals") + reason;
+    }
+}
+
+/// Records that were read several times: each counts when two in a row were the same.
+class Confirmation
+{
+public:
+    explicit Confirmation(int keySize) : bytesOfKey(keySize)
+    {
+    }
+
+    void take(const QByteArrayList& records)
+    {
+        QHash<QByteArray, QByteArray> now;
+        for (const QByteArray& record : records) {
+            const QByteArray key = record.left(bytesOfKey);
+            now.insert(key, record);
+            if (!keys.contains(key)) {
+                keys.append(key);
+            }
+            if (before.value(key) == record && !confirmed.contains(key)) {
+                confirmed.insert(key, record);
+            }
+        }
+        before = now;
+    }
+
+    QByteArrayList records() const
+    {
+        QByteArrayList list;
+        for (const QByteArray& key : keys) {
+            if (confirmed.contains(key)) {
+                list.append(confirmed.value(key));
+            }
+        }
+        return list;
+    }
+
+    QByteArrayList open() const
+    {
+        QByteArrayList list = keys;
+        list.erase(
+            std::remove_if(list.begin(), list.end(), [this](const QByteArray& key) { return confirmed.contains(key); }),
+            list.end());
+        return list;
+    }
+
+private:
+    const int bytesOfKey;
+    QByteArrayList keys; ///< in the order of the reading
+    QHash<QByteArray, QByteArray> before;
+    QHash<QByteArray, QByteArray> confirmed;
+};
+
+/// What a reading of all outputs and scripts gave.
+struct Records
+{
+    QByteArrayList outputs;
+    QByteArrayList scripts;
+    QStringList failures;
+};
+
+std::optional<Records> readRecords(UnitSession& unit)
+{
+    Records records;
+    QEventLoop loop;
+    QObject::connect(&unit.link(), &CoordinatorLink::stepFailed, &loop,
+                     [&records](const message& answer) { records.failures.append(failureOf(answer)); });
+    QObject::connect(&unit.link(), &CoordinatorLink::outputsRead, &loop,
+                     [&records](const QByteArrayList& list) { records.outputs = list; });
+    QObject::connect(&unit.link(), &CoordinatorLink::scriptsRead, &loop, [&records, &loop](const QByteArrayList& list) {
+        records.scripts = list;
+        loop.quit();
+    });
+    unit.link().readConfiguration();
+    return unit.wait(loop) ? std::make_optional(records) : std::nullopt;
+}
+
+bool readTerminals(UnitSession& unit, UnitReading& reading)
+{
+    QEventLoop loop;
+    QObject::connect(&unit.link(), &CoordinatorLink::stepFailed, &loop,
+                     [&reading](const message& answer) { reading.failures.append(failureOf(answer)); });
+    QObject::connect(&unit.link(), &CoordinatorLink::terminalsFound, &loop,
+                     [&reading, &loop](const QByteArrayList& list) {
+                         reading.terminals = list;
+                         loop.quit();
+                     });
+    unit.beginProgress(texts::busySearchingTerminals());
+    unit.link().searchTerminals();
+    return unit.wait(loop);
+}
+
+std::optional<Records> readUntilConfirmed(UnitSession& unit)
+{
+    Confirmation outputs(2);
+    Confirmation scripts(1);
+    Records result;
+    for (int count = 0; count < mostReadings; ++count) {
+        const std::optional<Records> records = readRecords(unit);
+        if (!records) {
+            return {};
+        }
+        outputs.take(records->outputs);
+        scripts.take(records->scripts);
+        result.failures = records->failures;
+        if (count > 0 && result.failures.isEmpty() && outputs.open().isEmpty() && scripts.open().isEmpty()) {
+            break;
+        }
+    }
+    result.outputs = outputs.records();
+    result.scripts = scripts.records();
+    const QByteArrayList openOutputs = outputs.open();
+    for (const QByteArray& key : openOutputs) {
+        result.failures.append(nameOfOutput(quint8(key.at(0)), quint8(key.at(1))) + noTwoAgree());
+    }
+    const QByteArrayList openScripts = scripts.open();
+    for (const QByteArray& key : openScripts) {
+        result.failures.append(nameOfScript(quint8(key.at(0))) + noTwoAgree());
+    }
+    return result;
+}
+
+} // namespace
+
+void UnitReading::fill(RelayInfo& model) const
+{
+    model.readTerminalRecords(terminals);
+    model.readOutputRecords(outputs);
+    model.removeIdleGroups();
+    model.readScriptRecords(scripts);
+}
+
+QByteArrayList UnitReading::outputRecords() const
+{
+    Configuration configuration;
+    configuration.model.readTerminalRecords(terminals);
+    configuration.model.readOutputRecords(outputs);
+    return configuration.model.makeOutputRecords();
+}
+
+QByteArrayList UnitReading::scriptRecords() const
+{
+    Configuration configuration;
+    configuration.model.readScriptRecords(scripts);
+    return configuration.model.makeScriptRecords();
+}
+
+std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed)
+{
+    UnitReading reading;
+    if (!readTerminals(unit, reading)) {
+        return {};
+    }
+    const std::optional<Records> records = confirmed ? readUntilConfirmed(unit) : readRecords(unit);
+    if (!records) {
+        return {};
+    }
+    reading.outputs = records->outputs;
+    reading.scripts = records->scripts;
+    reading.failures += records->failures;
+    return reading;
+}
+
+bool saveReading(const UnitReading& reading, const QString& path, Console& console)
+{
+    Configuration configuration;
+    reading.fill(configuration.model);
+    if (configuration.model.saveToFile(path) == RelayInfo::FileOk) {
+        return true;
+    }
+    console.error(QStringLiteral("%1 can't be written").arg(path));
+    return false;
+}

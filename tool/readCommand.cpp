@@ -1,0 +1,88 @@
+#include "tool/Configuration.h"
+#include "tool/Console.h"
+#include "tool/OutputFile.h"
+#include "tool/UnitReading.h"
+#include "tool/UnitSession.h"
+#include "tool/commandList.h"
+
+#include <QCommandLineParser>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace
+{
+
+QCommandLineOption confirmOption()
+{
+    return {QStringLiteral("confirm"), QStringLiteral("Read everything until two answers agree.")};
+}
+
+QCommandLineOption partialOption()
+{
+    return {QStringLiteral("partial"), QStringLiteral("Keep what could be read even if something is missing.")};
+}
+
+void tell(const UnitReading& reading, const QString& path, const UnitSession& unit, Console& console)
+{
+    if (console.isJson()) {
+        QJsonObject object = unit.identity();
+        object.insert(QStringLiteral("file"), path);
+        object.insert(QStringLiteral("terminals"), reading.terminals.size());
+        object.insert(QStringLiteral("outputs"), reading.outputs.size());
+        object.insert(QStringLiteral("scripts"), reading.scripts.size());
+        object.insert(QStringLiteral("errors"), QJsonArray::fromStringList(reading.failures));
+        console.result(QJsonDocument(object));
+        return;
+    }
+    console.result(QStringLiteral("%1: %2 terminals, %3 outputs, %4 scripts")
+                       .arg(path)
+                       .arg(reading.terminals.size())
+                       .arg(reading.outputs.size())
+                       .arg(reading.scripts.size()));
+}
+
+ExitCode read(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
+{
+    const QString path = arguments.at(0);
+    if (!mayWrite(path, commandLine, console)) {
+        return ExitCode::Refused;
+    }
+    UnitSession unit(commandLine, console);
+    if (const ExitCode found = unit.open(); found != ExitCode::Done) {
+        return found;
+    }
+    const std::optional<UnitReading> reading = readUnit(unit, commandLine.isSet(confirmOption()));
+    if (!reading) {
+        console.error(QStringLiteral("interrupted after %1 steps; %2 was not written").arg(unit.stepsDone()).arg(path));
+        return ExitCode::Interrupted;
+    }
+    for (const QString& failure : reading->failures) {
+        console.error(failure);
+    }
+    // Written back, what is missing would be taken out of the unit.
+    if (!reading->failures.isEmpty() && !commandLine.isSet(partialOption())) {
+        console.error(QStringLiteral("%1 was not written; --partial keeps what could be read").arg(path));
+        return ExitCode::WithErrors;
+    }
+    if (!saveReading(*reading, path, console)) {
+        return ExitCode::Refused;
+    }
+    tell(*reading, path, unit, console);
+    return reading->failures.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
+}
+
+} // namespace
+
+Command readCommand()
+{
+    Command command;
+    command.name = QStringLiteral("read");
+    command.arguments = QStringLiteral("FILE.cfg");
+    command.leastArguments = 1;
+    command.mostArguments = 1;
+    command.summary = QStringLiteral("Reads the configuration of the unit into a file");
+    command.example = QStringLiteral("hubn-tool read site.cfg --confirm");
+    command.options = {confirmOption(), partialOption(), forceOption()};
+    command.run = read;
+    return command;
+}
