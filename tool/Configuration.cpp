@@ -7,17 +7,18 @@ Configuration::Configuration() : catalogue(Device::Files::ReadOnly)
     model.setCatalogue(catalogue);
 }
 
+QString whyUnread(const QString& path, int fileResult)
+{
+    return (fileResult == RelayInfo::FileNotFound ? QStringLiteral("there is no file %1")
+                                                  : QStringLiteral("%1 can't be read"))
+        .arg(path);
+}
+
 std::unique_ptr<Configuration> loadConfiguration(const QString& path, Console& console)
 {
     auto configuration = std::make_unique<Configuration>();
-    switch (configuration->model.loadFromFile(path)) {
-    case RelayInfo::FileNotFound:
-        console.error(QStringLiteral("there is no file %1").arg(path));
-        return nullptr;
-    case RelayInfo::FileOk:
-        break;
-    default:
-        console.error(QStringLiteral("%1 can't be read").arg(path));
+    if (const int result = configuration->model.loadFromFile(path); result != RelayInfo::FileOk) {
+        console.error(whyUnread(path, result));
         return nullptr;
     }
     if (const int errors = configuration->model.errorCount(); errors != 0) {

@@ -21,3 +21,6 @@ public:
 /// Reads a configuration file. Nothing if it can't be read, which the console has been told then. Lines that count as
 /// errors are noted and left out, as the window does.
 std::unique_ptr<Configuration> loadConfiguration(const QString& path, Console& console);
+
+/// Why RelayInfo didn't read a file.
+QString whyUnread(const QString& path, int fileResult);

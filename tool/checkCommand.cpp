@@ -1,19 +1,75 @@
+#include "model/RelayInfo.h"
 #include "tool/Configuration.h"
 #include "tool/Console.h"
 #include "tool/commandList.h"
+#include "tool/faultInWords.h"
 
 #include <QCommandLineParser>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 namespace
 {
 
+QString reasonOf(const ConfigurationError& error)
+{
+    QStringList reasons;
+    for (const ConfigurationFault& fault : error.faults) {
+        reasons.append(faultInWords(fault));
+    }
+    return reasons.join(QLatin1String("; "));
+}
+
+/// A line as it fits into one of a terminal, whatever is in it.
+QString shortened(QString line)
+{
+    constexpr int longest = 60;
+    for (QChar& character : line) {
+        if (!character.isPrint()) {
+            character = QLatin1Char(character == QLatin1Char('\t') ? ' ' : '?');
+        }
+    }
+    return line.size() <= longest ? line : line.left(longest) + QLatin1String("...");
+}
+
+void tellLines(const ConfigurationErrors& errors, int count, Console& console)
+{
+    for (const ConfigurationError& error : errors) {
+        console.result(QStringLiteral("%1: %2: ").arg(error.line).arg(shortened(error.text)) + reasonOf(error));
+    }
+    console.note(count == 0 ? QStringLiteral("no line counts as an error")
+                            : QStringLiteral("%1 errors on %2 lines").arg(count).arg(errors.size()));
+}
+
+void tellJson(const ConfigurationErrors& errors, int count, Console& console)
+{
+    QJsonArray list;
+    for (const ConfigurationError& error : errors) {
+        list.append(QJsonObject{{QStringLiteral("line"), error.line},
+                                {QStringLiteral("text"), error.text},
+                                {QStringLiteral("reason"), reasonOf(error)},
+                                {QStringLiteral("count"), countOf(error.faults)}});
+    }
+    console.result(QJsonDocument(QJsonObject{{QStringLiteral("count"), count}, {QStringLiteral("errors"), list}}));
+}
+
 ExitCode check(const QCommandLineParser& /*commandLine*/, const QStringList& arguments, Console& console)
 {
-    const auto configuration = loadConfiguration(arguments.at(0), console);
-    if (configuration == nullptr) {
+    const QString& path = arguments.at(0);
+    RelayInfo model;
+    ConfigurationErrors errors;
+    const int result = model.loadFromFile(path, errors);
+    if (result != RelayInfo::FileOk) {
+        console.error(whyUnread(path, result));
         return ExitCode::BadInput;
     }
-    return configuration->model.errorCount() == 0 ? ExitCode::Done : ExitCode::WithErrors;
+    if (console.isJson()) {
+        tellJson(errors, model.errorCount(), console);
+    } else {
+        tellLines(errors, model.errorCount(), console);
+    }
+    return errors.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/ConfigurationError.h"
 #include "model/GroupRelay.h"
 #include "model/ScriptInfo.h"
 #include "model/tables.h"
@@ -26,5 +27,5 @@ struct ConfigurationModel
     QList<ScriptInfoPtr> scripts;
 };
 
-/// Does what a key says. Returns the number of errors; what an error is about stays as it was.
-int applyEntry(ConfigurationModel& model, const ConfigurationEntry& entry);
+/// Does what a key says. Returns what is wrong with it, which stays as it was.
+ConfigurationFaults applyEntry(ConfigurationModel& model, const ConfigurationEntry& entry);

@@ -2,8 +2,15 @@
 
 #include "model/ScriptRules.h"
 
+#include <algorithm>
+#include <numeric>
+
 namespace
 {
+
+constexpr QLatin1String commentSection("[Comment]", 9);
+constexpr QLatin1String configurationSection("[Configuration]", 15);
+constexpr QLatin1String scriptsSection("[Scripts]", 9);
 
 /// The index behind a marker of the key, negative without one. It has two digits at most, so it ends at 99.
 int indexBehind(const QString& key, QLatin1String marker)
@@ -31,6 +38,40 @@ ConfigurationEntry makeEntry(const QStringRef& key, const QStringRef& value)
     return entry;
 }
 
+/// Counts the lines of a text as an editor does, for positions that only grow.
+class LineCounter
+{
+public:
+    int lineAt(const QStringRef& place)
+    {
+        const QChar* const text = place.string()->constData();
+        line += int(std::count(text + counted, text + place.position(), QLatin1Char('\n')));
+        counted = place.position();
+        return line;
+    }
+
+private:
+    int line = 1;
+    int counted = 0;
+};
+
+QString upToLineFeed(const QStringRef& line)
+{
+    return line.left(line.indexOf(QLatin1Char('\n'))).toString();
+}
+
+/// What is wrong with a line that is no section and no key with its value.
+ConfigurationFault::Kind faultOfForm(const QStringRef& line, bool hasSection)
+{
+    if (hasSection) {
+        return ConfigurationFault::SectionNotAlone;
+    }
+    if (!line.contains(QLatin1Char('='))) {
+        return ConfigurationFault::NoEqualsSign;
+    }
+    return line.startsWith(QLatin1Char('=')) ? ConfigurationFault::NoKey : ConfigurationFault::NoValue;
+}
+
 } // namespace
 
 ConfigurationReader::ConfigurationReader(const ParamTables& paramTables, const QList<GroupRelayPtr>& resetGroups,
@@ -56,36 +97,66 @@ QString ConfigurationReader::comment() const
 
 void ConfigurationReader::read(const QString& text)
 {
+    readLines(text, nullptr);
+}
+
+ConfigurationErrors ConfigurationReader::readAndTell(const QString& text)
+{
+    ConfigurationErrors told;
+    readLines(text, &told);
+    return told;
+}
+
+void ConfigurationReader::readLines(const QString& text, ConfigurationErrors* told)
+{
+    LineCounter counter;
     const QVector<QStringRef> lines = text.splitRef(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
     for (const QStringRef& line : lines) {
-        readLine(line);
+        ConfigurationFaults faults = readLine(line);
+        errors += countOf(faults);
+        if (told == nullptr) {
+            continue;
+        }
+        // Within the comment it does no harm.
+        const bool isJoined = line.contains(QLatin1Char('\n'));
+        if (isJoined && (!inComment || line.contains(commentSection))) {
+            faults.append({ConfigurationFault::LinesEndedByLfOnly, 0, 0, {}, 0});
+        }
+        if (!faults.isEmpty()) {
+            told->append({counter.lineAt(line), upToLineFeed(line), faults});
+        }
     }
     for (const ScriptInfoPtr& script : std::as_const(model.scripts)) {
         scriptRules::updateTrigger(*script);
     }
 }
 
-void ConfigurationReader::readLine(const QStringRef& line)
+ConfigurationFaults ConfigurationReader::readLine(const QStringRef& line)
 {
-    const QLatin1String commentSection("[Comment]");
-    const QLatin1String configurationSection("[Configuration]");
-    const QLatin1String scriptsSection("[Scripts]");
-
     if (line.contains(commentSection)) {
         inComment = true;
-        return;
+        return {};
     }
-    if (inComment && !line.contains(configurationSection) && !line.contains(scriptsSection)) {
+    const bool hasSection = line.contains(configurationSection) || line.contains(scriptsSection);
+    if (inComment && !hasSection) {
         commentText += line;
         commentText += QLatin1Char('\n');
-        return;
+        return {};
     }
     inComment = false;
 
     const QVector<QStringRef> parts = line.split(QLatin1Char('='), Qt::SkipEmptyParts);
     if (parts.size() >= 2) {
-        errors += applyEntry(model, makeEntry(parts.at(0), parts.at(1)));
-    } else if (parts.size() == 1 && parts.first() != configurationSection && parts.first() != scriptsSection) {
-        ++errors;
+        return applyEntry(model, makeEntry(parts.at(0), parts.at(1)));
     }
+    if (parts.size() == 1 && parts.first() != configurationSection && parts.first() != scriptsSection) {
+        return {{faultOfForm(line, hasSection), 0, 0, {}}};
+    }
+    return {};
+}
+
+int countOf(const ConfigurationFaults& faults)
+{
+    return std::accumulate(faults.begin(), faults.end(), 0,
+                           [](int count, const ConfigurationFault& fault) { return count + fault.count; });
 }

@@ -20,12 +20,16 @@ public:
 
     void read(const QString& text);
 
+    /// Reads a text and keeps each line that is wrong, with what is wrong with it.
+    ConfigurationErrors readAndTell(const QString& text);
+
     int errorCount() const;
     QList<GroupRelayPtr> groups() const;
     QString comment() const;
 
 private:
-    void readLine(const QStringRef& line);
+    void readLines(const QString& text, ConfigurationErrors* told);
+    ConfigurationFaults readLine(const QStringRef& line);
 
     ConfigurationModel model;
     QString commentText;

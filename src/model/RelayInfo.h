@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/ConfigurationError.h"
 #include "model/GroupRelay.h"
 #include "model/ParamItem.h"
 #include "model/ScriptInfo.h"
@@ -112,10 +113,15 @@ public:
     /// FileNotFound the model is untouched.
     int loadFromFile(const QString& path);
 
+    /// Reads a configuration file and tells each line of it that is wrong. What their faults count is errorCount();
+    /// there may be lines with faults that count for nothing.
+    int loadFromFile(const QString& path, ConfigurationErrors& errors);
+
 private:
     GroupRelayPtr makeTerminalGroup(const ConnectedTerminal& terminal) const;
     void appendHeadUnit(bool connected);
     void sortGroups();
+    int load(const QString& path, ConfigurationErrors* errors);
 
     const ParamTables tables;
     TerminalTypes types;

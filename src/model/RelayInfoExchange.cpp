@@ -15,12 +15,22 @@ namespace
 
 /// The text of an open file in UTF-8, up to a first NUL. A byte order mark is no part of it, and one of another
 /// encoding counts. The file is to be open without QIODevice::Text, which would swallow the CR that ends the lines.
-QString readText(QFile& file)
+QString readText(QFile& file, bool& endsAtNul)
 {
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
     const QString text = stream.readAll();
-    return text.left(text.indexOf(QChar::Null));
+    const int end = text.indexOf(QChar::Null);
+    endsAtNul = end >= 0;
+    return text.left(end);
+}
+
+/// The line behind which a text was cut.
+ConfigurationError errorOfNul(const QString& text)
+{
+    const int line = text.count(QLatin1Char('\n')) + 1;
+    const QString lastLine = text.mid(text.lastIndexOf(QLatin1Char('\n')) + 1);
+    return {line, lastLine, {{ConfigurationFault::EndsAtNul, 0, 0, {}, 0}}};
 }
 
 } // namespace
@@ -66,6 +76,17 @@ int RelayInfo::saveToFile(const QString& path) const
 
 int RelayInfo::loadFromFile(const QString& path)
 {
+    return load(path, nullptr);
+}
+
+int RelayInfo::loadFromFile(const QString& path, ConfigurationErrors& errors)
+{
+    errors.clear();
+    return load(path, &errors);
+}
+
+int RelayInfo::load(const QString& path, ConfigurationErrors* errors)
+{
     fileErrors = 0;
     QFile file(path);
     if (!file.exists()) {
@@ -74,12 +95,20 @@ int RelayInfo::loadFromFile(const QString& path)
     if (!file.open(QIODevice::ReadOnly)) {
         return FileNotOpened;
     }
-    const QString text = readText(file);
+    bool endsAtNul = false;
+    const QString text = readText(file, endsAtNul);
 
     resetGroups(true);
     resetScripts();
     ConfigurationReader reader(tables, groupList, scriptList);
-    reader.read(text);
+    if (errors == nullptr) {
+        reader.read(text);
+    } else {
+        *errors = reader.readAndTell(text);
+        if (endsAtNul) {
+            errors->append(errorOfNul(text));
+        }
+    }
     groupList = reader.groups();
     commentText = reader.comment();
     fileErrors = reader.errorCount();
