@@ -76,8 +76,17 @@ ExitCode helpOrRefuse(QCommandLineParser& parser, const QStringList& arguments, 
 
 const QVector<Command>& commands()
 {
-    static const QVector<Command> list{portsCommand(), readCommand(), writeCommand(),   checkCommand(),
-                                       logCommand(),   timeCommand(), firmwareCommand()};
+    // As the help lists them.
+    static const QVector<Command> list{
+        portsCommand(),
+        readCommand(),
+        writeCommand(),
+        diffCommand(),
+        checkCommand(),
+        logCommand(),
+        timeCommand(),
+        firmwareCommand(),
+    };
     return list;
 }
 
