@@ -25,7 +25,7 @@ QString listOfCommands()
                     .arg((command.name + QLatin1Char(' ') + command.arguments), -30)
                     .arg(command.summary);
     }
-    return list;
+    return list.trimmed();
 }
 
 QString explanationOf(const Command& command)
@@ -78,14 +78,8 @@ const QVector<Command>& commands()
 {
     // As the help lists them.
     static const QVector<Command> list{
-        portsCommand(),
-        readCommand(),
-        writeCommand(),
-        diffCommand(),
-        checkCommand(),
-        logCommand(),
-        timeCommand(),
-        firmwareCommand(),
+        portsCommand(), readCommand(), writeCommand(), diffCommand(),
+        checkCommand(), logCommand(),  timeCommand(),  firmwareCommand(),
     };
     return list;
 }

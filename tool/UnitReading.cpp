@@ -4,6 +4,7 @@
 #include "model/RelayInfo.h"
 #include "texts/texts.h"
 #include "tool/Configuration.h"
+#include "tool/ConfigurationDifference.h"
 #include "tool/Console.h"
 #include "tool/UnitSession.h"
 
@@ -208,13 +209,21 @@ std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed)
     return reading;
 }
 
-bool saveReading(const UnitReading& reading, const QString& path, Console& console)
+std::optional<QStringList> saveReading(const UnitReading& reading, const QString& path, Console& console)
 {
-    Configuration configuration;
-    reading.fill(configuration.model);
-    if (configuration.model.saveToFile(path) == RelayInfo::FileOk) {
-        return true;
+    Configuration read;
+    reading.fill(read.model);
+    if (read.model.saveToFile(path) != RelayInfo::FileOk) {
+        console.error(QStringLiteral("%1 can't be written").arg(path));
+        return {};
     }
-    console.error(QStringLiteral("%1 can't be written").arg(path));
-    return false;
+    // A file has no day 31 and no December.
+    Configuration kept;
+    kept.model.loadFromFile(path);
+    QStringList lost;
+    const auto differences = configurationDifferences(read.model, kept.model, Names::Compared);
+    for (const ConfigurationDifference& difference : differences) {
+        lost.append(QStringLiteral("the file gives back another value: ") + inWords(difference));
+    }
+    return lost;
 }

@@ -28,5 +28,6 @@ struct UnitReading
 /// readings in a row gave the same. Nothing if interrupted.
 std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed);
 
-/// Saves it as a configuration file that the window loads. False if that couldn't be done, which has been told then.
-bool saveReading(const UnitReading& reading, const QString& path, Console& console);
+/// Saves it as a configuration file that the window loads. Returns what the file gives back differently when it is
+/// loaded, in words; nothing if it couldn't be written, which has been told then.
+std::optional<QStringList> saveReading(const UnitReading& reading, const QString& path, Console& console);

@@ -1,6 +1,6 @@
-#include "tool/Configuration.h"
 #include "tool/ConfigurationDifference.h"
 #include "tool/Console.h"
+#include "tool/Source.h"
 #include "tool/commandList.h"
 
 #include <QCommandLineParser>
@@ -10,13 +10,6 @@
 
 namespace
 {
-
-/// The configuration that a word of the command line names. Nothing if it can't be had, which the console has been
-/// told then.
-std::unique_ptr<Configuration> configurationOf(const QString& file, Console& console)
-{
-    return loadConfiguration(file, console);
-}
 
 void tellJson(const QVector<ConfigurationDifference>& differences, Console& console)
 {
@@ -41,14 +34,19 @@ void tellLines(const QVector<ConfigurationDifference>& differences, const QStrin
     }
 }
 
-ExitCode diff(const QCommandLineParser& /*commandLine*/, const QStringList& arguments, Console& console)
+ExitCode diff(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
 {
-    const auto before = configurationOf(arguments.at(0), console);
-    const auto after = before ? configurationOf(arguments.at(1), console) : nullptr;
-    if (after == nullptr) {
-        return ExitCode::BadInput;
+    const Source before = sourceOf(arguments.at(0), commandLine, console);
+    if (before.configuration == nullptr) {
+        return before.exitCode;
     }
-    const auto differences = configurationDifferences(before->model, after->model, Names::Compared);
+    const Source after = sourceOf(arguments.at(1), commandLine, console);
+    if (after.configuration == nullptr) {
+        return after.exitCode;
+    }
+    const bool isUnit = before.coordinator || after.coordinator;
+    const auto differences = configurationDifferences(before.configuration->model, after.configuration->model,
+                                                      isUnit ? Names::Ignored : Names::Compared);
     if (console.isJson()) {
         tellJson(differences, console);
     } else {
@@ -63,11 +61,11 @@ Command diffCommand()
 {
     Command command;
     command.name = QStringLiteral("diff");
-    command.arguments = QStringLiteral("A.cfg B.cfg");
+    command.arguments = QStringLiteral("A.cfg|unit B.cfg|unit");
     command.leastArguments = 2;
     command.mostArguments = 2;
     command.summary = QStringLiteral("Tells in words in what two configurations differ");
-    command.example = QStringLiteral("hubn-tool diff before.cfg after.cfg");
+    command.example = QStringLiteral("hubn-tool diff before.cfg unit");
     command.run = diff;
     return command;
 }

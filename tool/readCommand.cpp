@@ -64,11 +64,15 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
         console.error(QStringLiteral("%1 was not written; --partial keeps what could be read").arg(path));
         return ExitCode::WithErrors;
     }
-    if (!saveReading(*reading, path, console)) {
+    const std::optional<QStringList> lost = saveReading(*reading, path, console);
+    if (!lost) {
         return ExitCode::Refused;
     }
+    for (const QString& line : *lost) {
+        console.error(line);
+    }
     tell(*reading, path, unit, console);
-    return reading->failures.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
+    return reading->failures.isEmpty() && lost->isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
 }
 
 } // namespace

@@ -110,10 +110,14 @@ bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCo
     for (const QString& failure : reading->failures) {
         console.error(failure);
     }
-    if (!reading->failures.isEmpty() || !saveReading(*reading, path, console)) {
+    const auto lost = reading->failures.isEmpty() ? saveReading(*reading, path, console) : std::nullopt;
+    if (!lost) {
         console.error(QStringLiteral("without a whole backup nothing is written"));
         exitCode = ExitCode::Refused;
         return false;
+    }
+    for (const QString& line : *lost) {
+        console.error(line);
     }
     console.note(QStringLiteral("%1: what the unit held").arg(path));
     return true;

@@ -92,12 +92,27 @@ private:
             faults |= chance(3) ? row->code : 0;
         }
         QByteArray script;
-        for (const int byte :
-             {mode,       duration * 8 + delay, stateCode,  faults,     16 * random.bounded(1, 16) + below(16),
-              below(128), bcd(0, 59),           bcd(0, 23), bcd(1, lastDay), bcd(1, lastMonth),
-              bcd(0, 59), bcd(0, 23),           bcd(1, lastDay), bcd(1, lastMonth), (chance(3) ? 15 : below(5)) * 16 + below(16),
-              below(256), below(256),           below(256), below(256), below(256),
-              below(256)}) {
+        for (const int byte : {mode,
+                               duration * 8 + delay,
+                               stateCode,
+                               faults,
+                               16 * random.bounded(1, 16) + below(16),
+                               below(128),
+                               bcd(0, 59),
+                               bcd(0, 23),
+                               bcd(1, lastDay),
+                               bcd(1, lastMonth),
+                               bcd(0, 59),
+                               bcd(0, 23),
+                               bcd(1, lastDay),
+                               bcd(1, lastMonth),
+                               (chance(3) ? 15 : below(5)) * 16 + below(16),
+                               below(256),
+                               below(256),
+                               below(256),
+                               below(256),
+                               below(256),
+                               below(256)}) {
             script.append(char(byte));
         }
         return script;

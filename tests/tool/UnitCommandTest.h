@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -13,7 +14,7 @@
 class UnitCommandTest : public QObject
 {
 protected:
-    static constexpr int events = 20;
+    static constexpr int eventsOfUnit = 20;
 
     /// Runs a command line on the unit.
     ToolRun run(const QStringList& arguments) const
@@ -46,9 +47,10 @@ protected:
 
     void makeUnit()
     {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // as the program does
         folder = std::make_unique<QTemporaryDir>();
-        unit =
-            std::make_unique<UnitSimulator>(demoInstallation(1, events, QDateTime(QDate(2026, 3, 12), QTime(14, 5))));
+        unit = std::make_unique<UnitSimulator>(
+            demoInstallation(1, eventsOfUnit, QDateTime(QDate(2026, 3, 12), QTime(14, 5))));
         QVERIFY2(unit->isValid(), qUtf8Printable(unit->errorString()));
     }
 

@@ -22,6 +22,7 @@ private slots:
     void aLostTerminalIsAFailedStepToo();
     void confirmedReadingNeedsTwoAnswersThatAgree();
     void confirmedReadingTellsWhatNeverAgrees();
+    void whatAFileDoesntGiveBackIsTold();
     void aFileThatCantBeWrittenIsRefused();
     void asJson();
     void quietTellsTheResultAlone();
@@ -132,6 +133,17 @@ void tst_readCommand::confirmedReadingTellsWhatNeverAgrees()
     QCOMPARE(tool.exitCode, ExitCode::WithErrors);
     QVERIFY2(tool.errors.contains(QStringLiteral("no two answers agree")), qUtf8Printable(tool.errors));
     QVERIFY(files().isEmpty());
+}
+
+void tst_readCommand::whatAFileDoesntGiveBackIsTold()
+{
+    // A filter by date that begins in December.
+    unit->change([](UnitState& state) { state.scripts.at(2)[13] = 0x12; });
+    const ToolRun tool = run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::WithErrors);
+    QVERIFY2(tool.errors.contains(QStringLiteral("the file gives back another value: script 3 ")),
+             qUtf8Printable(tool.errors));
+    QCOMPARE(files(), QStringList{QStringLiteral("a.cfg")});
 }
 
 void tst_readCommand::aFileThatCantBeWrittenIsRefused()

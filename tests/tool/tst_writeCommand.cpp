@@ -25,7 +25,7 @@ private slots:
     void withForceTheRightLinesOfItAre();
     void aMissingFileIsBadInput();
     void asJson();
-    void aUnitReadAndWrittenBackIsTheSame();
+    void readThenWriteThenDiffIsEmptyForRandomUnits();
 
 private:
     QString fileOfAnotherUnit();
@@ -174,18 +174,32 @@ void tst_writeCommand::asJson()
     QVERIFY(!object.contains(QStringLiteral("differences")));
 }
 
-void tst_writeCommand::aUnitReadAndWrittenBackIsTheSame()
+void tst_writeCommand::readThenWriteThenDiffIsEmptyForRandomUnits()
 {
+    constexpr int units = 200;
     RandomUnit random(7, RandomUnit::OfFiles);
     const QString file = path(QStringLiteral("a.cfg"));
-    for (int count = 0; count < 20; ++count) {
+    for (int count = 0; count < units; ++count) {
         const UnitState state = random.draw();
         unit->setState(state);
-        QCOMPARE(run({QStringLiteral("read"), file, QStringLiteral("--force")}).exitCode, ExitCode::Done);
-        const ToolRun tool = run({QStringLiteral("write"), file, QStringLiteral("--verify")});
-        QVERIFY2(tool.exitCode == ExitCode::Done, qUtf8Printable(tool.results + tool.errors));
+        const ToolRun read = run({QStringLiteral("read"), file, QStringLiteral("--force")});
+        QVERIFY2(read.exitCode == ExitCode::Done, qUtf8Printable(read.errors));
+        // Other scripts and outputs, so that all has to be written.
+        unit->change([&random](UnitState& changed) {
+            const UnitState other = random.draw();
+            changed.scripts = other.scripts;
+            for (std::size_t address = 0; address < changed.outputs.size(); ++address) {
+                for (QByteArray& output : changed.outputs.at(address)) {
+                    output = UnitState::emptyOutput();
+                }
+            }
+        });
+        const ToolRun written = run({QStringLiteral("write"), file});
+        QVERIFY2(written.exitCode == ExitCode::Done, qUtf8Printable(written.results + written.errors));
+        const ToolRun difference = run({QStringLiteral("diff"), file, QStringLiteral("unit")});
+        QVERIFY2(difference.exitCode == ExitCode::Done, qUtf8Printable(difference.results + difference.errors));
+        QVERIFY(difference.results.isEmpty());
         QCOMPARE(unit->state().scripts, state.scripts);
-        QCOMPARE(unit->state().outputs, state.outputs);
     }
 }
 
