@@ -19,7 +19,7 @@ struct ParamItem
     QString icon;                ///< resource path of the icon; empty for none
     QColor background = QColor(240, 240, 240);
     QColor foreground = QColor(Qt::black);
-    QSharedPointer<ParamItem> linked; ///< the analog or button state that a channel state stands for
+    QSharedPointer<ParamItem> linked; ///< the state of a family that a channel state stands for
 
     /// The code that goes to the device for a channel state: that of the linked row where there is one.
     quint8 effectiveCode() const

@@ -11,20 +11,6 @@ namespace
 
 constexpr int channelCount = 4;
 
-bool isLongPressCode(quint8 code)
-{
-    return code > 15;
-}
-
-/// The row of a family whose linked row has the name and the press; families without keys know the short press only.
-ParamItemPtr findLinkedState(const ParamItems& rows, StateKind kind, const QString& linkedName, bool longPress)
-{
-    return firstOf(rows, [&](const ParamItemPtr& row) {
-        return kindOf(row) == kind && row->linked && row->linked->name == linkedName &&
-               isLongPressCode(row->linked->code) == longPress;
-    });
-}
-
 } // namespace
 
 quint8 stateCode(const ParamItemPtr& state)
@@ -34,7 +20,7 @@ quint8 stateCode(const ParamItemPtr& state)
 
 bool isLongPress(const ParamItemPtr& state)
 {
-    return kindOf(state) == StateKind::Button && isLongPressCode(stateCode(state));
+    return kindOf(state) == StateKind::Button && stateCode(state) > 15;
 }
 
 ParamItemPtr findState(const ParamItems& rows, const QString& name)
@@ -42,14 +28,22 @@ ParamItemPtr findState(const ParamItems& rows, const QString& name)
     return firstOf(rows, [&](const ParamItemPtr& row) { return row->name == name; });
 }
 
-ParamItemPtr findAnalogState(const ParamItems& rows, const QString& analogName)
+ParamItemPtr findLinkedState(const ParamItems& rows, StateKind kind, const QString& linkedName, bool longPress)
 {
-    return findLinkedState(rows, StateKind::Analog, analogName, false);
+    return firstOf(rows, [&](const ParamItemPtr& row) {
+        return kindOf(row) == kind && row->linked && row->linked->name == linkedName && isLongPress(row) == longPress;
+    });
 }
 
-ParamItemPtr findButtonState(const ParamItems& rows, const QString& buttonName, bool longPress)
+ParamItems linkedStates(const ParamItems& rows, StateKind kind)
 {
-    return findLinkedState(rows, StateKind::Button, buttonName, longPress);
+    ParamItems states;
+    for (const ParamItemPtr& row : rows) {
+        if (kindOf(row) == kind && row->linked) {
+            states.append(row->linked);
+        }
+    }
+    return states;
 }
 
 ParamItemPtr findStateOfCode(const ParamItems& rows, quint8 code)

@@ -26,11 +26,14 @@ bool isLongPress(const ParamItemPtr& state);
 /// @name Finding a channel state. Null if no row fits.
 /// @{
 ParamItemPtr findState(const ParamItems& rows, const QString& name); ///< first row with the name
-ParamItemPtr findAnalogState(const ParamItems& rows, const QString& analogName);
-ParamItemPtr findButtonState(const ParamItems& rows, const QString& buttonName, bool longPress);
+/// Of a family, by the name of its linked row and the press; families without keys know the short press only.
+ParamItemPtr findLinkedState(const ParamItems& rows, StateKind kind, const QString& linkedName, bool longPress);
 ParamItemPtr findStateOfCode(const ParamItems& rows, quint8 code); ///< first row of an effective code, of any family
 ParamItemPtr findStateOfClass(const ParamItems& rows, quint8 terminalClass, quint8 code); ///< first that it reports
 /// @}
+
+/// The states of a family: what its rows are linked to, in their order.
+ParamItems linkedStates(const ParamItems& rows, StateKind kind);
 
 /// A new private row "<Other>".
 ParamItemPtr makeOtherState(quint8 code);

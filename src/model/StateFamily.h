@@ -29,7 +29,7 @@ struct StateFamily
     ParamItems ParamTables::*states;
 };
 
-/// In the order of their rows among the channel states.
+/// In the order of their rows among the channel states. Files name those by position: a new family comes last.
 constexpr StateFamily stateFamilies[] = {
     {StateKind::Analog, texts::stateAnalog, AnalogClass, &ParamTables::analogStates},
     {StateKind::Button, texts::statePanicButton, InterfaceClass, &ParamTables::buttonStates},

@@ -8,7 +8,7 @@ struct ParamTables
 {
     ParamItems buttonStates;   ///< keys of a panic-button terminal; bit 7 of the code is a long press
     ParamItems analogStates;   ///< states of an analog terminal
-    ParamItems stateChannels;  ///< five plain rows, then one linked to each analog and to each button row
+    ParamItems stateChannels;  ///< five plain rows, then one linked to each row of each family
     ParamItems terminalStates; ///< fault bits of a terminal, one bit to a row
     ParamItems outputStates;
     ParamItems modes;

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+using scriptRules::findLinkedState;
 using scriptRules::StateKind;
 using scriptRules::TypeFilter;
 
@@ -28,7 +29,9 @@ private slots:
     void statesAreFoundByName();
     void everyButtonStateIsFoundByKeyAndPress();
     void oneNameOfAnalogStatesStandsForThreeCodes();
+    void familiesWithoutKeysKnowTheShortPressOnly();
     void unknownNamesFindNothing();
+    void statesOfAFamilyAreThoseOfItsTable();
     void pressChangesTheRowOfTheSameKey();
     void pressOfAStateWithoutLinkChangesNothing();
     void onlyButtonsHaveALongPress();
@@ -145,22 +148,39 @@ void tst_ScriptRules::everyButtonStateIsFoundByKeyAndPress()
 {
     for (int i = 17; i < 25; ++i) {
         const ParamItemPtr row = model->stateChannelAt(i);
-        QCOMPARE(scriptRules::findButtonState(model->stateChannels(), row->linked->name, row->linked->code > 15), row);
+        const bool isLong = row->linked->code > 15;
+        QCOMPARE(findLinkedState(model->stateChannels(), StateKind::Button, row->linked->name, isLong), row);
     }
 }
 
 void tst_ScriptRules::oneNameOfAnalogStatesStandsForThreeCodes()
 {
-    const ParamItemPtr found = scriptRules::findAnalogState(model->stateChannels(), s("Data corrupted"));
+    const ParamItemPtr found = findLinkedState(model->stateChannels(), StateKind::Analog, s("Data corrupted"), false);
     QCOMPARE(found, model->stateChannelAt(13)); // the first, code 8
     QCOMPARE(int(found->effectiveCode()), 8);
+}
+
+void tst_ScriptRules::familiesWithoutKeysKnowTheShortPressOnly()
+{
+    const ParamItemPtr row = model->stateChannelAt(5); // the first analog one
+    row->linked = ParamItemPtr::create(*row->linked);
+    row->linked->code = 0x81; // a long press, were it a button's
+    QCOMPARE(findLinkedState(model->stateChannels(), StateKind::Analog, row->linked->name, false), row);
+    QVERIFY(!findLinkedState(model->stateChannels(), StateKind::Analog, row->linked->name, true));
 }
 
 void tst_ScriptRules::unknownNamesFindNothing()
 {
     QVERIFY(!scriptRules::findState(model->stateChannels(), s("<Other>")));
-    QVERIFY(!scriptRules::findAnalogState(model->stateChannels(), s("Button 1(Alarm)")));
-    QVERIFY(!scriptRules::findButtonState(model->stateChannels(), s("Norm"), false));
+    QVERIFY(!findLinkedState(model->stateChannels(), StateKind::Analog, s("Button 1(Alarm)"), false));
+    QVERIFY(!findLinkedState(model->stateChannels(), StateKind::Button, s("Norm"), false));
+}
+
+void tst_ScriptRules::statesOfAFamilyAreThoseOfItsTable()
+{
+    QCOMPARE(scriptRules::linkedStates(model->stateChannels(), StateKind::Analog), model->analogStates());
+    QCOMPARE(scriptRules::linkedStates(model->stateChannels(), StateKind::Button), model->buttonStates());
+    QVERIFY(scriptRules::linkedStates(model->stateChannels(), StateKind::Plain).isEmpty());
 }
 
 void tst_ScriptRules::pressChangesTheRowOfTheSameKey()

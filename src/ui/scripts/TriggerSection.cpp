@@ -46,8 +46,9 @@ TriggerSection::TriggerSection(const Ui::Setting_Script_Widget& form, const Rela
     setTexts({{ui.radioShortPress, texts::pressShort()},
               {ui.radioLongPress, texts::pressLong()},
               {ui.titleNumberChannel, texts::editorChannelNumbers()}});
-    fill(ui.comboBoxPNB, model.buttonStates());
-    fill(ui.comboBoxAnalog, model.analogStates());
+    for (const FamilyControls& family : families) {
+        fill(family.list, scriptRules::linkedStates(allStates, family.kind));
+    }
     makeChannelButtons();
     fillTerminalStates();
     showFurtherControls(StateKind::NotActive);
@@ -156,14 +157,16 @@ void TriggerSection::stateChosen(int index)
 void TriggerSection::linkedStateChosen(QComboBox* list, int index)
 {
     paint(list);
-    const StateKind kind = list == ui.comboBoxPNB ? StateKind::Button : StateKind::Analog;
-    if (!editing() || index < 0 || scriptRules::kindOf(script->stateChannel) != kind) {
+    if (!editing() || index < 0) {
         return;
     }
-    const QString name = list->currentText();
-    setState(kind == StateKind::Button ? scriptRules::findButtonState(allStates, name, ui.radioLongPress->isChecked())
-                                       : scriptRules::findAnalogState(allStates, name),
-             TypeFilter::Keep);
+    for (const FamilyControls& family : families) {
+        if (family.list == list && family.kind == scriptRules::kindOf(script->stateChannel)) {
+            const bool longPress = family.kind == StateKind::Button && ui.radioLongPress->isChecked();
+            setState(scriptRules::findLinkedState(allStates, family.kind, list->currentText(), longPress),
+                     TypeFilter::Keep);
+        }
+    }
 }
 
 void TriggerSection::setPress(bool longPress)

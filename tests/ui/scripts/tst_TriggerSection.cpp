@@ -28,6 +28,7 @@ private slots:
     void everyButtonAndPressFindsItsRow();
     void everyAnalogStateFindsItsFirstRow_data();
     void everyAnalogStateFindsItsFirstRow();
+    void listOfAnotherFamilyChangesNothing();
     void pressOfAStateWithoutALinkChangesNothing();
     void tableRowsAreNeverWritten();
 
@@ -269,6 +270,16 @@ void tst_TriggerSection::everyAnalogStateFindsItsFirstRow()
     QCOMPARE(int(shown->script()->stateChannel->linked->code), code);
     QCOMPARE(shown->spin("spinBoxOtherStateChannel")->value(), code);
     QCOMPARE(shown->combo("comboBoxAnalog")->count(), 10);
+}
+
+void tst_TriggerSection::listOfAnotherFamilyChangesNothing()
+{
+    shown->chooseState(texts::stateAnalog());
+    shown->choose("comboBoxPNB", texts::stateButton4());
+    QCOMPARE(shown->script()->stateChannel->linked, shown->model->analogStates().first());
+    shown->chooseState(texts::statePanicButton());
+    shown->choose("comboBoxAnalog", texts::analogTemperatureOutside());
+    QCOMPARE(shown->script()->stateChannel->linked, shown->model->buttonStates().first());
 }
 
 void tst_TriggerSection::pressOfAStateWithoutALinkChangesNothing()
