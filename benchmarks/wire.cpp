@@ -115,7 +115,7 @@ std::vector<Figure> run()
     QObject::disconnect(&form, nullptr, &end, nullptr);
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadLogOnForm, &end,
                      [&](const QByteArrayList&, bool last) { last ? end.quit() : void(); });
-    form.forceLogReading();
+    form.coordinatorLink().forceLogReading();
     figures.push_back(overTheWire(
         QStringLiteral("log of 2,000 records at 57600"), unit, [&] { form.sl_SendRequestBeginReadLog(); }, end));
     return figures;

@@ -276,7 +276,7 @@ void CoordinatorLink::answerOperation(const message& answer)
     if (failed) {
         // The name by which this line has always been found in the logs.
         qDebug() << now().toString(QStringLiteral("hh:mm:ss:zzz"))
-                 << " (FormChoiceCoordinator): " << step::failureLabel(answer.requestType())
+                 << " (FormChoiceCoordinator): " << protocol_HUBN_NX_Q::failureLabel(answer.requestType())
                  << " (attempts remained = " << answer.attempts() << ")";
         if (answer.hasAttempts()) {
             resend(answer);

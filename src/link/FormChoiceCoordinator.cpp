@@ -240,16 +240,6 @@ int FormChoiceCoordinator::currentBaudrate() const
     return link.currentBaudrate();
 }
 
-void FormChoiceCoordinator::forceLogReading()
-{
-    link.forceLogReading();
-}
-
-void FormChoiceCoordinator::setFirmwareRunner(FirmwareRunner runner)
-{
-    link.setFirmwareRunner(std::move(runner));
-}
-
 void FormChoiceCoordinator::sl_updatePortList()
 {
     link.updatePortList();

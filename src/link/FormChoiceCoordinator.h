@@ -47,11 +47,12 @@ public:
     /// Baud rate at which the current port was chosen, 1200 if there is no current port.
     int currentBaudrate() const;
 
-    /// Makes the next log reading read the log even if its counter hasn't changed.
-    void forceLogReading();
-
-    /// What a row's firmware button calls. Without one the button does nothing.
-    void setFirmwareRunner(FirmwareRunner runner);
+    /// The link that the form shows, for what the form has nothing to add to. A row's firmware button calls the link's
+    /// firmware runner.
+    CoordinatorLink& coordinatorLink()
+    {
+        return link;
+    }
 
 public slots:
     // Ports and their coordinators.

@@ -21,17 +21,6 @@ using Text = QString (*)();
 constexpr char bootStart = '\xFA';
 constexpr int headerSize = 5; ///< of a frame, up to and with its length
 
-// By the number of the type, from 1 on.
-constexpr Text requestNames[] = {
-    &texts::packetSyncTime,      &texts::packetReadTime,      &texts::packetReadLog,       &texts::packetReadLogInfo,
-    &texts::packetWriteConfig,   &texts::packetWriteScript,   &texts::packetReadConfig,    &texts::packetReadScript,
-    &texts::packetSearchAddress, &texts::packetSearchAll,     &texts::packetSearchAddress, &texts::packetBusySystem,
-    &texts::packetBusySensor,    &texts::packetBusyExecutive, &texts::packetBusyInterface, &texts::packetBusyAnalog,
-    &texts::packetInfoSystem,    &texts::packetInfoSensor,    &texts::packetInfoExecutive, &texts::packetInfoInterface,
-    &texts::packetInfoAnalog,    &texts::packetSwitchToBoot,
-};
-static_assert(std::size(requestNames) == P::Switch_To_Boot);
-
 // By the ParseStatus of a frame that can't be read.
 constexpr Text faults[] = {
     nullptr,
@@ -44,11 +33,6 @@ constexpr Text faults[] = {
     &texts::packetBadLength,
     nullptr, // the rest of a packet with a wrong checksum is told all the same
 };
-
-QString nameOf(int type)
-{
-    return type > 0 ? requestNames[type - 1]() : texts::packetUnknownRequest();
-}
 
 QString hexBytes(const QByteArray& bytes)
 {
@@ -209,7 +193,7 @@ QStringList requestInWords(const QByteArray& request)
         return {texts::packetNoRequest(), fault};
     }
     const int type = P::requestType(frame);
-    QStringList lines(texts::packetRequest().arg(nameOf(type)));
+    QStringList lines(texts::packetRequest().arg(P::requestName(type)));
     const int address = byteAt(frame, 2);
     lines.append(address == 0 ? texts::packetToAll() : texts::packetTo().arg(address));
     appendUnlessEmpty(lines, dataOfRequest(type, frame));
@@ -234,7 +218,7 @@ QStringList answerInWords(const QByteArray& answer, const QByteArray& request)
     QByteArray requestFrame;
     const bool isKnown = P::cutFrame(request, P::requestStart, requestFrame) == PacketOk;
     const int type = isKnown ? P::requestType(requestFrame) : 0;
-    QStringList lines(type > 0 ? texts::packetAnswerTo().arg(nameOf(type)) : texts::packetAnswer());
+    QStringList lines(type > 0 ? texts::packetAnswerTo().arg(P::requestName(type)) : texts::packetAnswer());
     lines.append(texts::packetFrom().arg(byteAt(frame, 2)));
     const int code = byteAt(frame, headerSize);
     lines.append(code == 0 ? texts::packetAccepted() : texts::packetRefused().arg(code));

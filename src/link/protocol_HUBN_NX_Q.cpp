@@ -1,7 +1,9 @@
 #include "link/protocol_HUBN_NX_Q.h"
 
 #include "domain/terminals.h"
+#include "texts/texts.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
@@ -27,7 +29,7 @@ constexpr quint8 logContinues = 0x80;
 constexpr quint8 urgent = 100;
 constexpr quint8 background = 50;
 
-/// What is constant in a request: its kind and the bytes from the command on, before the data that vary.
+/// What is constant in a request: its kind and the bytes from the command on, before the data that vary; and its names.
 struct RequestForm
 {
     int type;
@@ -35,41 +37,52 @@ struct RequestForm
     quint8 priority;
     std::string_view command;
     int dataSize = 0; ///< of the bytes behind the command
+    QString (*name)() = texts::packetUnknownRequest;
+    const char* failure = "Error UNKNOWN COMMAND"; ///< what the debug log says of a failed step
 };
 
 constexpr int anySize = -1; ///< at least one byte
 
 using P = protocol_HUBN_NX_Q;
 
-// By the number of the type, from 1 on.
+// All requests there are; the numbers of their types may have gaps.
 constexpr RequestForm forms[] = {
-    {P::Sync_Time, markedKind, urgent, "\x05"sv, anySize},
-    {P::Read_Time, markedKind, background, "\x05"sv},
-    {P::Read_Log, markedKind, urgent, "\x06"sv},
-    {P::Read_Info_Log, markedKind, urgent, "\x06\x00"sv},
-    {P::Write_Config, markedKind, urgent, "\x01"sv, anySize},
-    {P::Write_Script, markedKind, urgent, "\x02"sv, anySize},
-    {P::Read_Config, markedKind, urgent, "\x01"sv, 2},
-    {P::Read_Script, markedKind, urgent, "\x02"sv, 1},
-    {P::Search_Address, plainKind, background, "\x61"sv},
-    {P::Search_Broadcast, markedKind, background, "\x01\x00\x00"sv},
-    {P::Check_Coordinator, plainKind, background, "\x61"sv},
-    {P::Busy_Channel_System, plainKind, urgent, "\x7F\x15\xFF\xFF"sv},
-    {P::Busy_Channel_Sensor, plainKind, urgent, "\x15\xFF\xFF"sv},
-    {P::Busy_Channel_Execute, plainKind, urgent, "\x35\xFF\xFF"sv},
-    {P::Busy_Channel_Interface, plainKind, urgent, "\x55\xFF\xFF"sv},
-    {P::Busy_Channel_Analog, plainKind, urgent, "\x95\xFF\xFF"sv},
-    {P::Terminal_System_Info, plainKind, urgent, "\x7F\x14"sv, 1},
-    {P::Terminal_Sensor_Info, plainKind, urgent, "\x14"sv, 1},
-    {P::Terminal_Execute_Info, plainKind, urgent, "\x34"sv, 1},
-    {P::Terminal_Interface_Info, plainKind, urgent, "\x54"sv, 1},
-    {P::Terminal_Analog_Info, plainKind, urgent, "\x94"sv, 1},
-    {P::Switch_To_Boot, plainKind, urgent, "\x6F"sv},
+    {P::Sync_Time, markedKind, urgent, "\x05"sv, anySize, texts::packetSyncTime},
+    {P::Read_Time, markedKind, background, "\x05"sv, 0, texts::packetReadTime},
+    {P::Read_Log, markedKind, urgent, "\x06"sv, 0, texts::packetReadLog, "Error Read LOG!"},
+    {P::Read_Info_Log, markedKind, urgent, "\x06\x00"sv, 0, texts::packetReadLogInfo, "Error Read Info about LOG!"},
+    {P::Write_Config, markedKind, urgent, "\x01"sv, anySize, texts::packetWriteConfig, "Error Write CONFIGURATION!"},
+    {P::Write_Script, markedKind, urgent, "\x02"sv, anySize, texts::packetWriteScript, "Error Write SCRIPT!"},
+    {P::Read_Config, markedKind, urgent, "\x01"sv, 2, texts::packetReadConfig, "Error Read CONFIGURATION!"},
+    {P::Read_Script, markedKind, urgent, "\x02"sv, 1, texts::packetReadScript, "Error Read SCRIPT!"},
+    {P::Search_Address, plainKind, background, "\x61"sv, 0, texts::packetSearchAddress},
+    {P::Search_Broadcast, markedKind, background, "\x01\x00\x00"sv, 0, texts::packetSearchAll},
+    {P::Check_Coordinator, plainKind, background, "\x61"sv, 0, texts::packetSearchAddress},
+    {P::Busy_Channel_System, plainKind, urgent, "\x7F\x15\xFF\xFF"sv, 0, texts::packetBusySystem,
+     "Error Busy_Channel_System!"},
+    {P::Busy_Channel_Sensor, plainKind, urgent, "\x15\xFF\xFF"sv, 0, texts::packetBusySensor,
+     "Error Busy_Channel_Sensor!"},
+    {P::Busy_Channel_Execute, plainKind, urgent, "\x35\xFF\xFF"sv, 0, texts::packetBusyExecutive,
+     "Error Busy_Channel_Execute!"},
+    {P::Busy_Channel_Interface, plainKind, urgent, "\x55\xFF\xFF"sv, 0, texts::packetBusyInterface,
+     "Error Busy_Channel_Interface!"},
+    {P::Busy_Channel_Analog, plainKind, urgent, "\x95\xFF\xFF"sv, 0, texts::packetBusyAnalog,
+     "Error Busy_Channel_Analog!"},
+    {P::Terminal_System_Info, plainKind, urgent, "\x7F\x14"sv, 1, texts::packetInfoSystem,
+     "Error Terminal_System_Info!"},
+    {P::Terminal_Sensor_Info, plainKind, urgent, "\x14"sv, 1, texts::packetInfoSensor, "Error Terminal_Sensor_Info!"},
+    {P::Terminal_Execute_Info, plainKind, urgent, "\x34"sv, 1, texts::packetInfoExecutive,
+     "Error Terminal_Execute_Info!"},
+    {P::Terminal_Interface_Info, plainKind, urgent, "\x54"sv, 1, texts::packetInfoInterface,
+     "Error Terminal_Interface_Info!"},
+    {P::Terminal_Analog_Info, plainKind, urgent, "\x94"sv, 1, texts::packetInfoAnalog, "Error Terminal_Analog_Info!"},
+    {P::Switch_To_Boot, plainKind, urgent, "\x6F"sv, 0, texts::packetSwitchToBoot},
 };
 
 // A question about a class that doesn't exist has no command and no type, but the length of one of the usual classes.
 constexpr RequestForm unknownBusyChannels = {0, plainKind, urgent, "\xFF\xFF"sv};
 constexpr RequestForm unknownTerminalInfo = {0, plainKind, urgent, ""sv};
+constexpr RequestForm unknownRequest = {0, plainKind, background, ""sv};
 constexpr int missingCommand = 1;
 
 QByteArray frame(quint8 kind, quint8 address, quint8 flags, int length, const QByteArray& body)
@@ -98,10 +111,17 @@ message build(const RequestForm& form, quint8 address, const QByteArray& data = 
     return result;
 }
 
+/// The form of a type; that of no request if there is none.
+const RequestForm& formOfType(int type)
+{
+    const auto* const found =
+        std::find_if(std::begin(forms), std::end(forms), [type](const RequestForm& form) { return form.type == type; });
+    return found != std::end(forms) ? *found : unknownRequest;
+}
+
 message build(P::RequestType type, quint8 address, const QByteArray& data = {}, quint8 flags = 0)
 {
-    static_assert(std::size(forms) == P::Switch_To_Boot);
-    return build(forms[type - 1], address, data, flags);
+    return build(formOfType(type), address, data, flags);
 }
 
 QByteArray byteArray(std::initializer_list<quint8> bytes)
@@ -223,6 +243,16 @@ QByteArray protocol_HUBN_NX_Q::requestData(const QByteArray& frame)
     return frame.mid(begin, headerSize + quint8(frame.at(4)) - begin);
 }
 
+QString protocol_HUBN_NX_Q::requestName(int type)
+{
+    return formOfType(type).name();
+}
+
+const char* protocol_HUBN_NX_Q::failureLabel(int type)
+{
+    return formOfType(type).failure;
+}
+
 message protocol_HUBN_NX_Q::parseAnswer(message answer)
 {
     constexpr int greatestCode = 11;
@@ -333,7 +363,7 @@ message protocol_HUBN_NX_Q::requestSearchCoordinator()
 message protocol_HUBN_NX_Q::requestBusyChannels(quint8 address, quint8 channelClass)
 {
     const bool known = channelClass < terminalClasses;
-    message result = build(known ? forms[Busy_Channel_System - 1 + channelClass] : unknownBusyChannels, address);
+    message result = build(known ? formOfType(Busy_Channel_System + channelClass) : unknownBusyChannels, address);
     result.markRepeatCheck();
     return result;
 }
@@ -341,7 +371,7 @@ message protocol_HUBN_NX_Q::requestBusyChannels(quint8 address, quint8 channelCl
 message protocol_HUBN_NX_Q::requestTerminalInfo(quint8 address, quint8 channelClass, quint8 terminal)
 {
     const bool known = channelClass < terminalClasses;
-    message result = build(known ? forms[Terminal_System_Info - 1 + channelClass] : unknownTerminalInfo, address,
+    message result = build(known ? formOfType(Terminal_System_Info + channelClass) : unknownTerminalInfo, address,
                            byteArray({terminal}));
     result.markRepeatCheck();
     return result;

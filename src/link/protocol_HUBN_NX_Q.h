@@ -67,6 +67,11 @@ public:
     /// Search_Address on the wire.
     static int requestType(const QByteArray& frame);
 
+    /// What a type is called in words, and what the debug log says of a failed attempt at it. Any number may be asked
+    /// for.
+    static QString requestName(int type);
+    static const char* failureLabel(int type);
+
     /// The data of a request, which is what follows its command.
     static QByteArray requestData(const QByteArray& frame);
 

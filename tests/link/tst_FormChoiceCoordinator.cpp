@@ -582,7 +582,7 @@ void tst_FormChoiceCoordinator::theFirmwareButtonRunsALoadOnItsPort()
     recorder.connectButton(1)->click();
     recorder.take();
     int runs = 0;
-    recorder.form.setFirmwareRunner([&](const FirmwarePort& port) {
+    recorder.form.coordinatorLink().setFirmwareRunner([&](const FirmwarePort& port) {
         ++runs;
         // A disconnected row has no address any more, but keeps the rate at which the unit was found.
         QCOMPARE(int(port.address), 255);

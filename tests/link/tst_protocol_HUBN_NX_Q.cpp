@@ -1,5 +1,6 @@
 #include "link/protocol_HUBN_NX_Q.h"
 #include "support/AnswerFrames.h"
+#include "texts/texts.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -106,6 +107,9 @@ private slots:
     void cutAtEveryByte();
     void randomAnswersComeBack();
     void randomBytesMatchThePlainRules();
+    void failedStepsHaveALabel_data();
+    void failedStepsHaveALabel();
+    void everyTypeHasAName();
 };
 
 void tst_protocol_HUBN_NX_Q::checksum_data()
@@ -484,6 +488,59 @@ void tst_protocol_HUBN_NX_Q::randomBytesMatchThePlainRules()
     }
     for (const int status : {0, 1, 3, 4, 5, 6, 7, 8}) {
         QVERIFY2(seen[status] > 100, QByteArray::number(status).constData());
+    }
+}
+
+void tst_protocol_HUBN_NX_Q::failedStepsHaveALabel_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("label");
+    const QStringList labels{
+        QStringLiteral("Error Read LOG!"),
+        QStringLiteral("Error Read Info about LOG!"),
+        QStringLiteral("Error Write CONFIGURATION!"),
+        QStringLiteral("Error Write SCRIPT!"),
+        QStringLiteral("Error Read CONFIGURATION!"),
+        QStringLiteral("Error Read SCRIPT!"),
+        QStringLiteral("Error UNKNOWN COMMAND"),
+        QStringLiteral("Error UNKNOWN COMMAND"),
+        QStringLiteral("Error UNKNOWN COMMAND"),
+        QStringLiteral("Error Busy_Channel_System!"),
+        QStringLiteral("Error Busy_Channel_Sensor!"),
+        QStringLiteral("Error Busy_Channel_Execute!"),
+        QStringLiteral("Error Busy_Channel_Interface!"),
+        QStringLiteral("Error Busy_Channel_Analog!"),
+        QStringLiteral("Error Terminal_System_Info!"),
+        QStringLiteral("Error Terminal_Sensor_Info!"),
+        QStringLiteral("Error Terminal_Execute_Info!"),
+        QStringLiteral("Error Terminal_Interface_Info!"),
+        QStringLiteral("Error Terminal_Analog_Info!"),
+        QStringLiteral("Error UNKNOWN COMMAND"),
+    };
+    for (int i = 0; i < labels.size(); ++i) {
+        QTest::addRow("type %d", i + 3) << i + 3 << labels.at(i);
+    }
+    for (const int type : {-1, 0, 1, 2, 23, 99, 255}) {
+        QTest::addRow("type %d", type) << type << QStringLiteral("Error UNKNOWN COMMAND");
+    }
+}
+
+void tst_protocol_HUBN_NX_Q::failedStepsHaveALabel()
+{
+    QFETCH(int, type);
+    QTEST(QString::fromLatin1(P::failureLabel(type)), "label");
+}
+
+void tst_protocol_HUBN_NX_Q::everyTypeHasAName()
+{
+    for (int type = P::Sync_Time; type <= P::Switch_To_Boot; ++type) {
+        QVERIFY2(P::requestName(type) != texts::packetUnknownRequest(), QByteArray::number(type).constData());
+    }
+    QCOMPARE(P::requestName(P::Sync_Time), texts::packetSyncTime());
+    QCOMPARE(P::requestName(P::Check_Coordinator), texts::packetSearchAddress());
+    QCOMPARE(P::requestName(P::Switch_To_Boot), texts::packetSwitchToBoot());
+    for (const int type : {-1, 0, P::Switch_To_Boot + 1, 255}) {
+        QCOMPARE(P::requestName(type), texts::packetUnknownRequest());
     }
 }
 

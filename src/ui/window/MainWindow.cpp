@@ -30,14 +30,6 @@ void MainWindow::sl_ReceiveInfoCoordinator(uchar statePort, const QString& nameP
     statusSections->showPort(statePort, namePort, baudrate, addressCoordinator, serNum, version);
 }
 
-void MainWindow::sl_ReceiveEnableOperation(bool enable)
-{
-    for (QAction* action :
-         {ui->actionRead, ui->actionWrite, ui->actionFirmware, ui->actionFactorySetting, ui->actionReadLog}) {
-        action->setEnabled(enable);
-    }
-}
-
 void MainWindow::sl_ReceiveTimeInfo(const QString& deviceTime, bool correctTime)
 {
     statusSections->showDeviceTime(deviceTime);

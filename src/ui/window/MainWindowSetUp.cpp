@@ -159,7 +159,7 @@ void MainWindow::setUpLog()
 {
     logTab = std::make_unique<LogTab>(LogWidgets{this, ui->tableViewLogEvents, ui->labelCountRows}, *device, dialogs);
     LogTab* const tab = logTab.get();
-    connect(tab, &LogTab::forceReading, formChoiceCoordinator, &FormChoiceCoordinator::forceLogReading);
+    connect(tab, &LogTab::forceReading, &formChoiceCoordinator->coordinatorLink(), &CoordinatorLink::forceLogReading);
     connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, tab, &LogTab::expectMissingEvents);
     connect(tab, &LogTab::newResult, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
     connect(ui->tabWidget, &QTabWidget::currentChanged, tab, &LogTab::endFinding);
@@ -244,7 +244,8 @@ void MainWindow::connectFirmware()
     connect(this, &MainWindow::sig_LoadingFirmwareCurrentPort, formChoiceCoordinator,
             &FormChoiceCoordinator::sl_CurrentLoadingFirmwareIsRunning);
     connect(firmwareLoading, &FirmwareLoading::result, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
-    formChoiceCoordinator->setFirmwareRunner([this](const FirmwarePort& port) { firmwareLoading->loadOnPort(port); });
+    formChoiceCoordinator->coordinatorLink().setFirmwareRunner(
+        [this](const FirmwarePort& port) { firmwareLoading->loadOnPort(port); });
 }
 
 void MainWindow::setTexts()
@@ -291,4 +292,12 @@ void MainWindow::connectActions()
     connect(ui->actionSaveLog, &QAction::triggered, this, &MainWindow::sl_SaveLogInFile);
     connect(ui->pushButtonAddScript, &QPushButton::clicked, this, &MainWindow::sl_AddScriptInActivateList);
     connect(ui->pushButtonDeleteScript, &QPushButton::clicked, this, &MainWindow::sl_DeleteScriptFromActivateList);
+}
+
+void MainWindow::sl_ReceiveEnableOperation(bool enable)
+{
+    for (QAction* action :
+         {ui->actionRead, ui->actionWrite, ui->actionFirmware, ui->actionFactorySetting, ui->actionReadLog}) {
+        action->setEnabled(enable);
+    }
 }
