@@ -129,8 +129,21 @@ QString dataOfAnswer(int type, const QByteArray& data)
 
 // ---- Bootloader --------------------------------------------------------------------------------------------------
 
+QString bootCode(int code)
+{
+    return texts::packetBootCode().arg(code, 2, 16, QLatin1Char('0'));
+}
+
+/// The byte as it came: 2 is no error here, 1 is.
+QString bootResult(int result)
+{
+    constexpr Text meanings[] = {texts::packetAccepted, texts::packetBootWriteError, texts::packetAccepted};
+    const bool isKnown = result < int(std::size(meanings));
+    return bootCode(result) + QLatin1String(", ") + (isKnown ? meanings[result]() : texts::packetBootUnknownResult());
+}
+
 /// Start byte, number of bytes behind it, command or result, data, checksum over all but the start byte.
-QStringList bootInWords(const QByteArray& bytes, const QString& whose)
+QStringList bootInWords(const QByteArray& bytes, const QString& whose, QString (*codeInWords)(int))
 {
     const int start = bytes.indexOf(bootStart);
     if (start < 0) {
@@ -143,7 +156,7 @@ QStringList bootInWords(const QByteArray& bytes, const QString& whose)
         lines.append(packet.size() > 1 && length < 3 ? texts::packetBadLength() : texts::packetIncomplete());
         return lines;
     }
-    lines.append(texts::packetBootCode().arg(byteAt(packet, 2), 2, 16, QLatin1Char('0')));
+    lines.append(codeInWords(byteAt(packet, 2)));
     if (length > 3) {
         lines.append(hexBytes(packet.mid(3, length - 3)));
     }
@@ -184,7 +197,7 @@ QString formOfTime()
 QStringList requestInWords(const QByteArray& request)
 {
     if (request.startsWith(bootStart)) {
-        return bootInWords(request, texts::packetBootRequest());
+        return bootInWords(request, texts::packetBootRequest(), bootCode);
     }
     QByteArray frame;
     const ParseStatus status = P::cutFrame(request, P::requestStart, frame);
@@ -207,7 +220,7 @@ QStringList answerInWords(const QByteArray& answer, const QByteArray& request)
         return {texts::wordNoAnswer()};
     }
     if (request.startsWith(bootStart) || (request.isEmpty() && answer.startsWith(bootStart))) {
-        return bootInWords(answer, texts::packetBootAnswer());
+        return bootInWords(answer, texts::packetBootAnswer(), bootResult);
     }
     QByteArray frame;
     const ParseStatus status = P::cutFrame(answer, P::answerStart, frame);

@@ -26,6 +26,13 @@ QByteArray answer(int code, const QByteArray& data)
     return Protocol::stuffBytes(frame);
 }
 
+QByteArray bootPacket(const char* unchecked)
+{
+    const QByteArray packet = hex(unchecked);
+    const int checksum = Protocol::crc16(packet.mid(1));
+    return packet + static_cast<char>(checksum & 0xFF) + static_cast<char>(checksum >> 8);
+}
+
 } // namespace
 
 class tst_packetText : public QObject
@@ -39,6 +46,8 @@ private slots:
     void answersAreToldInWords_data();
     void answersAreToldInWords();
     void packetsOfTheBootloaderAreToldInWords();
+    void resultsOfTheBootloaderHaveAMeaning_data();
+    void resultsOfTheBootloaderHaveAMeaning();
     void noBytesAreTooMuch();
     void textIsReadBack();
     void textOfAnEditorIsReadBack();
@@ -168,10 +177,7 @@ void tst_packetText::answersAreToldInWords()
 
 void tst_packetText::packetsOfTheBootloaderAreToldInWords()
 {
-    QByteArray packet = hex("fa05010203");
-    const int checksum = Protocol::crc16(packet.mid(1));
-    packet += static_cast<char>(checksum & 0xFF);
-    packet[6] = static_cast<char>(checksum >> 8);
+    QByteArray packet = bootPacket("fa05010203");
     const QStringList request = packettext::requestInWords(packet);
     QCOMPARE(request.size(), 4);
     QCOMPARE(request.mid(0, 3), QStringList({QStringLiteral("Request to the bootloader"), QStringLiteral("code 01"),
@@ -185,6 +191,26 @@ void tst_packetText::packetsOfTheBootloaderAreToldInWords()
     QCOMPARE(packettext::requestInWords(hex("fa")).constLast(), QStringLiteral("incomplete"));
     QCOMPARE(packettext::requestInWords(hex("fa0201")).constLast(), QStringLiteral("a length that can't be"));
     QCOMPARE(packettext::answerInWords(hex("0102"), packet).constLast(), QStringLiteral("no start byte"));
+}
+
+void tst_packetText::resultsOfTheBootloaderHaveAMeaning_data()
+{
+    QTest::addColumn<QByteArray>("packet");
+    QTest::addColumn<QString>("words");
+    QTest::newRow("accepted") << bootPacket("fa0300") << QStringLiteral("code 00, accepted");
+    QTest::newRow("write error") << bootPacket("fa0301") << QStringLiteral("code 01, write error");
+    QTest::newRow("accepted too") << bootPacket("fa0302") << QStringLiteral("code 02, accepted");
+    QTest::newRow("first without a meaning") << bootPacket("fa0303") << QStringLiteral("code 03, not known");
+    QTest::newRow("last without a meaning") << bootPacket("fa03ff") << QStringLiteral("code ff, not known");
+}
+
+void tst_packetText::resultsOfTheBootloaderHaveAMeaning()
+{
+    QFETCH(QByteArray, packet);
+    QFETCH(QString, words);
+    QCOMPARE(packettext::answerInWords(packet, hex("fa")).value(1), words);
+    // In a request the same byte is a command.
+    QCOMPARE(packettext::requestInWords(packet).value(1), words.section(QLatin1Char(','), 0, 0));
 }
 
 void tst_packetText::noBytesAreTooMuch()
