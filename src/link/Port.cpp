@@ -96,7 +96,7 @@ void Port::open()
 void Port::close()
 {
     known.connected = false;
-    known.lineBaudrate = 0;
+    known.lineBaudrate.reset();
     known.coordinator.reset();
     watchedAddress = noCoordinator;
     switchWatch(false);

@@ -21,8 +21,8 @@ struct PortInfo
     StatePort state = StateConnecting; ///< of a port that was closed for a cause, the cause
     bool connected = true;             ///< false: closed by the user, or for the cause that `state` tells
     bool watched = false;              ///< the coordinator is asked once a second whether it is there
-    int lineBaudrate = 0;              ///< at which the worker talks; 0: nothing was said since the port was closed
-    int baudrate = 0;                  ///< at which a coordinator answered; 0 until one did
+    std::optional<int> lineBaudrate; ///< at which the worker talks; none if nothing was said since the port was closed
+    int baudrate = 0;                ///< at which a coordinator answered; 0 until one did
     std::optional<CoordinatorInfo> coordinator; ///< as its last answer gave it; none on a closed port
 };
 
@@ -57,7 +57,8 @@ public:
     /// Opens the port for the first time. Once, when all signals are connected.
     void start();
 
-    /// Begins the end, so that many ports can end side by side. What was sent before still goes out.
+    /// Begins the end, so that many ports can end side by side. It comes behind what the worker was told before, but
+    /// waits for no answer: a request in flight, and those that queue behind it, end without a word.
     void stop();
 
     void open();  ///< anew, also an open one; a search follows

@@ -63,7 +63,7 @@ void PortRow::refresh() const
 {
     const PortInfo& info = port->info();
     const StatePortTraits traits = statePortTraits(info.state);
-    itemBaudrate->setText(info.lineBaudrate != 0 ? QString::number(info.lineBaudrate) : texts::noValue());
+    itemBaudrate->setText(info.lineBaudrate ? QString::number(*info.lineBaudrate) : texts::noValue());
     itemCoordinator->setText(info.coordinator
                                  ? texts::statusCoordinator() + QStringLiteral(" %1").arg(info.coordinator->address)
                                  : texts::noValue());

@@ -57,7 +57,7 @@ public:
     static QString identityOf(const Port& port)
     {
         const PortInfo& info = port.info();
-        const QString rate = info.lineBaudrate != 0 ? QString::number(info.lineBaudrate) : QStringLiteral("-");
+        const QString rate = info.lineBaudrate ? QString::number(*info.lineBaudrate) : QStringLiteral("-");
         return info.coordinator ? QStringLiteral("%1 %2 %3 %4")
                                       .arg(rate)
                                       .arg(info.coordinator->address)

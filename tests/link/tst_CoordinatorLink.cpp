@@ -90,7 +90,7 @@ void tst_CoordinatorLink::findsAUnitAt9600AndStaysThere()
     EVENTUALLY(recorder.has(QStringLiteral("scripts 1")));
     // The watch, too.
     EVENTUALLY(recorder.has(QStringLiteral("time 1")));
-    QCOMPARE(recorder.info().lineBaudrate, 9600);
+    QCOMPARE(recorder.info().lineBaudrate.value_or(0), 9600);
     QCOMPARE(recorder.link.currentBaudrate(), 9600);
     const QVector<UnitRequest> requests = unit.requests();
     int heard = 0;

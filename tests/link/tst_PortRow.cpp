@@ -108,6 +108,11 @@ void tst_PortRow::showsWhatIsKnownOfThePort()
     QVERIFY(row.checkBoxCheck->isChecked());
     QVERIFY(!row.cellWidget->isHidden());
 
+    // A rate like any other: only a port that is closed has none.
+    owned.port.setLineBaudrate(0);
+    row.refresh();
+    QCOMPARE(row.itemBaudrate->text(), QStringLiteral("0"));
+
     owned.port.close();
     row.refresh();
     QCOMPARE(row.itemBaudrate->text(), QStringLiteral("-"));
