@@ -36,7 +36,9 @@ struct FirmwarePort
     std::function<void(bool)> setRunning; ///< while true the port's watch rests and boot answers come back
 };
 
-/// Runs a firmware load on a port and returns when it is over. Answers arrive by CoordinatorLink::firmwareAnswered.
+/// Runs a firmware load on a port and returns when it is over. Answers arrive by CoordinatorLink::firmwareAnswered. The
+/// link, whose function is still running meanwhile, mustn't be destroyed within it, also not by an event that its
+/// dialogs let in.
 using FirmwareRunner = std::function<void(const FirmwarePort&)>;
 
 /// What is told of the current port. The numbers are those that the main window knows.

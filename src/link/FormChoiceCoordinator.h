@@ -81,7 +81,8 @@ public slots:
     void sl_HideFormWaiting();
 
 signals:
-    // What goes to a Transmitter, the first argument; null where a request found no current port.
+    // What a port has told its Transmitter, the first argument, for those who look on; null where a request found no
+    // current port.
     void sig_initTransmitter(Transmitter* receiver, const QString& portName);
     void sig_CheckingPort(Transmitter* receiver, const QString& portName);
     void sig_closePort(Transmitter* receiver);

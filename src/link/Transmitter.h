@@ -20,8 +20,8 @@ class QTimer;
 /// request means.
 ///
 /// Created without a parent by its Port, then moved to a thread of its own, where all its slots run, and reached
-/// by queued signals only. A signal that addresses one port reaches every worker, with the worker meant as its first
-/// argument; all others ignore it. The port and the timers come into being with sl_initialization().
+/// by the queued signals of that Port only. They name the worker that they mean as their first argument, and it ignores
+/// what is meant for another. The serial port and the timers come into being with sl_initialization().
 class Transmitter : public QObject
 {
     Q_OBJECT

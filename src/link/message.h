@@ -21,7 +21,7 @@ enum ParseStatus
 /// One request on its way to a device and back: the frame as it goes on the wire, the bytes that came back, the
 /// parser's verdict, and the bookkeeping for resends, queue order and baud rate.
 ///
-/// A protocol class builds it, a form gives it a baud rate and hands it to a Transmitter, and gets the same record back
+/// A protocol class builds it, who sends it gives it a baud rate and hands it to a Port, and gets the same record back
 /// filled in. It is a plain value, copied freely and passed between threads in queued signals. A request is one of a
 /// device or one of a bootloader: exactly one of requestType() and bootType() is set.
 class message
@@ -127,7 +127,7 @@ public:
         fields.parseStatus = parseStatus;
     }
 
-    /// Resends still allowed. The forms count them; nobody below does.
+    /// Resends still allowed. Who sends counts them; a Transmitter never does.
     quint8 attempts() const
     {
         return fields.attempts;
