@@ -1,6 +1,7 @@
 #include "model/RelayInfo.h"
 
 #include "model/firstOf.h"
+#include "model/tables.h"
 
 namespace
 {

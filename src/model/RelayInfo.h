@@ -2,10 +2,9 @@
 
 #include "model/ConfigurationError.h"
 #include "model/GroupRelay.h"
-#include "model/ParamItem.h"
+#include "model/ParamTables.h"
 #include "model/ScriptInfo.h"
 #include "model/TerminalType.h"
-#include "model/tables.h"
 
 #include <QByteArrayList>
 #include <QList>

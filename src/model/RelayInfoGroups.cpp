@@ -4,6 +4,7 @@
 #include "model/RelayInfo.h"
 #include "model/firstOf.h"
 #include "model/format.h"
+#include "model/tables.h"
 #include "texts/texts.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "model/ScriptRules.h"
 
 #include "model/firstOf.h"
+#include "model/tables.h"
 #include "texts/texts.h"
 
 namespace scriptRules

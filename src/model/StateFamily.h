@@ -1,7 +1,7 @@
 #pragma once
 
 #include "domain/terminals.h"
-#include "model/tables.h"
+#include "model/ParamTables.h"
 #include "texts/texts.h"
 
 namespace scriptRules

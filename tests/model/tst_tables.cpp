@@ -1,4 +1,5 @@
 #include "model/RelayInfo.h"
+#include "model/tables.h"
 
 #include <QColor>
 #include <QTest>
