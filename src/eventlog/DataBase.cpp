@@ -56,6 +56,9 @@ bool DataBase::openWorkingFile()
     QSqlQuery setting(database);
     setting.exec(QStringLiteral("PRAGMA synchronous = OFF"));
     setting.exec(QStringLiteral("PRAGMA journal_mode = MEMORY"));
+    // Room for the pages of the largest log, which a search would read from the file one by one with every key. It is
+    // this connection's alone and not kept in the file.
+    setting.exec(QStringLiteral("PRAGMA cache_size = -16384")); // KiB
     return true;
 }
 
@@ -197,6 +200,9 @@ void DataBase::sl_connectOtherDataBase(const QString& otherFileName)
             makeModel();
         }
         model->select();
+        if (!model->filter().isEmpty()) {
+            model->setFilter(QString()); // it was meant for the log before
+        }
         emit sig_ResultConnectOtherDB(ErrorDataBaseNone, model, otherFileName);
         return;
     }

@@ -52,7 +52,8 @@ public slots:
     /// Shows a saved log: its copy becomes the working file. A file that doesn't exist leaves everything as it is, with
     /// no signal. A file that is no log, by what it is or by the columns of its table, ends with an empty working file,
     /// a fresh model (sig_ResultConnectDB), a message and sig_RefreshComplete; else reports by
-    /// sig_ResultConnectOtherDB. Columns behind those of a log do no harm. The named file is only read.
+    /// sig_ResultConnectOtherDB, without any filter that the log before had. Columns behind those of a log do no harm.
+    /// The named file is only read.
     void sl_connectOtherDataBase(const QString& otherFileName);
 
     /// Copies the working file as it stands to a target; a former file of that name goes only when the copy is whole.

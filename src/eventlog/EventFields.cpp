@@ -2,6 +2,7 @@
 
 #include "domain/terminals.h"
 #include "eventlog/LogTable.h"
+#include "eventlog/dayZero.h"
 #include "texts/texts.h"
 
 #include <QAbstractItemModel>
@@ -47,7 +48,7 @@ QString wordOf(int value, const Text (&words)[Count])
 
 QString meaningOfDays(int days)
 {
-    return QDate(2000, 1, 1).addDays(days).toString(QStringLiteral("dd.MM.yyyy"));
+    return dayZero().addDays(days).toString(QStringLiteral("dd.MM.yyyy"));
 }
 
 QString meaningOfMinutes(int /*minutes*/)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "eventlog/dayZero.h"
+
 #include <QByteArray>
 #include <QDate>
 #include <QString>
@@ -13,7 +15,7 @@ struct EventInfo
 {
     quint16 number = 0; ///< row number; 0 until LogEvents::numberEvents() has run
     QTime time = QTime(0, 0);
-    QDate date = QDate(2000, 1, 1);
+    QDate date = dayZero();
     quint8 address = 0;       ///< 0 is the head unit
     quint8 classTerminal = 0; ///< nibble values 8 to 15 stand here as 248 to 255
     quint8 version = 0;

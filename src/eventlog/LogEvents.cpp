@@ -15,7 +15,7 @@ EventOfTable toRow(const EventInfo& event)
     EventOfTable row;
     row.numberEvent = event.number;
     // Saved logs hold hour * 24 + minute as the time in minutes. Without a valid time both are -1.
-    row.dateInDays = quint16(QDate(2000, 1, 1).daysTo(event.date));
+    row.dateInDays = quint16(dayZero().daysTo(event.date));
     row.timeInMinute = quint16(event.time.hour() * 24 + event.time.minute());
     row.sortDateTime = row.dateInDays * 10000U + row.timeInMinute;
     row.classTerminal = event.classTerminal;

@@ -1,5 +1,8 @@
 #include "eventlog/LogFilter.h"
 
+#include "eventlog/dayZero.h"
+#include "texts/texts.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -28,6 +31,10 @@ constexpr SearchedColumn searchedColumns[] = {
     {"Time", "0123456789:", "TimeInMinute NOT BETWEEN 0 AND 611"}, // 23 * 24 + 59
 };
 
+/// The two columns that are read as one, for a text with a blank in it.
+constexpr SearchedColumn dateAndTime = {"Date || ' ' || Time",
+                                        "0123456789.: ", "(DateInDays = 0 OR TimeInMinute NOT BETWEEN 0 AND 611)"};
+
 bool isMadeOf(const QString& text, const char* characters)
 {
     const QLatin1String all(characters);
@@ -44,13 +51,15 @@ QString alternatives(const QStringList& conditions)
     return QLatin1Char('(') + conditions.join(QLatin1String(" OR ")) + QLatin1Char(')');
 }
 
-/// LIKE takes the 26 letters of ASCII in either case.
+/// LIKE takes the 26 letters of ASCII in either case. To look for an escape too costs it time with every cell.
 QString likePattern(QString text)
 {
+    const int length = text.size();
     text.replace(QLatin1Char('\\'), QLatin1String("\\\\"));
     text.replace(QLatin1Char('%'), QLatin1String("\\%"));
     text.replace(QLatin1Char('_'), QLatin1String("\\_"));
-    return literal(QLatin1Char('%') + text + QLatin1Char('%')) + QLatin1String(" ESCAPE '\\'");
+    const QLatin1String escape(text.size() > length ? " ESCAPE '\\'" : "");
+    return literal(QLatin1Char('%') + text + QLatin1Char('%')) + escape;
 }
 
 /// The pattern of a text with other letters, each as the set of its two cases. It takes longer than that of LIKE.
@@ -78,21 +87,39 @@ bool hasOtherLetters(const QString& text)
     });
 }
 
+QString conditionOfColumn(const SearchedColumn& searched, const QString& text)
+{
+    const QLatin1String column(searched.name);
+    // A text of ASCII alone, as most are, holds no other letters: as many bytes as characters.
+    QString condition =
+        hasOtherLetters(text)
+            ? QStringLiteral("length(CAST(%1 AS BLOB)) > length(%1) AND %1 GLOB ").arg(column) + globPattern(text)
+            : column + QLatin1String(" LIKE ") + likePattern(text);
+    if (searched.characters != nullptr && !isMadeOf(text, searched.characters)) {
+        condition.prepend(QLatin1String(searched.isInWords) + QLatin1String(" AND "));
+    }
+    return condition;
+}
+
+/// One event begins with a Cyrillic letter that looks like the Latin one that the user types.
+QString asItLooks(QString text)
+{
+    constexpr QChar cyrillicCapital(0x0421);
+    constexpr QChar cyrillicSmall(0x0441);
+    return text.replace(cyrillicCapital, QLatin1Char('C')).replace(cyrillicSmall, QLatin1Char('c'));
+}
+
 QString conditionOfText(const QString& text)
 {
-    const bool otherLetters = hasOtherLetters(text);
-    const QString pattern = otherLetters ? globPattern(text) : likePattern(text);
     QStringList conditions;
     for (const SearchedColumn& searched : searchedColumns) {
-        const QLatin1String column(searched.name);
-        // A text of ASCII alone, as most are, holds no other letters: as many bytes as characters.
-        QString condition =
-            otherLetters ? QStringLiteral("length(CAST(%1 AS BLOB)) > length(%1) AND %1 GLOB ").arg(column) + pattern
-                         : column + QLatin1String(" LIKE ") + pattern;
-        if (searched.characters != nullptr && !isMadeOf(text, searched.characters)) {
-            condition.prepend(QLatin1String(searched.isInWords) + QLatin1String(" AND "));
-        }
-        conditions.append(condition);
+        conditions.append(conditionOfColumn(searched, text));
+    }
+    if (text.contains(QLatin1Char(' '))) {
+        conditions.append(conditionOfColumn(dateAndTime, text));
+    }
+    if (asItLooks(texts::eventTerminalConnection()).contains(asItLooks(text), Qt::CaseInsensitive)) {
+        conditions.append(QLatin1String("Event = ") + literal(texts::eventTerminalConnection()));
     }
     return alternatives(conditions);
 }
@@ -118,7 +145,7 @@ QString conditionOfKinds(const QSet<EventKind>& kinds)
 
 QString conditionOfDay(const QDate& day, const char* comparison)
 {
-    const qint64 days = QDate(2000, 1, 1).daysTo(day);
+    const qint64 days = dayZero().daysTo(day);
     return QStringLiteral("DateInDays %1 %2").arg(QLatin1String(comparison)).arg(days);
 }
 
@@ -142,7 +169,7 @@ std::optional<QList<AddressRange>> addressRanges(const QString& text)
         }
         const int begin = first.toInt();
         const int end = isSpan ? (last.isEmpty() ? greatestAddress : last.toInt()) : begin;
-        ranges.append({begin, end});
+        ranges.append({std::min(begin, end), std::max(begin, end)}); // "5-3" is what "3-5" is
     }
     return ranges;
 }

@@ -91,7 +91,7 @@ std::optional<QVector<int>> SqlModel::chosenRows() const
 {
     // One digit for each row in a single text: to step through as many results takes as long as to find them. The
     // table is walked as select() has walked it.
-    const QString digits = QStringLiteral("group_concat(CASE WHEN (%1) THEN 1 ELSE 0 END, '')").arg(filter());
+    const QString digits = QStringLiteral("group_concat(CASE WHEN (%1) THEN '1' ELSE '0' END, '')").arg(filter());
     QSqlQuery query(database());
     query.setForwardOnly(true);
     if (!query.exec(QStringLiteral("SELECT %1 FROM %2 NOT INDEXED").arg(digits, tableName())) || !query.next()) {

@@ -23,6 +23,7 @@ private slots:
 
     void loadShowsASavedLog();
     void loadKeepsTheNumbersOfTheRows();
+    void loadedLogIsWholeWhateverWasLookedForBefore();
     void loadOfAFileThatDoesNotExistEmitsNothing();
     void loadOfAFileThatIsNoLogEndsEmpty_data();
     void loadOfAFileThatIsNoLogEndsEmpty();
@@ -73,6 +74,23 @@ void tst_DataBaseLoading::loadKeepsTheNumbersOfTheRows()
     dataBase->sl_refreshModel();
     QCOMPARE(model->headerData(0, Qt::Vertical).toInt(), 3);
     QCOMPARE(model->headerData(2, Qt::Vertical).toInt(), 1);
+}
+
+void tst_DataBaseLoading::loadedLogIsWholeWhateverWasLookedForBefore()
+{
+    const QString saved = savedLog(QStringLiteral("saved.db"), 5);
+    SqlModel* const model = connected();
+    dataBase->sl_insertIntoTable(eventRows(3));
+    dataBase->sl_refreshModel();
+    for (const char* const condition : {"NumberEvent = 2", "0"}) {
+        dataBase->sl_filterModel(QLatin1String(condition));
+        QVERIFY(model->rowCount() < 3);
+        dataBase->sl_connectOtherDataBase(saved);
+        QCOMPARE(model->rowCount(), 5);
+        QVERIFY(model->filter().isEmpty());
+        dataBase->sl_filterModel(QStringLiteral("NumberEvent > 2"));
+        QCOMPARE(model->rowCount(), 3);
+    }
 }
 
 void tst_DataBaseLoading::loadOfAFileThatDoesNotExistEmitsNothing()

@@ -1,6 +1,7 @@
 #include "DataBaseTest.h"
 #include "eventlog/LogEvents.h"
 #include "eventlog/LogFilter.h"
+#include "texts/texts.h"
 
 Q_DECLARE_METATYPE(LogFilter)
 
@@ -25,6 +26,8 @@ private slots:
     void textIsFoundInTheFiveColumnsAlone_data();
     void textIsFoundInTheFiveColumnsAlone();
     void datesAndTimesInWordsAreFound();
+    void connectionIsFoundByItsLooks_data();
+    void connectionIsFoundByItsLooks();
     void addressesKindsAndDaysNarrow_data();
     void addressesKindsAndDaysNarrow();
     void addressesAreReadAsTheyAreWritten_data();
@@ -112,7 +115,11 @@ void tst_LogFilter::textIsFoundInTheFiveColumnsAlone_data()
     QTest::newRow("source") << QStringLiteral("KV-NX") << true;
     QTest::newRow("details") << QStringLiteral("13°C") << true;
     QTest::newRow("sorting number") << QStringLiteral("75730373") << false;
-    QTest::newRow("over the border of two columns") << QStringLiteral("25.09.2020 14:37") << false;
+    QTest::newRow("date and time") << QStringLiteral("25.09.2020 14:37") << true;
+    QTest::newRow("end of the date and begin of the time") << QStringLiteral(".2020 14:") << true;
+    QTest::newRow("date and another time") << QStringLiteral("25.09.2020 14:38") << false;
+    QTest::newRow("time and date") << QStringLiteral("14:37 25.09.2020") << false;
+    QTest::newRow("over the border of other columns") << QStringLiteral("14:37 Alarm") << false;
 }
 
 void tst_LogFilter::textIsFoundInTheFiveColumnsAlone()
@@ -135,8 +142,38 @@ void tst_LogFilter::datesAndTimesInWordsAreFound()
     fill(rows);
     QCOMPARE(found({rows.last().date.toUpper(), {}, {}, {}, {}}), QList<int>{rows.last().numberEvent});
     QCOMPARE(found({rows.first().time.toUpper(), {}, {}, {}, {}}), QList<int>{rows.first().numberEvent});
+    QCOMPARE(found({QStringLiteral("25.09.2020 ") + rows.first().time, {}, {}, {}, {}}),
+             QList<int>{rows.first().numberEvent});
+    QCOMPARE(found({rows.last().date + QStringLiteral(" 14:37"), {}, {}, {}, {}}), QList<int>{rows.last().numberEvent});
     QCOMPARE(found({QStringLiteral("25.09.2020"), {}, {}, {}, {}}), QList<int>{rows.first().numberEvent});
     QCOMPARE(found({QStringLiteral("14:37"), {}, {}, {}, {}}), QList<int>{rows.last().numberEvent});
+}
+
+void tst_LogFilter::connectionIsFoundByItsLooks_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QList<int>>("numbers");
+    QTest::newRow("all of it") << QStringLiteral("Connection") << QList<int>{3, 2};
+    QTest::newRow("in another case") << QStringLiteral("CONN") << QList<int>{3, 2};
+    QTest::newRow("with the letter that it has") << QStringLiteral("\u0421onnection") << QList<int>{3};
+    QTest::newRow("the rest of it") << QStringLiteral("onnection") << QList<int>{3, 2};
+    QTest::newRow("a letter too many") << QStringLiteral("connections") << QList<int>();
+    QTest::newRow("a part of another") << QStringLiteral("disconnection") << QList<int>{2};
+    QTest::newRow("Latin in another column") << QStringLiteral("cellar") << QList<int>{1};
+}
+
+/// The event's text begins with a Cyrillic letter, which looks like the Latin one.
+void tst_LogFilter::connectionIsFoundByItsLooks()
+{
+    QFETCH(QString, text);
+    QFETCH(QList<int>, numbers);
+    QList<EventOfTable> rows{eventRow(3), eventRow(2), eventRow(1)};
+    rows[0].event = texts::eventTerminalConnection();
+    rows[1].event = QStringLiteral("Disconnection");
+    rows[2].information = QStringLiteral("in the cellar");
+    QVERIFY(!rows.first().event.startsWith(QLatin1Char('C')));
+    fill(rows);
+    QCOMPARE(found({text, {}, {}, {}, {}}), numbers);
 }
 
 void tst_LogFilter::addressesKindsAndDaysNarrow_data()
@@ -188,6 +225,7 @@ void tst_LogFilter::addressesAreReadAsTheyAreWritten_data()
     QTest::newRow("several") << QStringLiteral(" 1, 3-5;7 9,") << true
                              << QList<AddressRange>{{1, 1}, {3, 5}, {7, 7}, {9, 9}};
     QTest::newRow("blanks about the dash") << QStringLiteral("3 - 5") << true << QList<AddressRange>{{3, 5}};
+    QTest::newRow("upside down") << QStringLiteral("5-3") << true << QList<AddressRange>{{3, 5}};
     QTest::newRow("open end") << QStringLiteral("20-") << true << QList<AddressRange>{{20, 255}};
     QTest::newRow("open begin") << QStringLiteral("-5") << true << QList<AddressRange>{{0, 5}};
     QTest::newRow("dash alone") << QStringLiteral("-") << false << QList<AddressRange>();

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QStringList>
 
+#include <functional>
+
 /// Dialogs that answer by themselves: each question takes the next prepared answer (none left means cancelled), and
 /// everything that was shown is kept.
 class ScriptedDialogs : public Dialogs
@@ -18,8 +20,9 @@ public:
 
     QStringList openAnswers;
     QStringList saveAnswers;
-    QStringList questions; ///< "caption|filter" of each file dialog, in order
-    QList<Box> boxes;      ///< message boxes, in order
+    QStringList questions;           ///< "caption|filter" of each file dialog, in order
+    QList<Box> boxes;                ///< message boxes, in order
+    std::function<void()> meanwhile; ///< what happens while the user chooses the name of a file to write
 
     QString openFileName(QWidget*, const QString& caption, const QString& filter) override
     {
@@ -30,6 +33,9 @@ public:
     QString saveFileName(QWidget*, const QString& caption, const QString& filter) override
     {
         questions.append(caption + QLatin1Char('|') + filter);
+        if (meanwhile) {
+            meanwhile();
+        }
         return saveAnswers.isEmpty() ? QString() : saveAnswers.takeFirst();
     }
 

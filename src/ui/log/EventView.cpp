@@ -14,7 +14,7 @@
 namespace
 {
 
-constexpr int widestValue = 320;
+constexpr int roomForText = 320; ///< of a value that may take several lines
 
 enum FieldColumn
 {
@@ -32,7 +32,7 @@ QLabel* makeLabel(const QString& text, QWidget* parent)
     return label;
 }
 
-/// What the table shows of an event is what matters; what it keeps beside that stands in grey.
+/// A line for each field. The names stand in grey, so that the values are what is read first.
 QWidget* makeTable(const QList<EventField>& fields)
 {
     auto* const table = new QWidget;
@@ -51,7 +51,7 @@ QWidget* makeTable(const QList<EventField>& fields)
         if (field.meaning.isEmpty()) {
             // The texts of an event may be long.
             value->setWordWrap(true);
-            value->setMinimumWidth(widestValue);
+            value->setMinimumWidth(roomForText);
             layout->addWidget(value, row, ColumnValue, 1, 2);
         } else {
             layout->addWidget(value, row, ColumnValue);

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include <initializer_list>
+#include <utility>
 
 namespace
 {
@@ -48,7 +49,8 @@ LogFindBar::LogFindBar(QWidget* parent)
     : QWidget(parent), text(new QLineEdit(this)), addresses(new QLineEdit(this)),
       hasFirstDay(new QCheckBox(texts::findFrom(), this)),
       firstDay(makeDate(hasFirstDay, QStringLiteral("dateEditFirstDay"))),
-      hasLastDay(new QCheckBox(texts::findTo(), this)), lastDay(makeDate(hasLastDay, QStringLiteral("dateEditLastDay")))
+      hasLastDay(new QCheckBox(texts::findTo(), this)),
+      lastDay(makeDate(hasLastDay, QStringLiteral("dateEditLastDay"))), close(new QToolButton(this))
 {
     setObjectName(QStringLiteral("logFindBar"));
     // It takes the width that there is, and never makes the window wider.
@@ -82,7 +84,6 @@ QWidget* LogFindBar::makeField()
     });
     layout->addWidget(addresses, 1);
 
-    auto* const close = new QToolButton(row);
     close->setObjectName(QStringLiteral("toolButtonCloseFind"));
     close->setAutoRaise(true);
     close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
@@ -154,7 +155,29 @@ LogFilter LogFindBar::filter() const
     }
     result.firstDay = hasFirstDay->isChecked() ? firstDay->date() : QDate();
     result.lastDay = hasLastDay->isChecked() ? lastDay->date() : QDate();
+    // Two days are a span, whichever of them was named first.
+    if (result.firstDay.isValid() && result.lastDay.isValid() && result.lastDay < result.firstDay) {
+        std::swap(result.firstDay, result.lastDay);
+    }
     return result;
+}
+
+void LogFindBar::enterField()
+{
+    text->setFocus(Qt::ShortcutFocusReason);
+    text->selectAll();
+}
+
+void LogFindBar::setTabOrderBefore(QWidget* widget)
+{
+    QList<QWidget*> order = {text, addresses, hasFirstDay, firstDay, hasLastDay, lastDay};
+    for (const KindButton& entry : kindButtons) {
+        order.append(kinds.value(entry.kind));
+    }
+    order.append({close, widget});
+    for (int i = 1; i < order.size(); ++i) {
+        setTabOrder(order.at(i - 1), order.at(i));
+    }
 }
 
 void LogFindBar::begin(const QDate& oldest, const QDate& newest)

@@ -24,6 +24,9 @@ public:
     /// Empties the fields, without changed(), and gives the dates from which the user starts when setting a limit.
     void begin(const QDate& oldest, const QDate& newest);
 
+    void enterField();                       ///< gives the text field the keys, with all of its text selected
+    void setTabOrderBefore(QWidget* widget); ///< tabs lead through the bar as it is read, and then to the widget
+
 signals:
     void changed(); ///< what is looked for, with every key
     void closeWanted();
@@ -42,4 +45,5 @@ private:
     QCheckBox* hasLastDay;
     QDateEdit* lastDay;
     QHash<EventKind, QToolButton*> kinds;
+    QToolButton* close;
 };

@@ -258,11 +258,14 @@ void LogTab::forgetFinding()
     sentCondition.clear();
 }
 
-/// However fast the user types, one request waits at most, and asks for what was wanted last.
+/// However fast the user types, one request waits at most, and asks for what was wanted last. With nothing on the way
+/// the first goes out at once, so that the worker is at it while the key is painted.
 void LogTab::filter(const QString& condition)
 {
     wantedCondition = condition;
-    if (!filterWaits) {
+    if (!filterWaits && modelChanges == 0 && view.isShown()) {
+        sendFilter();
+    } else if (!filterWaits) {
         filterWaits = true;
         inOrder([this] { filterAfterPainting(); });
     }
@@ -291,7 +294,7 @@ void LogTab::sl_setStatusFilter(int count, bool filter)
         return; // a reading has begun meanwhile
     }
     countRows->setText(filter ? texts::logRowCount() + texts::findCount().arg(count).arg(allRows) : countOfAll);
-    view.thaw();
+    view.thaw(!filter);
     QTimer::singleShot(0, this, [this] { view.showThawed(); });
 }
 

@@ -71,9 +71,8 @@ signals:
     void forceReading(); ///< the next reading must not find the log unchanged
     void sig_HideFormWaiting();
 
-    void sig_filterTable(const QString& condition); ///< to the database worker
-
-    // To the database worker, to which whoever owns the tab connects them.
+    // To the database worker; the tab itself connects this one, and whoever owns the tab the others.
+    void sig_filterTable(const QString& condition);
     void sig_insertDataToTable(const QList<EventOfTable>& rows);
     void sig_refreshTable();
     void sig_deleteDataFromTable();

@@ -2,6 +2,7 @@
 
 #include "eventlog/DelimitedText.h"
 #include "eventlog/LogTable.h"
+#include "eventlog/dayZero.h"
 #include "texts/texts.h"
 #include "ui/log/EventView.h"
 #include "ui/log/LogFindBar.h"
@@ -41,11 +42,11 @@ QVector<int> allRows(const QAbstractItemModel& model)
 }
 
 /// The day of an event; today if there is no such row.
-QDate dayAt(const QAbstractItemModel* model, int row)
+QDate dayAt(const QAbstractItemModel& model, int row)
 {
     constexpr int dateInDays = 2;
-    const QVariant days = model->index(row, dateInDays).data();
-    return days.isValid() ? QDate(2000, 1, 1).addDays(days.toInt()) : QDate::currentDate();
+    const QVariant days = model.index(row, dateInDays).data();
+    return days.isValid() ? dayZero().addDays(days.toInt()) : QDate::currentDate();
 }
 
 } // namespace
@@ -57,7 +58,7 @@ LogTools::LogTools(QWidget* window, QTableView* tableView, Dialogs& fileDialogs,
     find = addAction(page, QStringLiteral("actionFind"), texts::findAction(), &LogTools::openFindBar);
     find->setShortcut(QKeySequence::Find);
     find->setShortcutContext(Qt::WindowShortcut); // while the page is in sight
-    endFind = addAction(page, QStringLiteral("actionEndFind"), texts::findClose(), &LogTools::endFinding);
+    endFind = addAction(page, QStringLiteral("actionEndFind"), texts::findClose(), &LogTools::escape);
     endFind->setShortcut(Qt::Key_Escape);
     endFind->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     endFind->setEnabled(false);
@@ -79,6 +80,7 @@ QAction* LogTools::addAction(QWidget* widget, const QString& name, const QString
 void LogTools::showMenu(const QPoint& position)
 {
     const bool hasRows = view->model() != nullptr && view->model()->rowCount() > 0;
+    find->setEnabled(canFind());
     open->setEnabled(currentRow() >= 0);
     copy->setEnabled(currentRow() >= 0);
     copyAll->setEnabled(hasRows);
@@ -88,6 +90,8 @@ void LogTools::showMenu(const QPoint& position)
     menu.addSeparator();
     menu.addActions({open, copy, copyAll, save});
     menu.exec(view->viewport()->mapToGlobal(position));
+    // The keys find out for themselves.
+    find->setEnabled(true);
     open->setEnabled(true);
     copy->setEnabled(true);
 }
@@ -99,6 +103,7 @@ void LogTools::makeRowActions()
     open = addAction(view, QStringLiteral("actionOpenRow"), texts::rowsOpen(), &LogTools::openRow);
     open->setShortcuts({Qt::Key_Return, Qt::Key_Enter});
     open->setShortcutContext(Qt::WidgetShortcut);
+    open->setAutoRepeat(false); // a key held down would open window after window
     connect(view, &QTableView::doubleClicked, this, &LogTools::openRow);
     copy = addAction(view, QStringLiteral("actionCopyRow"), texts::rowsCopy(), &LogTools::copyRow);
     copy->setShortcut(QKeySequence::Copy);
@@ -143,11 +148,14 @@ void LogTools::saveRows()
 {
     const QString fileName = dialogs.saveFileName(dialogParent, texts::rowsSaveCaption(), QStringLiteral("*.csv"));
     const QAbstractItemModel* const model = view->model(); // as it stands when the user has answered
-    if (fileName.isEmpty() || model == nullptr) {
+    if (fileName.isEmpty()) {
         return;
     }
-    const QString fault = delimited::save(
-        delimited::text(*model, allRows(*model), columnsOfTheTable(), delimited::Form::Commas), fileName);
+    const QString fault =
+        model == nullptr
+            ? texts::rowsNotShown()
+            : delimited::save(delimited::text(*model, allRows(*model), columnsOfTheTable(), delimited::Form::Commas),
+                              fileName);
     emit newResult(fault.isEmpty() ? texts::rowsSaveOk().arg(fileName) : texts::rowsSaveError().arg(fileName, fault));
 }
 
@@ -160,27 +168,37 @@ void LogTools::makeFindBar()
     bar->hide();
     auto* const layout = qobject_cast<QBoxLayout*>(page->layout());
     layout->insertWidget(layout->indexOf(view), bar);
-    QWidget::setTabOrder(bar, view);
+    bar->setTabOrderBefore(view);
     connect(bar, &LogFindBar::changed, this, [this] { setCondition(bar->filter().condition()); });
     connect(bar, &LogFindBar::closeWanted, this, &LogTools::endFinding);
 }
 
+/// While a reading runs there is nothing to find. A search that the database is at, say for the one before, is no
+/// reason to wait.
+bool LogTools::canFind() const
+{
+    return days || view->model() != nullptr;
+}
+
 void LogTools::openFindBar()
 {
+    if (!canFind()) {
+        return;
+    }
     if (!bar) {
         makeFindBar();
     }
     if (bar->isHidden()) {
-        const QAbstractItemModel* const model = view->model();
-        if (model == nullptr) {
-            return; // there is nothing to find while a reading runs
+        if (!days) {
+            const QAbstractItemModel& model = *view->model();
+            days = {dayAt(model, model.rowCount() - 1), dayAt(model, 0)};
         }
-        bar->begin(dayAt(model, model->rowCount() - 1), dayAt(model, 0));
+        bar->begin(days->first, days->second);
         bar->show();
         setCondition({});
         endFind->setEnabled(true);
     }
-    bar->setFocus(Qt::ShortcutFocusReason);
+    bar->enterField();
 }
 
 void LogTools::closeFindBar()
@@ -195,6 +213,17 @@ void LogTools::closeFindBar()
     }
 }
 
+/// A date's calendar lies within the page too, and the key is meant for what is on top.
+void LogTools::escape()
+{
+    QWidget* const popup = QApplication::activePopupWidget();
+    if (popup != nullptr) {
+        popup->close();
+    } else {
+        endFinding();
+    }
+}
+
 void LogTools::endFinding()
 {
     closeFindBar();
@@ -205,6 +234,7 @@ void LogTools::forgetFinding()
 {
     closeFindBar();
     condition.clear();
+    days.reset();
 }
 
 void LogTools::setCondition(const QString& newCondition)

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <QDate>
 #include <QObject>
+#include <QPair>
 #include <QPointer>
 #include <QString>
+
+#include <optional>
 
 class Dialogs;
 class LogFindBar;
@@ -32,9 +36,11 @@ signals:
 
 private:
     QAction* addAction(QWidget* widget, const QString& name, const QString& text, void (LogTools::*slot)());
+    bool canFind() const;
     void openFindBar();
     void makeFindBar();
     void closeFindBar();
+    void escape();
     void setCondition(const QString& newCondition);
     void makeRowActions();
     void showMenu(const QPoint& position);
@@ -55,4 +61,6 @@ private:
     QAction* copyAll = nullptr;
     QAction* save = nullptr;
     QString condition; ///< that was asked for last
+
+    std::optional<QPair<QDate, QDate>> days; ///< the first and the last of the log, once a search has begun in it
 };

@@ -55,7 +55,9 @@ void LogView::setUp(SqlModel* newModel)
     setUpHeaders(*view);
 
     view->resizeColumnsToContents();
-    restAtFreeze.reset();
+    beforeSearch.reset();
+    frozen = false;
+    view->setUpdatesEnabled(true);
     for (int column = 0; column < columns.size(); ++column) {
         if (columns.at(column).width > 0) {
             view->setColumnWidth(column, columns.at(column).width);
@@ -94,24 +96,41 @@ void LogView::restoreColumns(bool withRest)
             view->setColumnHidden(column, columnHidden.at(column));
         }
     }
-    debugLine(QStringLiteral(" (MainWindow): Model is Set"));
+}
+
+/// The last column takes what the others leave, which is more while few rows need no scroll bar. A width that it took
+/// so must not become one that it was given; one that the user gives it meanwhile counts.
+void LogView::rememberPlace()
+{
+    const int room = view->viewport()->width();
+    const int length = view->horizontalHeader()->length();
+    const int others = length - columnWidths.last();
+    const bool isStretched = length <= room;
+    if (!beforeSearch) {
+        beforeSearch = {columnWidths.last(), isStretched, view->verticalScrollBar()->value(), currentNumber()};
+    } else if (!isStretched || (!beforeSearch->isStretched && others + beforeSearch->restWidth > room)) {
+        beforeSearch->restWidth = columnWidths.last();
+        beforeSearch->isStretched = isStretched;
+    }
+    columnWidths.last() = std::min(columnWidths.last(), beforeSearch->restWidth);
 }
 
 void LogView::attach()
 {
     view->setModel(model);
     restoreColumns(true);
+    debugLine(QStringLiteral(" (MainWindow): Model is Set"));
 }
 
 void LogView::detach()
 {
     if (isAttached()) {
         rememberColumns();
+        if (beforeSearch) {
+            rememberPlace();
+        }
     }
-    if (restAtFreeze && !columnWidths.isEmpty()) {
-        columnWidths.last() = frozen ? *restAtFreeze : std::min(columnWidths.last(), *restAtFreeze);
-    }
-    restAtFreeze.reset();
+    beforeSearch.reset();
     currentEvent.reset();
     drop();
     frozen = false;
@@ -124,26 +143,35 @@ void LogView::freeze()
     rememberCurrentEvent();
     horizontalPosition = view->horizontalScrollBar()->value();
     rememberColumns();
-    if (!restAtFreeze) {
-        restAtFreeze = columnWidths.last();
-        restIsStretched = view->horizontalHeader()->length() <= view->viewport()->width();
-    }
-    columnWidths.last() = *restAtFreeze;
+    rememberPlace();
     view->setUpdatesEnabled(false);
     drop();
     frozen = true;
 }
 
-void LogView::thaw()
+void LogView::thaw(bool allRows)
 {
     frozen = false;
     view->setModel(model);
-    restoreColumns(!restIsStretched);
+    restoreColumns(!beforeSearch->isStretched);
     view->doItemsLayout(); // which knows how far there is to scroll
+    const Place place = *beforeSearch;
+    if (allRows) {
+        view->verticalScrollBar()->setValue(place.position);
+        beforeSearch.reset();
+    }
     if (isAttached()) {
-        restoreCurrentEvent();
+        restoreCurrentEvent(); // which brings it into sight
+    }
+    if (allRows && currentNumber() == place.event) {
+        view->verticalScrollBar()->setValue(place.position);
     }
     view->horizontalScrollBar()->setValue(horizontalPosition);
+}
+
+bool LogView::isShown() const
+{
+    return isAttached() && !frozen && view->updatesEnabled();
 }
 
 void LogView::showThawed()
@@ -157,6 +185,12 @@ void LogView::showThawed()
 int LogView::numberAt(int row) const
 {
     return model ? model->index(row, 0).data().toInt() : 0;
+}
+
+/// Of the event that a search brings back; 0 if there is none.
+int LogView::currentNumber() const
+{
+    return currentEvent ? currentEvent->number : 0;
 }
 
 void LogView::rememberCurrentEvent()
@@ -173,11 +207,13 @@ void LogView::restoreCurrentEvent()
     const int row = currentEvent ? rowOf(currentEvent->number) : -1;
     if (row >= 0) {
         const QModelIndex index = model->index(row, currentEvent->column);
+        const bool isInSight = view->viewport()->rect().contains(view->visualRect(index).center());
         view->selectionModel()->setCurrentIndex(index, currentEvent->selected ? QItemSelectionModel::ClearAndSelect |
                                                                                     QItemSelectionModel::Rows
                                                                               : QItemSelectionModel::NoUpdate);
-        view->scrollTo(index,
-                       currentEvent->selected ? QAbstractItemView::PositionAtCenter : QAbstractItemView::EnsureVisible);
+        // Among its neighbours, unless it is to be seen anyway.
+        view->scrollTo(index, currentEvent->selected && !isInSight ? QAbstractItemView::PositionAtCenter
+                                                                   : QAbstractItemView::EnsureVisible);
     }
 }
 

@@ -30,10 +30,13 @@ public:
     /// the user could see that the table was away.
     void freeze();
 
-    /// Puts the model back after freeze(), with the event selected that was last, if it is there. The view is painted
-    /// by showThawed(), which is a piece of work of its own.
-    void thaw();
+    /// Puts the model back after freeze(), with the event selected that was last, if it is there. With all rows of the
+    /// log the search is over: the view stands where it stood before it, unless the selected event lies elsewhere. The
+    /// view is painted by showThawed(), which is a piece of work of its own.
+    void thaw(bool allRows);
     void showThawed();
+
+    bool isShown() const; ///< the model is in the view, and showThawed() has come after thaw()
 
     /// Takes the model from the view so that nothing of the GUI thread stays tied to it: the view itself keeps its
     /// former selection models, and those would go on listening.
@@ -48,11 +51,22 @@ private:
         bool selected = false;
     };
 
+    /// How the view stood when a search began.
+    struct Place
+    {
+        int restWidth = 0;       ///< of the last column
+        bool isStretched = true; ///< it took what the other columns left
+        int position = 0;        ///< of the vertical scroll bar
+        int event = 0;           ///< the number of the current one; 0 if there was none
+    };
+
     void rememberColumns();
     void restoreColumns(bool withRest);
+    void rememberPlace();
     int rowOf(int number) const;
     void rememberCurrentEvent();
     void restoreCurrentEvent();
+    int currentNumber() const;
     int numberAt(int row) const;
 
     QPointer<QTableView> view;
@@ -60,10 +74,7 @@ private:
     QList<int> columnWidths;  ///< at the last detach
     QList<bool> columnHidden; ///< at the last detach
 
-    // The last column takes what the others leave, which is more while few rows need no scroll bar. A width that it
-    // took so must not become one that it was given.
-    std::optional<int> restAtFreeze; ///< its width when a search began
-    bool restIsStretched = false;    ///< what the others left, at that time
+    std::optional<Place> beforeSearch; ///< while a search hides rows
     bool frozen = false;
     std::optional<CurrentEvent> currentEvent; ///< of all rows that a search has shown
     int horizontalPosition = 0;               ///< when the view was frozen

@@ -21,6 +21,7 @@ private slots:
 
     void doubleClickOpensTheEvent();
     void returnAndEnterOpenTheSelectedEvent();
+    void keyHeldDownOpensOneWindow();
     void menuOpensTheSelectedEvent();
     void nothingSelectedOpensNothing();
     void escapeAndTheButtonCloseIt();
@@ -73,6 +74,21 @@ void tst_EventView::returnAndEnterOpenTheSelectedEvent()
         window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
+}
+
+void tst_EventView::keyHeldDownOpensOneWindow()
+{
+    showLog(block(1, 5));
+    clickRow(2);
+    QTest::simulateEvent(window->view, true, Qt::Key_Return, Qt::NoModifier, {}, false);
+    QCOMPARE(window->findChildren<EventView*>().size(), 1);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    window->view->setFocus();
+    QTest::simulateEvent(window->view, true, Qt::Key_Return, Qt::NoModifier, {}, true);
+    QCOMPARE(window->findChildren<EventView*>().size(), 1);
+    QTest::simulateEvent(window->view, true, Qt::Key_Return, Qt::NoModifier, {}, false);
+    QCOMPARE(window->findChildren<EventView*>().size(), 2);
 }
 
 void tst_EventView::menuOpensTheSelectedEvent()

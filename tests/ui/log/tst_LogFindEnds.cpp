@@ -21,6 +21,7 @@ private slots:
     void readingBegunWhileTheDatabaseSearchesShowsNoTable();
     void unchangedLogComesBackWhole();
     void loadingEndsTheSearch();
+    void loadingSizesTheDetailsByAllRows();
     void loadingBegunWhileKeysWaitShowsTheWholeFile();
     void loadingNothingLeavesTheSearchOpen();
     void nothingIsSoughtWhileAReadingRuns();
@@ -103,6 +104,21 @@ void tst_LogFindEnds::loadingEndsTheSearch()
     QCOMPARE(numbersInView().size(), 20);
 }
 
+void tst_LogFindEnds::loadingSizesTheDetailsByAllRows()
+{
+    window->resize(500, 400);
+    showLog(LogFindTest::mixedRecords(20));
+    saveLog(QStringLiteral("kept.db"));
+    load(path(QStringLiteral("kept.db")));
+    const int details = window->view->columnWidth(17);
+    openBar();
+    type(QStringLiteral("nothing"));
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Count of rows in log - 0 of 20"), waitTime);
+    load(path(QStringLiteral("kept.db")));
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Count of rows in log - 20"), waitTime);
+    QCOMPARE(window->view->columnWidth(17), details);
+}
+
 void tst_LogFindEnds::loadingBegunWhileKeysWaitShowsTheWholeFile()
 {
     showLog(block(1, 20));
@@ -142,9 +158,13 @@ void tst_LogFindEnds::nothingIsSoughtWhileAReadingRuns()
     window->tab->readLog();
     QTest::keyClick(window->view, Qt::Key_F, Qt::ControlModifier);
     QVERIFY(!barIsOpen());
+    QVERIFY(!chooseFromMenu(window->view->viewport(), QPoint(20, 20), "actionFind"));
+    QVERIFY(!barIsOpen());
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
     window->tab->sl_ReceiveDataEvents(block(1, 7), true);
     QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Count of rows in log - 7"), waitTime);
-    openBar();
+    openBar(); // the menu hasn't taken the keys away
 }
 
 void tst_LogFindEnds::closingTheWindowWhileTheDatabaseSearchesEnds()

@@ -26,6 +26,7 @@ private slots:
     void menuSavesTheShownRows();
     void savingThatFailsIsTold();
     void savingThatIsCancelledWritesNothing();
+    void savingSaysWhyAReadingLeavesItNothing();
     void menuOffersNoRowsWhereThereAreNone();
 
 private:
@@ -126,6 +127,20 @@ void tst_LogRows::savingThatIsCancelledWritesNothing()
     QVERIFY(chooseFromMenu(window->view->viewport(), middleOfRow(0), "actionSaveRows"));
     QCOMPARE(window->results.size(), results);
     QCOMPARE(QDir(directory->path()).entryList(), files);
+}
+
+/// The question for the name is open as long as the user likes, and the unit is read meanwhile.
+void tst_LogRows::savingSaysWhyAReadingLeavesItNothing()
+{
+    showLog(block(1, 5));
+    const QString file = path(QStringLiteral("rows.csv"));
+    window->dialogs.saveAnswers.append(file);
+    window->dialogs.meanwhile = [this] { window->tab->readLog(); };
+    QVERIFY(chooseFromMenu(window->view->viewport(), middleOfRow(0), "actionSaveRows"));
+    QCOMPARE(
+        window->results.last(),
+        QStringLiteral("ERROR saving shown rows to file %1\nNo rows are shown while the log is being read").arg(file));
+    QVERIFY(!QFile::exists(file));
 }
 
 void tst_LogRows::menuOffersNoRowsWhereThereAreNone()
