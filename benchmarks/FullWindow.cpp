@@ -29,6 +29,11 @@ QString FullWindow::FullConfiguration::openFileName(QWidget*, const QString&, co
     return configuration();
 }
 
+QString FullWindow::FullConfiguration::saveFileName(QWidget*, const QString&, const QString&)
+{
+    return QStringLiteral("saved.txt");
+}
+
 FullWindow::FullWindow()
     : window({[] { return QStringList(); }, {}, &dialogs}), panel(window.findChild<Tree_Relay_Widget*>()),
       tree(window.findChild<QTreeWidget*>(QStringLiteral("treeWidget"))),

@@ -26,11 +26,12 @@ public:
     static void settle();
 
 private:
-    /// The answer to the one question that the window is going to ask.
+    /// The answers to the two questions that the window is going to ask: what to load, and where to save rows.
     class FullConfiguration : public Dialogs
     {
     public:
         QString openFileName(QWidget* parent, const QString& caption, const QString& filter) override;
+        QString saveFileName(QWidget* parent, const QString& caption, const QString& filter) override;
     };
 
     FullConfiguration dialogs;

@@ -7,10 +7,7 @@
 
 class Device;
 
-/// Length of a record of the device's log.
-constexpr int eventRecordSize = 16;
-
-/// Decodes one record of at least eventRecordSize bytes into the rows that it gives, at least one, and appends them.
+/// Decodes one record of at least logRecordSize bytes into the rows that it gives, at least one, and appends them.
 ///
 /// | Byte  | Bits | Meaning                                                       |
 /// |-------|------|---------------------------------------------------------------|

@@ -1,5 +1,6 @@
 #include "eventlog/LogEvents.h"
 
+#include "domain/logRecord.h"
 #include "eventlog/EventDecoder.h"
 #include "texts/texts.h"
 
@@ -46,7 +47,7 @@ void LogEvents::decodeEvents(const QByteArrayList& records)
 {
     // The oldest record of a block comes first; the table begins with the newest.
     for (auto record = records.crbegin(); record != records.crend(); ++record) {
-        if (record->size() < eventRecordSize) {
+        if (record->size() < logRecordSize) {
             qDebug().noquote() << QLatin1String("___WARNING___: LOG EVENTS: Missing event: ") +
                                       QString::fromLatin1(records.first().toHex());
             continue;

@@ -1,5 +1,6 @@
 #include "link/LogReading.h"
 
+#include "domain/logRecord.h"
 #include "link/message.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
@@ -12,7 +13,6 @@
 namespace
 {
 
-constexpr int recordSize = 16;
 constexpr int recordsOfBlock = 4;
 
 } // namespace
@@ -66,7 +66,6 @@ void LogReading::takeAnswer(const message& answer, bool failed)
 
 void LogReading::answerLogInfo(const message& answer)
 {
-    constexpr int wrappedBit = 0x8000;
     const QByteArray& payload = answer.payload();
     logCapacity = -1;
     logCount = -1;
@@ -76,8 +75,8 @@ void LogReading::answerLogInfo(const message& answer)
     }
     if (payload.size() >= 4) {
         const int counter = qFromLittleEndian<quint16>(payload.constData() + 2);
-        logCount = counter & ~wrappedBit;
-        logWrapped = (counter & wrappedBit) != 0;
+        logCount = counter & ~logWrappedBit;
+        logWrapped = (counter & logWrappedBit) != 0;
     }
     if (logCount == logCountPrevious) {
         emit resultReady(texts::resultLogUnchanged());
@@ -102,14 +101,14 @@ void LogReading::answerReadLog(const message& answer)
     emit stepDone();
     // The first block can be asked for as often as it takes: it always is the beginning.
     blockWasRepeated = blockWasRepeated || (receivedRecords > 0 && answer.attempts() < message::fullAttempts);
-    for (int offset = 0; offset + recordSize <= payload.size(); offset += recordSize) {
-        records.append(payload.mid(offset, recordSize));
+    for (int offset = 0; offset + logRecordSize <= payload.size(); offset += logRecordSize) {
+        records.append(payload.mid(offset, logRecordSize));
     }
-    if (payload.size() % recordSize != 0) {
+    if (payload.size() % logRecordSize != 0) {
         ++logErrors;
     }
     receivedRecords += records.size();
-    if (payload.size() == recordsOfBlock * recordSize) {
+    if (payload.size() == recordsOfBlock * logRecordSize) {
         emit recordsRead(records, false);
         emit requestReady(protocol_HUBN_NX_Q::requestReadLog(coordinator(), false));
         return;

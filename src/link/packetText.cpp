@@ -1,6 +1,7 @@
 #include "link/packetText.h"
 
 #include "domain/byteAt.h"
+#include "domain/logRecord.h"
 #include "link/DeviceTime.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
@@ -104,16 +105,14 @@ QString addressesInUse(const QByteArray& bitmap)
 
 QString dataOfAnswer(int type, const QByteArray& data)
 {
-    constexpr int recordOfLog = 16;
-    constexpr int wrapped = 0x8000;
     if (type == P::Read_Time) {
         return timeInWords(data);
     }
     if (type == P::Read_Log) {
-        return texts::packetEvents().arg(data.size() / recordOfLog) + QLatin1String(", ") + hexBytes(data);
+        return texts::packetEvents().arg(data.size() / logRecordSize) + QLatin1String(", ") + hexBytes(data);
     }
     if (type == P::Read_Info_Log && data.size() >= 4) {
-        return texts::packetLogInfo().arg(numberAt(data, 0)).arg(numberAt(data, 2) & ~wrapped);
+        return texts::packetLogInfo().arg(numberAt(data, 0)).arg(numberAt(data, 2) & ~logWrappedBit);
     }
     if (type == P::Search_Address && data.size() >= 4) {
         return texts::packetCoordinator()

@@ -1,5 +1,6 @@
 // Any bytes as records of the event log: each whole one gives rows, and every row can go to the database.
 
+#include "domain/logRecord.h"
 #include "eventlog/EventDecoder.h"
 #include "eventlog/LogEvents.h"
 #include "fuzz/fuzz.h"
@@ -17,7 +18,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     events.decodeEvents(records);
     events.numberEvents();
     const auto whole = std::count_if(records.begin(), records.end(),
-                                     [](const QByteArray& record) { return record.size() >= eventRecordSize; });
+                                     [](const QByteArray& record) { return record.size() >= logRecordSize; });
     const int count = events.takeEvents(std::numeric_limits<int>::max()).size();
     fuzz::demand(count >= whole, QStringLiteral("rows are missing"));
     fuzz::demand(events.takeEvents(1).isEmpty(), QStringLiteral("rows are left"));

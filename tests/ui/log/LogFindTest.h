@@ -51,9 +51,10 @@ protected:
         QVERIFY(barIsOpen());
         QVERIFY(get<QLineEdit>("lineEditFind")->hasFocus());
     }
+    /// What the label tells of the rows in view; nothing while they are away, as they are during a search.
     QString count() const
     {
-        return window->countRows->text();
+        return window->view->model() != nullptr ? window->countRows->text() : QString();
     }
 
     /// Opens the menu of a right click on a row and chooses an entry of it, whose state it returns. An entry that can't
