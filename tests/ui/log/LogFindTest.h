@@ -19,6 +19,19 @@ protected:
         window->tab->readLog();
         window->tab->sl_ReceiveDataEvents(records, true);
         QTRY_VERIFY_WITH_TIMEOUT(attached(), waitTime);
+        settle();
+    }
+
+    /// Waits until the database has told all that it had to, and the label with its new text has its place.
+    void settle()
+    {
+        bool over = false;
+        QMetaObject::invokeMethod(window->tab->database(), [this, &over] {
+            QMetaObject::invokeMethod(
+                window->tab.get(), [&over] { over = true; }, Qt::QueuedConnection);
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(over, waitTime);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
 
     /// Records of the terminals 1 to 8 in turn, with the codes 0 to 3, a day after the other.
