@@ -21,7 +21,6 @@ private slots:
     void readingBegunWhileTheDatabaseSearchesShowsNoTable();
     void unchangedLogComesBackWhole();
     void loadingEndsTheSearch();
-    void loadingSizesTheDetailsByAllRows();
     void loadingBegunWhileKeysWaitShowsTheWholeFile();
     void loadingNothingLeavesTheSearchOpen();
     void nothingIsSoughtWhileAReadingRuns();
@@ -102,21 +101,6 @@ void tst_LogFindEnds::loadingEndsTheSearch()
     QVERIFY(!barIsOpen());
     QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Count of rows in log - 20"), waitTime);
     QCOMPARE(numbersInView().size(), 20);
-}
-
-void tst_LogFindEnds::loadingSizesTheDetailsByAllRows()
-{
-    window->resize(500, 400);
-    showLog(LogFindTest::mixedRecords(20));
-    saveLog(QStringLiteral("kept.db"));
-    load(path(QStringLiteral("kept.db")));
-    const int details = window->view->columnWidth(17);
-    openBar();
-    type(QStringLiteral("nothing"));
-    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Count of rows in log - 0 of 20"), waitTime);
-    load(path(QStringLiteral("kept.db")));
-    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Count of rows in log - 20"), waitTime);
-    QCOMPARE(window->view->columnWidth(17), details);
 }
 
 void tst_LogFindEnds::loadingBegunWhileKeysWaitShowsTheWholeFile()
