@@ -15,6 +15,23 @@ Console::~Console()
     endProgress();
 }
 
+void Console::setInput(QIODevice& input, bool isTyped)
+{
+    inputDevice = &input;
+    isTypedInput = isTyped;
+}
+
+bool Console::isInputTyped() const
+{
+    return isTypedInput;
+}
+
+std::optional<QString> Console::readLine()
+{
+    const QByteArray line = inputDevice != nullptr ? inputDevice->readLine() : QByteArray();
+    return line.isEmpty() ? std::nullopt : std::optional(QString::fromUtf8(line));
+}
+
 void Console::setQuiet(bool on)
 {
     isQuiet = on;

@@ -3,10 +3,13 @@
 #include <QString>
 #include <QTextStream>
 
+#include <optional>
+
 class QIODevice;
 class QJsonDocument;
 
-/// Where a command tells what it has to tell: results on one stream, all else on the other.
+/// Where a command tells what it has to tell: results on one stream, all else on the other. And where it reads what
+/// somebody types or another program writes.
 ///
 /// main() owns the one of the program, over the standard streams; a test has one over buffers. One thread.
 class Console
@@ -16,6 +19,15 @@ public:
     Console(QIODevice& results, QIODevice& errors, bool live);
     ~Console();
     Q_DISABLE_COPY_MOVE(Console)
+
+    /// What is read, say the standard input, which has to live as long. Without it there is nothing to read.
+    void setInput(QIODevice& input, bool isTyped);
+
+    /// Whether a person types what is read, and has to be told when to.
+    bool isInputTyped() const;
+
+    /// Waits for a line of the input; nothing once it has ended.
+    std::optional<QString> readLine();
 
     void setQuiet(bool on); ///< no notes, no progress
     void setJson(bool on);
@@ -39,6 +51,8 @@ public:
 private:
     QTextStream resultStream;
     QTextStream errorStream;
+    QIODevice* inputDevice = nullptr;
+    bool isTypedInput = false;
     const bool isLive;
     bool isQuiet = false;
     bool hasJson = false;

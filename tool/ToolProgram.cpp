@@ -78,8 +78,15 @@ const QVector<Command>& commands()
 {
     // As the help lists them.
     static const QVector<Command> list{
-        portsCommand(), readCommand(), writeCommand(), diffCommand(),
-        checkCommand(), logCommand(),  timeCommand(),  firmwareCommand(),
+        portsCommand(),
+        readCommand(),
+        writeCommand(),
+        diffCommand(),
+        checkCommand(),
+        logCommand(),
+        timeCommand(),
+        firmwareCommand(),
+        decodeCommand(),
     };
     return list;
 }

@@ -4,6 +4,7 @@
 
 // One function for each command, in the file that is named after it.
 Command checkCommand();
+Command decodeCommand();
 Command diffCommand();
 Command firmwareCommand();
 Command logCommand();

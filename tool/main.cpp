@@ -25,6 +25,10 @@ int main(int argc, char* argv[])
             return int(ExitCode::Refused);
         }
         Console console(results, errors, isatty(STDERR_FILENO) != 0);
+        QFile input;
+        if (input.open(stdin, QIODevice::ReadOnly)) {
+            console.setInput(input, isatty(STDIN_FILENO) != 0);
+        }
         exitCode = runTool(QCoreApplication::arguments(), console);
     }
     endProcess(int(exitCode));

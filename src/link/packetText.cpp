@@ -193,6 +193,11 @@ QString formOfTime()
 
 } // namespace
 
+QString requestName(int type)
+{
+    return nameOf(type);
+}
+
 QStringList requestInWords(const QByteArray& request)
 {
     if (request.startsWith(bootStart)) {
