@@ -33,13 +33,18 @@ QString shortened(QString line)
     return line.size() <= longest ? line : line.left(longest) + QLatin1String("...");
 }
 
+QString counted(int count, const char* noun)
+{
+    return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(noun), QLatin1String(count == 1 ? "" : "s"));
+}
+
 void tellLines(const ConfigurationErrors& errors, int count, Console& console)
 {
     for (const ConfigurationError& error : errors) {
         console.result(QStringLiteral("%1: %2: ").arg(error.line).arg(shortened(error.text)) + reasonOf(error));
     }
     console.note(count == 0 ? QStringLiteral("no line counts as an error")
-                            : QStringLiteral("%1 errors on %2 lines").arg(count).arg(errors.size()));
+                            : counted(count, "error") + QLatin1String(" on ") + counted(errors.size(), "line"));
 }
 
 void tellJson(const ConfigurationErrors& errors, int count, Console& console)

@@ -195,7 +195,7 @@ QString formOfTime()
 
 QString requestName(int type)
 {
-    return nameOf(type);
+    return nameOf(type <= P::Switch_To_Boot ? type : 0);
 }
 
 QStringList requestInWords(const QByteArray& request)

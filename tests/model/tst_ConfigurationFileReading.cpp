@@ -24,6 +24,9 @@ private slots:
     void textBehindANulIsLost();
     void fileOfLineFeedsIsOneLine();
     void nextLoadForgetsTheFormerFile();
+    void wrongLinesAreToldOnRequest();
+    void lineFeedsAreToldWhereTheyDoHarm();
+    void whatIsToldIsNoneOfAFormerFile();
 };
 
 void tst_ConfigurationFileReading::missingFileYieldsThreeAndLeavesTheModel()
@@ -155,6 +158,58 @@ void tst_ConfigurationFileReading::nextLoadForgetsTheFormerFile()
     QCOMPARE(load("Script[1].Mode=1\r\n"), 0);
     QCOMPARE(changes().join('|'), QByteArray("Script[1].Mode=1"));
     QVERIFY(model->comment().isEmpty());
+}
+
+void tst_ConfigurationFileReading::wrongLinesAreToldOnRequest()
+{
+    const QByteArray text =
+        "[Scripts]\r\n\r\nScript[0].Mode=x\r\nScript[1].Mode=1\r\nScript[2].NumberChannels=1; 7; 8; y\r\n";
+    QCOMPARE(load(text), 0);
+    QCOMPARE(model->errorCount(), 4);
+    const QByteArray loaded = save(*model);
+
+    ConfigurationErrors errors;
+    RelayInfo telling;
+    QCOMPARE(telling.loadFromFile(directory->filePath(s("loaded.cfg")), errors), 0);
+    QCOMPARE(telling.errorCount(), 4);
+    QCOMPARE(save(telling), loaded);
+    QCOMPARE(errors.size(), 2);
+    QCOMPARE(errors.at(0).line, 3);
+    QCOMPARE(errors.at(0).text, s("Script[0].Mode=x"));
+    QCOMPARE(errors.at(0).faults.size(), 1);
+    QCOMPARE(errors.at(0).faults.at(0).kind, ConfigurationFault::NoNumber);
+    QCOMPARE(errors.at(0).faults.at(0).part, s("x"));
+    QCOMPARE(errors.at(1).line, 5);
+    QCOMPARE(countOf(errors.at(1).faults), 3);
+    QCOMPARE(errors.at(1).faults.size(), 2);
+    QCOMPARE(errors.at(1).faults.at(0).kind, ConfigurationFault::PartOutOfRange);
+    QCOMPARE(errors.at(1).faults.at(0).highest, 3);
+    QCOMPARE(errors.at(1).faults.at(0).part, s("7"));
+    QCOMPARE(errors.at(1).faults.at(0).count, 2);
+    QCOMPARE(errors.at(1).faults.at(1).kind, ConfigurationFault::PartNoNumber);
+}
+
+void tst_ConfigurationFileReading::lineFeedsAreToldWhereTheyDoHarm()
+{
+    QCOMPARE(load("[Comment]\r\na\nb\r\n[Scripts]\nScript[0].Mode=1\r\n"), 0);
+    ConfigurationErrors errors;
+    QCOMPARE(model->loadFromFile(directory->filePath(s("loaded.cfg")), errors), 0);
+    QCOMPARE(model->errorCount(), 0);
+    QCOMPARE(errors.size(), 1);
+    QCOMPARE(errors.at(0).line, 4);
+    QCOMPARE(errors.at(0).text, s("[Scripts]"));
+    QCOMPARE(errors.at(0).faults.at(0).kind, ConfigurationFault::LinesEndedByLfOnly);
+    QCOMPARE(countOf(errors.at(0).faults), 0);
+}
+
+void tst_ConfigurationFileReading::whatIsToldIsNoneOfAFormerFile()
+{
+    QCOMPARE(load("wrong\r\n"), 0);
+    ConfigurationErrors errors;
+    QCOMPARE(model->loadFromFile(directory->filePath(s("loaded.cfg")), errors), 0);
+    QCOMPARE(errors.size(), 1);
+    QCOMPARE(model->loadFromFile(directory->filePath(s("missing.cfg")), errors), 3);
+    QVERIFY(errors.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_ConfigurationFileReading)

@@ -125,6 +125,7 @@ void tst_checkCommand::eachKindOfErrorIsToldWithItsReason()
     const ToolRun run = check("[Configuration]\r\n" + line + "\r\n");
     QCOMPARE(run.exitCode, ExitCode::WithErrors);
     QCOMPARE(run.results, s("2: %1: %2\n").arg(QString::fromUtf8(line), reason));
+    QVERIFY2(run.errors.endsWith(s(" on 1 line\n")), qUtf8Printable(run.errors));
 }
 
 void tst_checkCommand::linesAreNumberedAsAnEditorNumbersThem()
