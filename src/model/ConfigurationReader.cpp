@@ -60,10 +60,15 @@ QString upToLineFeed(const QStringRef& line)
     return line.left(line.indexOf(QLatin1Char('\n'))).toString();
 }
 
-/// What is wrong with a line that is no section and no key with its value.
-ConfigurationFault::Kind faultOfForm(const QStringRef& line, bool hasSection)
+bool endsComment(const QStringRef& line)
 {
-    if (hasSection) {
+    return line.contains(configurationSection) || line.contains(scriptsSection);
+}
+
+/// What is wrong with a line that is no section and no key with its value.
+ConfigurationFault::Kind faultOfForm(const QStringRef& line)
+{
+    if (endsComment(line)) {
         return ConfigurationFault::SectionNotAlone;
     }
     if (!line.contains(QLatin1Char('='))) {
@@ -137,8 +142,7 @@ ConfigurationFaults ConfigurationReader::readLine(const QStringRef& line)
         inComment = true;
         return {};
     }
-    const bool hasSection = line.contains(configurationSection) || line.contains(scriptsSection);
-    if (inComment && !hasSection) {
+    if (inComment && !endsComment(line)) {
         commentText += line;
         commentText += QLatin1Char('\n');
         return {};
@@ -150,7 +154,7 @@ ConfigurationFaults ConfigurationReader::readLine(const QStringRef& line)
         return applyEntry(model, makeEntry(parts.at(0), parts.at(1)));
     }
     if (parts.size() == 1 && parts.first() != configurationSection && parts.first() != scriptsSection) {
-        return {{faultOfForm(line, hasSection), 0, 0, {}}};
+        return {{faultOfForm(line), 0, 0, {}}};
     }
     return {};
 }
