@@ -145,7 +145,7 @@ private slots:
 
 void tst_ConfigurationDifference::aModelIsEqualToItself()
 {
-    for (quint32 seed = 0; seed < 100; ++seed) {
+    for (quint32 seed = 0; seed < 50; ++seed) {
         RelayInfo model;
         RelayInfo same;
         RandomModel(seed).fill(model);
@@ -174,11 +174,12 @@ void tst_ConfigurationDifference::oneChangedFieldIsADifferenceIfItIsKept()
         const bool differ = recordsDiffer || namesOf(before) != namesOf(after);
         different += differ ? 1 : 0;
         const QString place = s("seed %1").arg(seed);
-        QVERIFY2(linesOf(before, after).isEmpty() != differ, qUtf8Printable(place));
+        const QStringList lines = linesOf(before, after);
+        QVERIFY2(lines.isEmpty() != differ, qUtf8Printable(place));
         QVERIFY2(linesOf(after, before).isEmpty() != differ, qUtf8Printable(place));
         QVERIFY2(linesOf(before, after, Names::Ignored).isEmpty() != recordsDiffer, qUtf8Printable(place));
         QVERIFY2(linesOf(after, before, Names::Ignored).isEmpty() != recordsDiffer, qUtf8Printable(place));
-        QVERIFY2(linesOf(before, after).size() <= 1, qUtf8Printable(place));
+        QVERIFY2(lines.size() <= 1, qUtf8Printable(lines.join(QLatin1Char('\n'))));
     }
     QVERIFY(different > 500);
 }
