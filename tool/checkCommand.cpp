@@ -43,8 +43,13 @@ void tellLines(const ConfigurationErrors& errors, int count, Console& console)
     for (const ConfigurationError& error : errors) {
         console.result(QStringLiteral("%1: %2: ").arg(error.line).arg(shortened(error.text)) + reasonOf(error));
     }
-    console.note(count == 0 ? QStringLiteral("no line counts as an error")
-                            : counted(count, "error") + QLatin1String(" on ") + counted(errors.size(), "line"));
+    if (count > 0) {
+        console.note(counted(count, "error") + QLatin1String(" on ") + counted(errors.size(), "line"));
+    } else if (!errors.isEmpty()) {
+        console.note(QStringLiteral("no line counts as an error, but the file isn't read as it stands"));
+    } else {
+        console.note(QStringLiteral("no line counts as an error"));
+    }
 }
 
 void tellJson(const ConfigurationErrors& errors, int count, Console& console)
