@@ -21,6 +21,7 @@ struct Command
     QString summary;                   ///< one line
     QString example;                   ///< a command line
     QList<QCommandLineOption> options; ///< beside those that all commands have
+    bool paints = false;               ///< needs fonts, and so a QGuiApplication
 
     /// The parser has read the command line; its positional arguments begin behind the command's name.
     ExitCode (*run)(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console) = nullptr;

@@ -83,12 +83,23 @@ const QVector<Command>& commands()
         writeCommand(),
         diffCommand(),
         checkCommand(),
+        reportCommand(),
         logCommand(),
         timeCommand(),
         firmwareCommand(),
         decodeCommand(),
     };
     return list;
+}
+
+bool paints(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.addOptions(commonOptions());
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    parser.parse(arguments);
+    const Command* const command = commandOf(parser.positionalArguments().value(0));
+    return command != nullptr && command->paints;
 }
 
 QCommandLineOption forceOption()

@@ -10,5 +10,6 @@ Command firmwareCommand();
 Command logCommand();
 Command portsCommand();
 Command readCommand();
+Command reportCommand();
 Command timeCommand();
 Command writeCommand();

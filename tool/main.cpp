@@ -2,19 +2,42 @@
 #include "tool/Console.h"
 #include "tool/ToolProgram.h"
 
-#include <QCoreApplication>
 #include <QFile>
+#include <QGuiApplication>
 #include <QLoggingCategory>
 
 #include <cstdio>
+#include <memory>
 
 #include <unistd.h>
+
+namespace
+{
+
+/// One with fonts, but without a display, for commands that paint; for all others one that starts faster.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    if (!paints(arguments)) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qunsetenv("QT_QPA_PLATFORMTHEME"); // a desktop's theme may want a display
+    }
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
     ExitCode exitCode = ExitCode::Done;
     {
-        const QCoreApplication application(argc, argv);
+        const auto application = makeApplication(argc, argv);
         QCoreApplication::setApplicationName(QStringLiteral("hubn-tool"));
         QCoreApplication::setApplicationVersion(QStringLiteral("2.1"));
         QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));

@@ -1,0 +1,104 @@
+#include "domain/saveWhole.h"
+#include "tool/Configuration.h"
+#include "tool/Console.h"
+#include "tool/OutputFile.h"
+#include "tool/SiteReport.h"
+#include "tool/commandList.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace
+{
+
+enum class Format
+{
+    Unknown,
+    Html,
+    Pdf
+};
+
+QString outputOption()
+{
+    return QStringLiteral("output");
+}
+
+Format formatOf(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("html") || suffix == QLatin1String("htm")) {
+        return Format::Html;
+    }
+    return suffix == QLatin1String("pdf") ? Format::Pdf : Format::Unknown;
+}
+
+/// To the standard output, as nobody named a file.
+void show(const ReportSource& source, Console& console)
+{
+    const QString html = siteReport::html(source);
+    if (console.isJson()) {
+        console.result(QJsonDocument(QJsonObject{{QStringLiteral("html"), html}}));
+    } else {
+        console.result(html.trimmed());
+    }
+}
+
+ExitCode save(const ReportSource& source, const QString& path, Console& console)
+{
+    const QByteArray document =
+        formatOf(path) == Format::Pdf ? siteReport::pdf(source) : siteReport::html(source).toUtf8();
+    const QString fault = saveWhole(document, path);
+    if (!fault.isEmpty()) {
+        console.error(QStringLiteral("%1 can't be written: %2").arg(path, fault));
+        return ExitCode::Refused;
+    }
+    if (console.isJson()) {
+        console.result(QJsonDocument(QJsonObject{{QStringLiteral("file"), path}}));
+    } else {
+        console.note(QStringLiteral("%1 is written").arg(path));
+    }
+    return ExitCode::Done;
+}
+
+ExitCode report(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
+{
+    const bool hasFile = commandLine.isSet(outputOption());
+    const QString path = commandLine.value(outputOption());
+    if (hasFile && formatOf(path) == Format::Unknown) {
+        console.error(QStringLiteral("\"%1\" ends neither in .html nor in .pdf").arg(path));
+        return ExitCode::BadInput;
+    }
+    if (hasFile && !mayWrite(path, commandLine, console)) {
+        return ExitCode::Refused;
+    }
+    const auto configuration = loadConfiguration(arguments.at(0), console);
+    if (configuration == nullptr) {
+        return ExitCode::BadInput;
+    }
+    const QFileInfo file(arguments.at(0));
+    const ReportSource source{configuration->model, file.fileName(), file.lastModified()};
+    const ExitCode ended = hasFile ? save(source, path, console) : (show(source, console), ExitCode::Done);
+    return ended == ExitCode::Done && configuration->model.errorCount() != 0 ? ExitCode::WithErrors : ended;
+}
+
+} // namespace
+
+Command reportCommand()
+{
+    Command command;
+    command.name = QStringLiteral("report");
+    command.arguments = QStringLiteral("FILE.cfg");
+    command.leastArguments = 1;
+    command.mostArguments = 1;
+    command.summary = QStringLiteral("Makes the document that stays on the site, with each script as a sentence");
+    command.example = QStringLiteral("hubn-tool report site.cfg -o site.pdf");
+    command.options = {{{QStringLiteral("o"), outputOption()},
+                        QStringLiteral("The document, .html or .pdf; without it HTML goes to the standard output."),
+                        QStringLiteral("file")},
+                       forceOption()};
+    command.paints = true;
+    command.run = report;
+    return command;
+}
