@@ -78,16 +78,8 @@ const QVector<Command>& commands()
 {
     // As the help lists them.
     static const QVector<Command> list{
-        portsCommand(),
-        readCommand(),
-        writeCommand(),
-        diffCommand(),
-        checkCommand(),
-        reportCommand(),
-        logCommand(),
-        timeCommand(),
-        firmwareCommand(),
-        decodeCommand(),
+        portsCommand(),  readCommand(), writeCommand(), diffCommand(),     checkCommand(),
+        reportCommand(), logCommand(),  timeCommand(),  firmwareCommand(), decodeCommand(),
     };
     return list;
 }

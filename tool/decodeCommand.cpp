@@ -79,7 +79,7 @@ void Decoder::decodeFrame(DecodedPacket& packet) const
     QByteArray requestFrame = frame;
     const bool isKnown = isRequest || Protocol::cutFrame(request, Protocol::requestStart, requestFrame) == PacketOk;
     const int type = isKnown ? Protocol::requestType(requestFrame) : 0;
-    packet.type = type > 0 ? packettext::requestName(type) : QString();
+    packet.type = type > 0 ? protocol_HUBN_NX_Q::requestName(type) : QString();
 }
 
 DecodedPacket Decoder::decode(const GivenPacket& given)

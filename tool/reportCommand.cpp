@@ -1,8 +1,8 @@
 #include "domain/saveWhole.h"
-#include "tool/Configuration.h"
 #include "tool/Console.h"
 #include "tool/OutputFile.h"
 #include "tool/SiteReport.h"
+#include "tool/Source.h"
 #include "tool/commandList.h"
 
 #include <QCommandLineParser>
@@ -73,14 +73,19 @@ ExitCode report(const QCommandLineParser& commandLine, const QStringList& argume
     if (hasFile && !mayWrite(path, commandLine, console)) {
         return ExitCode::Refused;
     }
-    const auto configuration = loadConfiguration(arguments.at(0), console);
-    if (configuration == nullptr) {
-        return ExitCode::BadInput;
+    const Source source = sourceOf(arguments.at(0), commandLine, console);
+    if (source.configuration == nullptr) {
+        return source.exitCode;
     }
-    const QFileInfo file(arguments.at(0));
-    const ReportSource source{configuration->model, file.fileName(), file.lastModified()};
-    const ExitCode ended = hasFile ? save(source, path, console) : (show(source, console), ExitCode::Done);
-    return ended == ExitCode::Done && configuration->model.errorCount() != 0 ? ExitCode::WithErrors : ended;
+    const RelayInfo& model = source.configuration->model;
+    const ReportSource reported =
+        source.coordinator ? ReportSource{model, {}, source.time, ReportedUnit{source.port, *source.coordinator}}
+                           : ReportSource{model, QFileInfo(source.name).fileName(), source.time};
+    if (!hasFile) {
+        show(reported, console);
+    }
+    const ExitCode ended = hasFile ? save(reported, path, console) : ExitCode::Done;
+    return ended == ExitCode::Done && model.errorCount() != 0 ? ExitCode::WithErrors : ended;
 }
 
 } // namespace
@@ -89,11 +94,11 @@ Command reportCommand()
 {
     Command command;
     command.name = QStringLiteral("report");
-    command.arguments = QStringLiteral("FILE.cfg");
+    command.arguments = QStringLiteral("FILE.cfg|unit");
     command.leastArguments = 1;
     command.mostArguments = 1;
     command.summary = QStringLiteral("Makes the document that stays on the site, with each script as a sentence");
-    command.example = QStringLiteral("hubn-tool report site.cfg -o site.pdf");
+    command.example = QStringLiteral("hubn-tool report unit -o site.pdf");
     command.options = {{{QStringLiteral("o"), outputOption()},
                         QStringLiteral("The document, .html or .pdf; without it HTML goes to the standard output."),
                         QStringLiteral("file")},

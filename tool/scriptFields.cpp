@@ -5,6 +5,7 @@
 #include "model/ScriptRules.h"
 #include "model/firstOf.h"
 #include "model/recordLayout.h"
+#include "model/tables.h"
 #include "texts/texts.h"
 
 namespace

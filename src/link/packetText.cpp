@@ -193,11 +193,6 @@ QString formOfTime()
 
 } // namespace
 
-QString requestName(int type)
-{
-    return nameOf(type <= P::Switch_To_Boot ? type : 0);
-}
-
 QStringList requestInWords(const QByteArray& request)
 {
     if (request.startsWith(bootStart)) {

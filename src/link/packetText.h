@@ -27,9 +27,6 @@ struct Packet
 namespace packettext
 {
 
-/// What a request asks, by its protocol_HUBN_NX_Q::RequestType; 0 is one that isn't known.
-QString requestName(int type);
-
 /// What a request says, one thing to a line: what it asks, of whom, with which data, and whether its checksum is right.
 /// Packets of the unit and of its bootloader are known.
 QStringList requestInWords(const QByteArray& request);

@@ -122,10 +122,10 @@ void tst_packetText::everyRequestIsRecognised()
         const QStringList words = packettext::requestInWords(request.request());
         QVERIFY(words.last().endsWith(QLatin1String("right")));
         QVERIFY(!words.first().contains(QLatin1String("not known")));
-        QCOMPARE(words.first(), QStringLiteral("Request: ") + packettext::requestName(request.requestType()));
+        QCOMPARE(words.first(), QStringLiteral("Request: ") + protocol_HUBN_NX_Q::requestName(request.requestType()));
     }
     for (const int unknown : {-1, 0, 23, 1000}) {
-        QCOMPARE(packettext::requestName(unknown), QStringLiteral("not known"));
+        QCOMPARE(protocol_HUBN_NX_Q::requestName(unknown), QStringLiteral("not known"));
     }
     const QByteArray bytes = Protocol::requestBusyChannels(1, 9).request();
     QCOMPARE(packettext::requestInWords(bytes).constFirst(), QStringLiteral("No request"));

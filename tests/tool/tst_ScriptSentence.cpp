@@ -1,4 +1,7 @@
 #include "ReportTest.h"
+#include "model/ScriptRules.h"
+#include "model/StateFamily.h"
+#include "model/tables.h"
 #include "tool/ScriptSentence.h"
 #include "tool/english.h"
 
@@ -52,8 +55,9 @@ void tst_ScriptSentence::aTriggerIsNamedAsItsTerminalsReportIt_data()
     const auto linked = [](const QString& name, bool isLong) {
         return [name, isLong](ReportedSite& site) {
             const ParamItems rows = site.model.stateChannels();
-            const ParamItemPtr analog = scriptRules::findAnalogState(rows, name);
-            site.script->stateChannel = analog ? analog : scriptRules::findButtonState(rows, name, isLong);
+            const ParamItemPtr analog = scriptRules::findLinkedState(rows, StateKind::Analog, name, false);
+            site.script->stateChannel =
+                analog ? analog : scriptRules::findLinkedState(rows, StateKind::Button, name, isLong);
         };
     };
     const auto statuses = [](int mask, bool alone) {
