@@ -92,7 +92,7 @@ std::optional<FirmwareLoad::End> loadImage(const QByteArray& image, UnitSession&
 
 ExitCode firmware(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
 {
-    const QString path = arguments.at(0);
+    const QString& path = arguments.at(0);
     const std::optional<QByteArray> image = readImage(path, console);
     if (!image) {
         return ExitCode::BadInput;

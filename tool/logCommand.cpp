@@ -173,7 +173,7 @@ ExitCode tell(const LogRead& log, const QString& path, const UnitSession& unit, 
 
 ExitCode log(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
 {
-    const QString path = arguments.at(0);
+    const QString& path = arguments.at(0);
     const QString suffix = QFileInfo(path).suffix().toLower();
     if (!QStringList{QStringLiteral("db"), QStringLiteral("csv"), QStringLiteral("json")}.contains(suffix)) {
         console.error(QStringLiteral("%1: a log is kept in a file that ends in .db, .csv or .json").arg(path));

@@ -43,7 +43,7 @@ void tell(const UnitReading& reading, const QString& path, const UnitSession& un
 
 ExitCode read(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
 {
-    const QString path = arguments.at(0);
+    const QString& path = arguments.at(0);
     if (!mayWrite(path, commandLine, console)) {
         return ExitCode::Refused;
     }

@@ -55,9 +55,9 @@ void tst_ScriptSentence::aTriggerIsNamedAsItsTerminalsReportIt_data()
     const auto linked = [](const QString& name, bool isLong) {
         return [name, isLong](ReportedSite& site) {
             const ParamItems rows = site.model.stateChannels();
-            const ParamItemPtr analog = scriptRules::findLinkedState(rows, StateKind::Analog, name, false);
+            const ParamItemPtr analog = scriptRules::findLinkedState(rows, scriptRules::StateKind::Analog, name, false);
             site.script->stateChannel =
-                analog ? analog : scriptRules::findLinkedState(rows, StateKind::Button, name, isLong);
+                analog ? analog : scriptRules::findLinkedState(rows, scriptRules::StateKind::Button, name, isLong);
         };
     };
     const auto statuses = [](int mask, bool alone) {

@@ -245,8 +245,8 @@ void tst_SiteReport::whatIsWorthALookIsListed()
     } else if (fault == QLatin1String("deaf script")) {
         site.filterByAddress({});
     } else if (fault == QLatin1String("ambiguous state")) {
-        site.script->stateChannel =
-            scriptRules::findLinkedState(site.model.stateChannels(), StateKind::Analog, texts::analogHigh(), false);
+        site.script->stateChannel = scriptRules::findLinkedState(
+            site.model.stateChannels(), scriptRules::StateKind::Analog, texts::analogHigh(), false);
     } else {
         site.addOutput(7, QStringLiteral("Yard"), QStringLiteral("Lamp"));
         isRead = true;
@@ -261,8 +261,8 @@ void tst_SiteReport::aSiteInOrderHasNothingWorthALook()
     ReportedSite site;
     site.addOutput(7, QStringLiteral("Yard"), QStringLiteral("Lamp"));
     site.filterByType(AnalogClass);
-    site.script->stateChannel =
-        scriptRules::findLinkedState(site.model.stateChannels(), StateKind::Analog, texts::analogHigh(), false);
+    site.script->stateChannel = scriptRules::findLinkedState(site.model.stateChannels(), scriptRules::StateKind::Analog,
+                                                             texts::analogHigh(), false);
     QCOMPARE(section(fileOf(site), QStringLiteral("Worth a look")).items, QStringList());
     site.model.findGroup(7)->connected = true;
     QCOMPARE(section(unitOf(site), QStringLiteral("Worth a look")).items, QStringList());
