@@ -36,7 +36,9 @@ QString explanationOf(const Command& command)
 /// What all commands have.
 QList<QCommandLineOption> commonOptions()
 {
-    return {{QStringLiteral("port"),
+    return {{{QStringLiteral("h"), QStringLiteral("help")},
+             QStringLiteral("This help; behind a command, that of the command.")},
+            {QStringLiteral("port"),
              QStringLiteral("The serial port of the unit; without it the first coordinator found is taken."),
              QStringLiteral("name")},
             {QStringLiteral("json"), QStringLiteral("Results as JSON.")},
@@ -107,7 +109,6 @@ QCommandLineOption confirmedOption()
 ExitCode runTool(const QStringList& arguments, Console& console)
 {
     QCommandLineParser parser;
-    parser.addHelpOption();
     parser.addOptions(commonOptions());
 
     // The first word that is no option names the command, which has options of its own.
