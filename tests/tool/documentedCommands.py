@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares what the help of hubn-tool lists with its man page and its completion for bash.
+"""Compares what the help of hubn-tool lists with its man page, its completion for bash and its chapter in the docs.
 
 documentedCommands.py HUBN-TOOL [unittest's arguments]
 """
@@ -14,6 +14,7 @@ import unittest
 root = pathlib.Path(__file__).resolve().parent.parent.parent
 man_page = root / "packaging" / "hubn-tool.1"
 completion = root / "packaging" / "hubn-tool.bash"
+chapter = root / "docs" / "hubn-tool.md"
 tool = ""
 
 version_options = {"-v", "--version"}
@@ -168,6 +169,12 @@ class Completion(unittest.TestCase):
 
     def test_it_offers_nothing_behind_an_unknown_command(self):
         self.assertEqual(self.offered("hubn-tool reed "), [])
+
+
+class Chapter(unittest.TestCase):
+    def test_it_has_a_section_for_each_command(self):
+        told = re.findall(r"^## `hubn-tool (\w+)`", chapter.read_text(encoding="utf-8"), re.M)
+        self.assertEqual(sorted(told), sorted(listed_commands()))
 
 
 if __name__ == "__main__":
