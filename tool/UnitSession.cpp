@@ -164,7 +164,7 @@ ExitCode UnitSession::complainOfNothing()
         return ExitCode::NothingFound;
     }
     const StatePort state = coordinators->ports().constFirst()->info().state;
-    console.error(QStringLiteral("%1: %2").arg(givenPort, statePortTraits(state).text));
+    console.error(QStringLiteral("%1: %2").arg(givenPort, stateOf(*coordinators->ports().constFirst())));
     return state == StateCreateError || state == StateOpenError ? ExitCode::Refused : ExitCode::NothingFound;
 }
 
@@ -225,6 +225,11 @@ void UnitSession::beginProgress(const QString& text)
 void UnitSession::showProgress()
 {
     console.progress(busyText, busyValue, busyMaximum);
+}
+
+QString UnitSession::stateOf(const Port& port)
+{
+    return statePortTraits(port.info().state).text.replace(QLatin1Char('\n'), QLatin1String(", "));
 }
 
 QString UnitSession::reasonOf(const message& answer)

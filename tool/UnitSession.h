@@ -50,6 +50,9 @@ public:
     /// The steps that are over since the last operation began.
     int stepsDone() const;
 
+    /// A port's state, on one line.
+    static QString stateOf(const Port& port);
+
     /// Why a step failed, in words.
     static QString reasonOf(const message& answer);
 

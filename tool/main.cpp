@@ -37,10 +37,11 @@ int main(int argc, char* argv[])
 {
     ExitCode exitCode = ExitCode::Done;
     {
+        // What Qt has to say of missing surroundings (no runtime folder, no theme) helps nobody here.
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false\ndefault.warning=false"));
         const auto application = makeApplication(argc, argv);
         QCoreApplication::setApplicationName(QStringLiteral("hubn-tool"));
         QCoreApplication::setApplicationVersion(QStringLiteral("2.1"));
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
 
         QFile results;
         QFile errors;

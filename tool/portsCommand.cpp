@@ -13,8 +13,7 @@ namespace
 QJsonObject described(const Port& port)
 {
     const PortInfo& info = port.info();
-    QJsonObject object{{QStringLiteral("port"), port.name()},
-                       {QStringLiteral("state"), statePortTraits(info.state).text}};
+    QJsonObject object{{QStringLiteral("port"), port.name()}, {QStringLiteral("state"), UnitSession::stateOf(port)}};
     if (info.coordinator) {
         object.insert(QStringLiteral("address"), info.coordinator->address);
         object.insert(QStringLiteral("baudRate"), info.baudrate);
@@ -27,7 +26,7 @@ QJsonObject described(const Port& port)
 QString line(const Port& port)
 {
     const PortInfo& info = port.info();
-    const QString state = port.name() + QStringLiteral(": ") + statePortTraits(info.state).text;
+    const QString state = port.name() + QStringLiteral(": ") + UnitSession::stateOf(port);
     if (!info.coordinator) {
         return state;
     }
