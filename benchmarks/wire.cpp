@@ -3,6 +3,7 @@
 
 #include "benchmarks/Figures.h"
 #include "benchmarks/Units.h"
+#include "benchmarks/WireTime.h"
 #include "firmware/Loading.h"
 #include "firmware/protocol_boot.h"
 #include "link/FormChoiceCoordinator.h"
@@ -18,37 +19,6 @@
 
 namespace
 {
-
-constexpr int baudRate = 57600;
-constexpr int readings = 7; ///< of the configuration, each of which takes less than a second
-
-/// Has the system wake its processors at once, as long as it lives. How long one that sleeps takes otherwise is the
-/// machine's affair, differs a lot between machines, and would hide what the program adds to each exchange, for which
-/// three threads wake up. Root's to ask for; for others nothing changes.
-class ProcessorsAwake
-{
-public:
-    ProcessorsAwake()
-    {
-        const qint32 microseconds = 0;
-        if (latency.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-            latency.write(reinterpret_cast<const char*>(&microseconds), sizeof microseconds);
-        }
-    }
-
-private:
-    QFile latency{QStringLiteral("/dev/cpu_dma_latency")};
-};
-
-/// Milliseconds that the bytes of some requests and their answers take on the wire.
-double wireTime(const QVector<UnitRequest>& requests)
-{
-    qint64 bytes = 0;
-    for (const UnitRequest& request : requests) {
-        bytes += request.frame.size() + request.answer.size();
-    }
-    return double(bytes) * 10 * 1000 / baudRate;
-}
 
 /// Runs an operation of the form over a paced unit and compares the time between its first request and its end with the
 /// time that its bytes take on the wire. The watch, twice a second, is part of both.
@@ -67,31 +37,20 @@ Figure overTheWire(const QString& what, UnitSimulator& unit, const std::function
     }
     // A request is noted once its last byte is there; its own way over the wire lies before the note.
     const double measured = std::chrono::duration<double, std::milli>(stopped - requests.first().received).count() +
-                            double(requests.first().frame.size()) * 10 * 1000 / baudRate;
-    const double wire = wireTime(requests);
+                            double(requests.first().frame.size()) * 10 * 1000 / wire::baudRate;
+    const double onTheWire = wire::timeOf(requests);
     return {what,
             QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
-            QStringLiteral("%1 ms, the wire's own time").arg(wire, 0, 'f', 0),
-            wire / measured,
+            QStringLiteral("%1 ms, the wire's own time").arg(onTheWire, 0, 'f', 0),
+            onTheWire / measured,
             QStringLiteral("wire / measured"),
             0.95,
             true};
 }
 
-/// The middle one of several runs: a machine that is elsewhere for some milliseconds spoils a single one.
-Figure middleOf(const std::function<Figure()>& measure)
-{
-    std::vector<Figure> runs;
-    std::generate_n(std::back_inserter(runs), readings, measure);
-    const auto middle = runs.begin() + readings / 2;
-    std::nth_element(runs.begin(), middle, runs.end(),
-                     [](const Figure& left, const Figure& right) { return left.ratio < right.ratio; });
-    return *middle;
-}
-
 std::vector<Figure> run()
 {
-    const ProcessorsAwake awake;
+    const wire::ProcessorsAwake awake;
     UnitSimulator unit(units::installation(2000));
     unit.setPace(UnitSimulator::OfTheWire);
     FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}});
@@ -106,7 +65,7 @@ std::vector<Figure> run()
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &form,
                      &FormChoiceCoordinator::sl_PreOperationReadConfigAndScript);
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadScriptOnForm, &end, &QEventLoop::quit);
-    figures.push_back(middleOf([&] {
+    figures.push_back(wire::middleOf([&] {
         return overTheWire(
             QStringLiteral("full reading: terminals, 70 outputs, 32 scripts at 57600"), unit,
             [&] { form.on_buttonChoicePort_clicked(); }, end);
@@ -125,7 +84,7 @@ std::vector<Figure> run()
 Figure firmware()
 {
     constexpr int imageSize = 200000;
-    const ProcessorsAwake awake;
+    const wire::ProcessorsAwake awake;
     UnitSimulator unit(units::installation(0));
     unit.setPace(UnitSimulator::OfTheWire);
     FormChoiceCoordinator form({[&] { return QStringList{unit.portName()}; }, {}}, protocol_boot::parseAnswer);

@@ -136,7 +136,8 @@ void tell(const QStringList& failures, const QStringList& differences, const Wri
         console.result(QJsonDocument(object));
         return;
     }
-    for (const QString& line : failures + differences) {
+    const QStringList lines = failures + differences;
+    for (const QString& line : lines) {
         console.result(line);
     }
     console.result(QStringLiteral("%1 outputs and %2 scripts written%3")
