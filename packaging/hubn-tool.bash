@@ -6,7 +6,7 @@ _hubn_tool() {
     local -A options=(
         [ports]=""
         [read]="--confirm --partial --force"
-        [write]="--backup --verify --force"
+        [write]="--backup --verify --incomplete --force"
         [diff]=""
         [check]=""
         [report]="-o --output --force"

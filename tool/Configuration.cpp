@@ -17,13 +17,16 @@ QString whyUnread(const QString& path, int fileResult)
 std::unique_ptr<Configuration> loadConfiguration(const QString& path, Console& console)
 {
     auto configuration = std::make_unique<Configuration>();
-    if (const int result = configuration->model.loadFromFile(path); result != RelayInfo::FileOk) {
+    ConfigurationErrors faults;
+    if (const int result = configuration->model.loadFromFile(path, faults); result != RelayInfo::FileOk) {
         console.error(whyUnread(path, result));
         return nullptr;
     }
-    if (const int errors = configuration->model.errorCount(); errors != 0) {
-        console.note(
-            QStringLiteral("%1: %2 lines are wrong and count for nothing; \"check\" names them").arg(path).arg(errors));
+    configuration->faults = faults.size();
+    if (!faults.isEmpty()) {
+        console.error(QStringLiteral("%1 has %2; \"check\" tells what counts for nothing")
+                          .arg(path, faults.size() == 1 ? QStringLiteral("1 fault")
+                                                        : QStringLiteral("%1 faults").arg(faults.size())));
     }
     return configuration;
 }

@@ -16,10 +16,11 @@ public:
 
     const Device catalogue;
     RelayInfo model;
+    int faults = 0; ///< of the file; more than the lines that the window counts
 };
 
-/// Reads a configuration file. Nothing if it can't be read, which the console has been told then. Lines that count as
-/// errors are noted and left out, as the window does.
+/// Reads a configuration file. Nothing if it can't be read, which the console has been told then. What is wrong with it
+/// is told and left out, as the window does.
 std::unique_ptr<Configuration> loadConfiguration(const QString& path, Console& console);
 
 /// Why RelayInfo didn't read a file.

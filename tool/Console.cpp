@@ -73,6 +73,12 @@ void Console::error(const QString& line)
     errorStream << QCoreApplication::applicationName() << ": " << line << Qt::endl;
 }
 
+bool Console::isWhole()
+{
+    resultStream.flush();
+    return resultStream.status() == QTextStream::Ok;
+}
+
 void Console::progress(const QString& text, int value, int maximum)
 {
     if (!isLive || isQuiet) {

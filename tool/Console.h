@@ -44,6 +44,9 @@ public:
     /// Why something wasn't done; told also when quiet.
     void error(const QString& line);
 
+    /// Whether all results went out; to be asked at the end.
+    bool isWhole();
+
     /// How far long work is. A maximum of 0 says that nobody knows.
     void progress(const QString& text, int value, int maximum);
     void endProgress();

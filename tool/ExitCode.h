@@ -5,8 +5,8 @@ enum class ExitCode
 {
     Done = 0,         ///< all is as asked; of a comparison: equal
     WithErrors = 1,   ///< done, but something is missing, wrong or was refused; of a comparison: different
-    NothingFound = 2, ///< no port, no coordinator, or it fell silent
-    Refused = 3,      ///< nothing was done: the file exists, the port can't be used, the unit said no
+    NothingFound = 2, ///< no port, or no coordinator
+    Refused = 3,      ///< nothing was done: the file exists, the port can't be used
     BadInput = 4,     ///< a command line, a file or a packet that makes no sense
     Interrupted = 5,  ///< by Ctrl+C or the system's request to end
 };

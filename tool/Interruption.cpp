@@ -3,6 +3,7 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 
 #include <fcntl.h>
@@ -18,9 +19,11 @@ std::array<int, 2> pipeEnds{-1, -1};
 
 extern "C" void noteSignal(int /*number*/)
 {
+    const int errorOfTheInterrupted = errno;
     const char byte = 0;
     // If the pipe is full the wish is known already.
     [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &byte, 1);
+    errno = errorOfTheInterrupted;
 }
 
 } // namespace
@@ -33,7 +36,10 @@ Interruption::Interruption(QObject* parent) : QObject(parent)
     notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, &Interruption::read);
     for (const int number : endingSignals) {
-        std::signal(number, noteSignal);
+        struct sigaction action = {};
+        action.sa_handler = noteSignal;
+        // Without SA_RESTART: a question that waits for somebody's answer ends.
+        sigaction(number, &action, nullptr);
     }
 }
 
@@ -52,8 +58,11 @@ Interruption::~Interruption()
     }
 }
 
-bool Interruption::isRequested() const
+bool Interruption::isRequested()
 {
+    if (notifier != nullptr) {
+        read();
+    }
     return wasRequested;
 }
 

@@ -15,7 +15,7 @@ public:
     ~Interruption() override;
     Q_DISABLE_COPY_MOVE(Interruption)
 
-    bool isRequested() const;
+    bool isRequested();
 
 signals:
     void requested(); ///< once for each signal

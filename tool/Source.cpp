@@ -1,7 +1,6 @@
 #include "tool/Source.h"
 
 #include "tool/Console.h"
-#include "tool/UnitReading.h"
 #include "tool/UnitSession.h"
 
 #include <QFileInfo>
@@ -32,6 +31,7 @@ void readUnitInto(Source& source, const QCommandLineParser& commandLine, Console
     }
     source.configuration = std::make_unique<Configuration>();
     reading->fill(source.configuration->model);
+    source.reading = *reading;
     source.port = unit.port().name();
     source.coordinator = unit.port().info().coordinator;
     source.time = QDateTime::currentDateTime();

@@ -3,6 +3,7 @@
 #include "link/CoordinatorSearch.h"
 #include "tool/Configuration.h"
 #include "tool/ExitCode.h"
+#include "tool/UnitReading.h"
 
 #include <QDateTime>
 
@@ -18,6 +19,7 @@ struct Source
     QString name;                                 ///< of the file, or "unit"
     QString port;                                 ///< of the unit; empty for a file
     std::optional<CoordinatorInfo> coordinator;   ///< of the unit
+    UnitReading reading;                          ///< of the unit
     QDateTime time;                               ///< of the reading, or of the file's last change
 };
 

@@ -136,6 +136,10 @@ ExitCode runTool(const QStringList& arguments, Console& console)
         console.result(parser.helpText());
         return ExitCode::Done;
     }
+    if (parser.isSet(QStringLiteral("port")) &&
+        (parser.value(QStringLiteral("port")).isEmpty() || parser.isSet(QStringLiteral("simulated-unit")))) {
+        return refuse(console, QStringLiteral("--port takes the name of a port, and no simulated unit beside it"));
+    }
     const QStringList given = parser.positionalArguments().mid(1);
     if (given.size() < command->leastArguments || given.size() > command->mostArguments) {
         return refuse(console, QStringLiteral("%1 takes: %2")

@@ -10,14 +10,19 @@
 
 #include <QEventLoop>
 #include <QHash>
+#include <QTemporaryDir>
 
 #include <algorithm>
+#include <functional>
 
 namespace
 {
 
 /// Readings of everything in which two in a row must agree.
 constexpr int mostReadings = 6;
+
+constexpr int leastOutputRecord = 3;  ///< address, number, state; scripts follow
+constexpr int leastScriptRecord = 22; ///< number and script
 
 QString noTwoAgree()
 {
@@ -107,6 +112,18 @@ struct Records
     QStringList failures;
 };
 
+/// Takes away records that are too short to be any; each is a failure.
+void failTooShort(QByteArrayList& records, int leastSize, QStringList& failures,
+                  const std::function<QString(const QByteArray&)>& name)
+{
+    for (int index = records.size() - 1; index >= 0; --index) {
+        if (records.at(index).size() < leastSize) {
+            failures.append(name(records.at(index)) + QStringLiteral(": too short an answer"));
+            records.removeAt(index);
+        }
+    }
+}
+
 std::optional<Records> readRecords(UnitSession& unit)
 {
     Records records;
@@ -120,7 +137,14 @@ std::optional<Records> readRecords(UnitSession& unit)
         loop.quit();
     });
     unit.link().readConfiguration();
-    return unit.wait(loop) ? std::make_optional(records) : std::nullopt;
+    if (!unit.wait(loop)) {
+        return {};
+    }
+    failTooShort(records.outputs, leastOutputRecord, records.failures,
+                 [](const QByteArray& record) { return nameOfOutput(quint8(record.at(0)), quint8(record.at(1))); });
+    failTooShort(records.scripts, leastScriptRecord, records.failures,
+                 [](const QByteArray& record) { return nameOfScript(quint8(record.at(0))); });
+    return records;
 }
 
 bool readTerminals(UnitSession& unit, UnitReading& reading)
@@ -151,6 +175,9 @@ std::optional<Records> readUntilConfirmed(UnitSession& unit)
         outputs.take(records->outputs);
         scripts.take(records->scripts);
         result.failures = records->failures;
+        if (records->outputs.isEmpty() && records->scripts.isEmpty()) {
+            break; // nobody is there any more
+        }
         if (count > 0 && result.failures.isEmpty() && outputs.open().isEmpty() && scripts.open().isEmpty()) {
             break;
         }
@@ -168,14 +195,41 @@ std::optional<Records> readUntilConfirmed(UnitSession& unit)
     return result;
 }
 
+bool isUnused(const GroupRelayPtr& group)
+{
+    const QList<RelayInformationPtr>& outputs = group->outputs;
+    return !group->connected && std::all_of(outputs.cbegin(), outputs.cend(), [](const RelayInformationPtr& output) {
+        const bool startsOff = output->startState && output->startState->code == 0;
+        return output->activatedScripts.isEmpty() && startsOff && !output->returnStartState;
+    });
+}
+
+/// Takes away what the unit has for every address: terminals that it doesn't report, with outputs that nobody set.
+void removeUnusedGroups(RelayInfo& model)
+{
+    const QList<GroupRelayPtr> groups = model.groups();
+    for (const GroupRelayPtr& group : groups) {
+        if (isUnused(group)) {
+            model.removeGroup(group);
+        }
+    }
+}
+
 } // namespace
 
 void UnitReading::fill(RelayInfo& model) const
 {
     model.readTerminalRecords(terminals);
     model.readOutputRecords(outputs);
-    model.removeIdleGroups();
+    removeUnusedGroups(model);
     model.readScriptRecords(scripts);
+}
+
+bool UnitReading::hasOutput(int terminal, int number) const
+{
+    return std::any_of(outputs.cbegin(), outputs.cend(), [terminal, number](const QByteArray& record) {
+        return quint8(record.at(0)) == terminal && quint8(record.at(1)) == number;
+    });
 }
 
 QByteArrayList UnitReading::outputRecords() const
@@ -209,21 +263,56 @@ std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed)
     return reading;
 }
 
-std::optional<QStringList> saveReading(const UnitReading& reading, const QString& path, Console& console)
+QStringList takeUnread(RelayInfo& model, const UnitReading& reading)
+{
+    QStringList names;
+    const QList<GroupRelayPtr> groups = model.groups();
+    for (const GroupRelayPtr& group : groups) {
+        const auto isUnread = [&](const RelayInformationPtr& output) {
+            return !reading.hasOutput(group->address, output->number);
+        };
+        for (const RelayInformationPtr& output : std::as_const(group->outputs)) {
+            if (isUnread(output)) {
+                names.append(nameOfOutput(quint8(group->address), output->number));
+            }
+        }
+        group->outputs.erase(std::remove_if(group->outputs.begin(), group->outputs.end(), isUnread),
+                             group->outputs.end());
+    }
+    return names;
+}
+
+QStringList lostInAFile(const UnitReading& reading)
 {
     Configuration read;
     reading.fill(read.model);
-    if (read.model.saveToFile(path) != RelayInfo::FileOk) {
-        console.error(QStringLiteral("%1 can't be written").arg(path));
-        return {};
-    }
     // A file has no day 31 and no December.
     Configuration kept;
-    kept.model.loadFromFile(path);
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("kept.cfg"));
+    if (read.model.saveToFile(file) != RelayInfo::FileOk || kept.model.loadFromFile(file) != RelayInfo::FileOk) {
+        return {QStringLiteral("there is no room for a file to compare with")};
+    }
     QStringList lost;
     const auto differences = configurationDifferences(read.model, kept.model, Names::Compared);
     for (const ConfigurationDifference& difference : differences) {
         lost.append(QStringLiteral("the file gives back another value: ") + inWords(difference));
     }
     return lost;
+}
+
+bool saveReading(const UnitReading& reading, const QString& path, Console& console)
+{
+    Configuration read;
+    reading.fill(read.model);
+    if (read.model.saveToFile(path) != RelayInfo::FileOk) {
+        console.error(QStringLiteral("%1 can't be written").arg(path));
+        return false;
+    }
+    const QStringList unread = takeUnread(read.model, reading);
+    if (!unread.isEmpty()) {
+        console.note(QStringLiteral("not told by the unit, so in the file as if nobody had set it: ") +
+                     unread.join(QLatin1String(", ")));
+    }
+    return true;
 }

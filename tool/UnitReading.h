@@ -19,6 +19,9 @@ struct UnitReading
 
     void fill(RelayInfo& model) const;
 
+    /// Whether the unit was asked for an output and said something of it. Of a terminal it tells two outputs.
+    bool hasOutput(int terminal, int number) const;
+
     // As the model would write them: without what a unit says differently and means the same.
     QByteArrayList outputRecords() const;
     QByteArrayList scriptRecords() const;
@@ -28,6 +31,11 @@ struct UnitReading
 /// readings in a row gave the same. Nothing if interrupted.
 std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed);
 
-/// Saves it as a configuration file that the window loads. Returns what the file gives back differently when it is
-/// loaded, in words; nothing if it couldn't be written, which has been told then.
-std::optional<QStringList> saveReading(const UnitReading& reading, const QString& path, Console& console);
+/// Takes the outputs that the unit told nothing of out of a model, and names them.
+QStringList takeUnread(RelayInfo& model, const UnitReading& reading);
+
+/// What a configuration file of it gives back differently when it is loaded, in words.
+QStringList lostInAFile(const UnitReading& reading);
+
+/// Saves it as a configuration file that the window loads. False if that couldn't be done, which has been told then.
+bool saveReading(const UnitReading& reading, const QString& path, Console& console);

@@ -21,7 +21,7 @@ constexpr int searchesOfPort = 2;
 constexpr int eventsOfSimulatedUnit = 1200;
 
 /// A request that was sent has its answer by then, or none.
-constexpr std::chrono::milliseconds exchangeTime{300};
+constexpr std::chrono::milliseconds exchangeTime{500};
 
 } // namespace
 
@@ -34,7 +34,7 @@ UnitSession::UnitSession(const QCommandLineParser& commandLine, Console& command
         givenPort = simulatedUnit->portName();
     }
     CoordinatorSeams seams;
-    if (!givenPort.isEmpty()) {
+    if (simulatedUnit != nullptr || commandLine.isSet(QStringLiteral("port"))) {
         seams.portNames = [name = givenPort] { return QStringList{name}; };
     }
     coordinators = std::make_unique<CoordinatorLink>(seams, protocol_boot::parseAnswer);
@@ -81,6 +81,8 @@ void UnitSession::noteState(Port* port)
         ++search.failures;
         if (search.failures < searchesOfPort) {
             port->scheduleSearch();
+        } else {
+            port->setSearchRepeated(false);
         }
     }
     emit searchChanged();
@@ -94,6 +96,7 @@ bool UnitSession::isSettled(const Port* port) const
     case StateOpenError:
     case StateNotFound:
     case StateCoordinatorConnected:
+    case StateCoordinatorLost:
         return true;
     default:
         return search.failures >= searchesOfPort;
@@ -122,8 +125,20 @@ bool UnitSession::runSearch(bool untilFirst)
             loop.quit();
         }
     });
+    if (interruption.isRequested()) {
+        return false;
+    }
     coordinators->start();
     return isOver() || wait(loop);
+}
+
+bool UnitSession::isSimulationPossible()
+{
+    if (simulatedUnit != nullptr && !simulatedUnit->isValid()) {
+        console.error(QStringLiteral("there can be no simulated unit: ") + simulatedUnit->errorString());
+        return false;
+    }
+    return true;
 }
 
 bool UnitSession::searchAllPorts()
@@ -131,13 +146,24 @@ bool UnitSession::searchAllPorts()
     return runSearch(false);
 }
 
-ExitCode UnitSession::open()
+ExitCode UnitSession::open(bool alsoSilent)
 {
+    if (!isSimulationPossible()) {
+        return ExitCode::Refused;
+    }
     if (!runSearch(true)) {
         console.error(QStringLiteral("interrupted; nothing was done"));
         return ExitCode::Interrupted;
     }
     unitPort = foundPort();
+    if (unitPort == nullptr && alsoSilent && !givenPort.isEmpty() &&
+        coordinators->ports().constFirst()->info().state == StateCoordinatorNotFound) {
+        unitPort = coordinators->ports().constFirst();
+        coordinators->use(*unitPort);
+        console.note(unitPort->name() +
+                     QStringLiteral(": no coordinator answers; maybe the unit is in its bootloader"));
+        return ExitCode::Done;
+    }
     if (unitPort == nullptr) {
         return complainOfNothing();
     }
@@ -182,6 +208,9 @@ Port& UnitSession::port()
 
 QJsonObject UnitSession::identity() const
 {
+    if (!unitPort->info().coordinator) {
+        return {{QStringLiteral("port"), unitPort->name()}};
+    }
     const CoordinatorInfo& coordinator = *unitPort->info().coordinator;
     return {{QStringLiteral("port"), unitPort->name()},
             {QStringLiteral("address"), coordinator.address},
@@ -207,6 +236,11 @@ bool UnitSession::wait(QEventLoop& loop, const std::function<void()>& abandon)
         exchange.exec();
     }
     return false;
+}
+
+bool UnitSession::isInterrupted()
+{
+    return interruption.isRequested();
 }
 
 int UnitSession::stepsDone() const

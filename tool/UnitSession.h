@@ -32,8 +32,15 @@ public:
     /// Asks all ports, or the one that was named, until each has found a coordinator or none. False if interrupted.
     bool searchAllPorts();
 
-    /// Finds the unit and notes which one. Anything but Done has been told.
-    ExitCode open();
+    /// Finds the unit and notes which one. Anything but Done has been told. With `alsoSilent` the port that was named
+    /// will do even if no coordinator answers there, as of a unit that waits in its bootloader.
+    ExitCode open(bool alsoSilent = false);
+
+    /// Whether a simulated unit that was asked for could be had. If not, that has been told.
+    bool isSimulationPossible();
+
+    /// Whether somebody wishes the program to end.
+    bool isInterrupted();
 
     CoordinatorLink& link();
     Port& port(); ///< of the unit; after open()
@@ -57,7 +64,7 @@ public:
     static QString reasonOf(const message& answer);
 
 signals:
-    /// A port has come, or come to the end of a search.
+    /// The state of a port has changed.
     void searchChanged();
 
 private:

@@ -44,6 +44,18 @@ ExitCode diff(const QCommandLineParser& commandLine, const QStringList& argument
     if (after.configuration == nullptr) {
         return after.exitCode;
     }
+    const int faults = before.configuration->faults + after.configuration->faults;
+    for (const Source* const side : {&before, &after}) {
+        if (side->coordinator) {
+            QStringList unread = takeUnread(before.configuration->model, side->reading);
+            unread += takeUnread(after.configuration->model, side->reading);
+            unread.removeDuplicates();
+            if (!unread.isEmpty()) {
+                console.note(QStringLiteral("not told by the unit, so not compared: ") +
+                             unread.join(QLatin1String(", ")));
+            }
+        }
+    }
     const bool isUnit = before.coordinator || after.coordinator;
     const auto differences = configurationDifferences(before.configuration->model, after.configuration->model,
                                                       isUnit ? Names::Ignored : Names::Compared);
@@ -52,7 +64,7 @@ ExitCode diff(const QCommandLineParser& commandLine, const QStringList& argument
     } else {
         tellLines(differences, arguments, console);
     }
-    return differences.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
+    return differences.isEmpty() && faults == 0 ? ExitCode::Done : ExitCode::WithErrors;
 }
 
 } // namespace

@@ -9,14 +9,12 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonDocument>
-#include <QTextStream>
-
-#include <cstdio>
-
-#include <unistd.h>
 
 namespace
 {
+
+/// Of a unit whose coordinator didn't answer.
+constexpr int usualBaudrate = 57600;
 
 std::optional<QByteArray> readImage(const QString& path, Console& console)
 {
@@ -39,13 +37,17 @@ bool isWanted(const QCommandLineParser& commandLine, Console& console)
     if (commandLine.isSet(confirmedOption())) {
         return true;
     }
-    if (isatty(STDIN_FILENO) == 0) {
+    if (!console.isInputTyped()) {
         console.error(QStringLiteral("nobody can be asked here; --yes loads without a question"));
         return false;
     }
-    QTextStream(stderr) << "Load new firmware into this unit? [y/N] " << Qt::flush;
-    const QString reply = QTextStream(stdin).readLine().trimmed().toLower();
-    return reply == QLatin1String("y") || reply == QLatin1String("yes");
+    console.error(QStringLiteral("load new firmware into this unit? Type yes or no."));
+    const QString reply = console.readLine().value_or(QString()).trimmed().toLower();
+    if (reply == QLatin1String("y") || reply == QLatin1String("yes")) {
+        return true;
+    }
+    console.error(QStringLiteral("nothing was loaded"));
+    return false;
 }
 
 QString textOf(FirmwareLoad::End end)
@@ -84,7 +86,8 @@ std::optional<FirmwareLoad::End> loadImage(const QByteArray& image, UnitSession&
         loop.quit();
     });
     unit.link().setFirmwareRunning(true);
-    load.start(unit.link().currentAddress(), unit.link().currentBaudrate());
+    const int baudrate = unit.port().info().baudrate;
+    load.start(unit.link().currentAddress(), baudrate > 0 ? baudrate : usualBaudrate);
     const bool isOver = unit.wait(loop, [&load] { load.abort(); });
     unit.link().setFirmwareRunning(false);
     return isOver ? std::make_optional(result) : std::nullopt;
@@ -98,11 +101,16 @@ ExitCode firmware(const QCommandLineParser& commandLine, const QStringList& argu
         return ExitCode::BadInput;
     }
     UnitSession unit(commandLine, console);
-    if (const ExitCode found = unit.open(); found != ExitCode::Done) {
+    // One that waits in its bootloader since a load was broken off answers no search.
+    if (const ExitCode found = unit.open(true); found != ExitCode::Done) {
         return found;
     }
     if (!isWanted(commandLine, console)) {
-        return ExitCode::Refused;
+        return unit.isInterrupted() ? ExitCode::Interrupted : ExitCode::Refused;
+    }
+    if (unit.isInterrupted()) {
+        console.error(QStringLiteral("interrupted; nothing was loaded"));
+        return ExitCode::Interrupted;
     }
     int steps = 0;
     const std::optional<FirmwareLoad::End> end = loadImage(*image, unit, console, steps);
@@ -119,7 +127,7 @@ ExitCode firmware(const QCommandLineParser& commandLine, const QStringList& argu
         object.insert(QStringLiteral("result"), textOf(*end));
         console.result(QJsonDocument(object));
     } else if (*end == FirmwareLoad::End::Completed) {
-        console.result(QStringLiteral("%1: %2, %3 bytes").arg(path, textOf(*end)).arg(image->size()));
+        console.result(QStringLiteral("%1: %2, %3 bytes").arg(path, textOf(*end), QString::number(image->size())));
     }
     if (*end == FirmwareLoad::End::Completed) {
         return ExitCode::Done;

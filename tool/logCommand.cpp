@@ -156,13 +156,13 @@ ExitCode tell(const LogRead& log, const QString& path, const UnitSession& unit, 
         object.insert(QStringLiteral("announced"), log.announced);
         object.insert(QStringLiteral("received"), log.received);
         object.insert(QStringLiteral("rows"), log.rows.size());
+        object.insert(QStringLiteral("failure"), log.failure);
         console.result(QJsonDocument(object));
     } else {
-        console.result(QStringLiteral("%1: the unit announced %2 events, %3 came; %4 rows")
-                           .arg(path)
-                           .arg(log.announced)
-                           .arg(log.received)
-                           .arg(log.rows.size()));
+        console.result(path + QStringLiteral(": the unit announced %1 events, %2 came; %3 rows")
+                                  .arg(log.announced)
+                                  .arg(log.received)
+                                  .arg(log.rows.size()));
     }
     if (log.received < log.announced) {
         console.error(QStringLiteral("%1 events are missing; read again").arg(log.announced - log.received));
@@ -188,8 +188,8 @@ ExitCode log(const QCommandLineParser& commandLine, const QStringList& arguments
     }
     const std::optional<LogRead> log = readLog(unit);
     if (!log) {
-        console.error(
-            QStringLiteral("interrupted after %1 blocks; %2 was not written").arg(unit.stepsDone()).arg(path));
+        console.error(QStringLiteral("interrupted after %1 blocks; ").arg(unit.stepsDone()) + path +
+                      QStringLiteral(" was not written"));
         return ExitCode::Interrupted;
     }
     if (!log->failure.isEmpty()) {

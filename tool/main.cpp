@@ -54,6 +54,10 @@ int main(int argc, char* argv[])
             console.setInput(input, isatty(STDIN_FILENO) != 0);
         }
         exitCode = runTool(QCoreApplication::arguments(), console);
+        if (!console.isWhole() || !results.flush()) {
+            console.error(QStringLiteral("the results could not be written"));
+            exitCode = exitCode == ExitCode::Done ? ExitCode::WithErrors : exitCode;
+        }
     }
     endProcess(int(exitCode));
 }

@@ -40,6 +40,9 @@ QString line(const Port& port)
 ExitCode ports(const QCommandLineParser& commandLine, const QStringList& /*arguments*/, Console& console)
 {
     UnitSession session(commandLine, console);
+    if (!session.isSimulationPossible()) {
+        return ExitCode::Refused;
+    }
     const bool isWhole = session.searchAllPorts();
     const QVector<Port*>& list = session.link().ports();
     QJsonArray array;

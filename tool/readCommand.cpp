@@ -34,11 +34,10 @@ void tell(const UnitReading& reading, const QString& path, const UnitSession& un
         console.result(QJsonDocument(object));
         return;
     }
-    console.result(QStringLiteral("%1: %2 terminals, %3 outputs, %4 scripts")
-                       .arg(path)
-                       .arg(reading.terminals.size())
-                       .arg(reading.outputs.size())
-                       .arg(reading.scripts.size()));
+    console.result(path + QStringLiteral(": %1 terminals, %2 outputs, %3 scripts")
+                              .arg(reading.terminals.size())
+                              .arg(reading.outputs.size())
+                              .arg(reading.scripts.size()));
 }
 
 ExitCode read(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
@@ -53,7 +52,8 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
     }
     const std::optional<UnitReading> reading = readUnit(unit, commandLine.isSet(confirmOption()));
     if (!reading) {
-        console.error(QStringLiteral("interrupted after %1 steps; %2 was not written").arg(unit.stepsDone()).arg(path));
+        console.error(QStringLiteral("interrupted after %1 steps; ").arg(unit.stepsDone()) + path +
+                      QStringLiteral(" was not written"));
         return ExitCode::Interrupted;
     }
     for (const QString& failure : reading->failures) {
@@ -64,15 +64,15 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
         console.error(QStringLiteral("%1 was not written; --partial keeps what could be read").arg(path));
         return ExitCode::WithErrors;
     }
-    const std::optional<QStringList> lost = saveReading(*reading, path, console);
-    if (!lost) {
-        return ExitCode::Refused;
-    }
-    for (const QString& line : *lost) {
+    const QStringList lost = lostInAFile(*reading);
+    for (const QString& line : lost) {
         console.error(line);
     }
+    if (!saveReading(*reading, path, console)) {
+        return ExitCode::Refused;
+    }
     tell(*reading, path, unit, console);
-    return reading->failures.isEmpty() && lost->isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
+    return reading->failures.isEmpty() && lost.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
 }
 
 } // namespace

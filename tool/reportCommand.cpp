@@ -85,7 +85,7 @@ ExitCode report(const QCommandLineParser& commandLine, const QStringList& argume
         show(reported, console);
     }
     const ExitCode ended = hasFile ? save(reported, path, console) : ExitCode::Done;
-    return ended == ExitCode::Done && model.errorCount() != 0 ? ExitCode::WithErrors : ended;
+    return ended == ExitCode::Done && source.configuration->faults != 0 ? ExitCode::WithErrors : ended;
 }
 
 } // namespace

@@ -13,6 +13,9 @@
 namespace
 {
 
+/// Between a clock that was just set and this PC's.
+constexpr qint64 mostSecondsAfterSetting = 5;
+
 QCommandLineOption setOption()
 {
     return {QStringLiteral("set"), QStringLiteral("Set the clock to this PC's first.")};
@@ -113,17 +116,23 @@ ExitCode time(const QCommandLineParser& commandLine, const QStringList& /*argume
     }
     const QDateTime there = devicetime::valueOf(*answer);
     const qint64 difference = here.secsTo(there);
+    if (!there.isValid()) {
+        console.error(QStringLiteral("the unit's time makes no sense: ") + shown.text);
+        return ExitCode::WithErrors;
+    }
     if (console.isJson()) {
         QJsonObject object = unit.identity();
         object.insert(QStringLiteral("time"), there.toString(Qt::ISODate));
         object.insert(QStringLiteral("secondsAhead"), difference);
         console.result(QJsonDocument(object));
-    } else if (there.isValid()) {
-        console.result(QStringLiteral("%1, %2").arg(shown.text, differenceText(difference)));
     } else {
-        console.result(shown.text);
+        console.result(QStringLiteral("%1, %2").arg(shown.text, differenceText(difference)));
     }
-    return there.isValid() ? ExitCode::Done : ExitCode::WithErrors;
+    if (commandLine.isSet(setOption()) && qAbs(difference) > mostSecondsAfterSetting) {
+        console.error(QStringLiteral("the unit took the time, but doesn't keep it"));
+        return ExitCode::WithErrors;
+    }
+    return ExitCode::Done;
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 
 #include <QCommandLineParser>
 #include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -22,6 +24,12 @@ QCommandLineOption backupOption()
 QCommandLineOption verifyOption()
 {
     return {QStringLiteral("verify"), QStringLiteral("Read everything back afterwards and list what differs.")};
+}
+
+QCommandLineOption incompleteOption()
+{
+    return {QStringLiteral("incomplete"),
+            QStringLiteral("Write a file that isn't whole, too; what it lacks is emptied in the unit.")};
 }
 
 /// What is written, with a name for each record.
@@ -55,17 +63,25 @@ struct Writing
     QStringList names; ///< of the outputs, then of the scripts
 };
 
-/// What was refused or lost on the way; nothing if interrupted.
-std::optional<QStringList> write(const Writing& writing, UnitSession& unit)
+/// What came of a writing, or of a reading back.
+struct Outcome
 {
-    QStringList failures;
+    QStringList lines;   ///< what failed, or differs
+    bool isWhole = true; ///< not interrupted
+};
+
+Outcome write(const Writing& writing, UnitSession& unit)
+{
+    Outcome outcome;
     QEventLoop loop;
     QObject::connect(&unit.link(), &CoordinatorLink::stepFailed, &loop, [&](const message& answer) {
-        failures.append(writing.names.value(unit.stepsDone()) + QStringLiteral(": ") + UnitSession::reasonOf(answer));
+        outcome.lines.append(writing.names.value(unit.stepsDone()) + QStringLiteral(": ") +
+                             UnitSession::reasonOf(answer));
     });
     QObject::connect(&unit.link(), &CoordinatorLink::configurationWritten, &loop, &QEventLoop::quit);
     unit.link().writeConfiguration(writing.outputs, writing.scripts);
-    return unit.wait(loop) ? std::make_optional(failures) : std::nullopt;
+    outcome.isWhole = unit.wait(loop);
+    return outcome;
 }
 
 void compare(const QByteArrayList& written, const QByteArrayList& read, int keySize, const QStringList& names,
@@ -86,17 +102,36 @@ void compare(const QByteArrayList& written, const QByteArrayList& read, int keyS
     }
 }
 
-/// What the unit holds otherwise than it was written; nothing if interrupted.
-std::optional<QStringList> verify(const Writing& writing, UnitSession& unit)
+/// What the unit holds otherwise than it was written.
+Outcome verify(const Writing& writing, UnitSession& unit, Console& console)
 {
     const std::optional<UnitReading> reading = readUnit(unit, false);
     if (!reading) {
-        return {};
+        return {{}, false};
     }
-    QStringList differences;
-    compare(writing.outputs, reading->outputRecords(), 2, writing.names.mid(0, writing.outputs.size()), differences);
-    compare(writing.scripts, reading->scriptRecords(), 1, writing.names.mid(writing.outputs.size()), differences);
-    return differences;
+    for (const QString& failure : reading->failures) {
+        console.error(failure);
+    }
+    QByteArrayList outputs;
+    QStringList names;
+    QStringList untold;
+    for (int index = 0; index < writing.outputs.size(); ++index) {
+        const QByteArray& record = writing.outputs.at(index);
+        const bool isAsked = quint8(record.at(0)) == 0 || record.at(1) < 2;
+        if (isAsked) {
+            outputs.append(record);
+            names.append(writing.names.at(index));
+        } else {
+            untold.append(writing.names.at(index));
+        }
+    }
+    if (!untold.isEmpty()) {
+        console.note(QStringLiteral("not told by the unit, so not verified: ") + untold.join(QLatin1String(", ")));
+    }
+    Outcome outcome;
+    compare(outputs, reading->outputRecords(), 2, names, outcome.lines);
+    compare(writing.scripts, reading->scriptRecords(), 1, writing.names.mid(writing.outputs.size()), outcome.lines);
+    return outcome;
 }
 
 bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCode& exitCode)
@@ -110,14 +145,14 @@ bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCo
     for (const QString& failure : reading->failures) {
         console.error(failure);
     }
-    const auto lost = reading->failures.isEmpty() ? saveReading(*reading, path, console) : std::nullopt;
-    if (!lost) {
+    const QStringList lost = lostInAFile(*reading);
+    for (const QString& line : lost) {
+        console.error(line);
+    }
+    if (!reading->failures.isEmpty() || !lost.isEmpty() || !saveReading(*reading, path, console)) {
         console.error(QStringLiteral("without a whole backup nothing is written"));
         exitCode = ExitCode::Refused;
         return false;
-    }
-    for (const QString& line : *lost) {
-        console.error(line);
     }
     console.note(QStringLiteral("%1: what the unit held").arg(path));
     return true;
@@ -149,47 +184,75 @@ void tell(const QStringList& failures, const QStringList& differences, const Wri
                                                   : QStringLiteral(", %1 of them differ").arg(differences.size())));
 }
 
+/// Whether a file is there as a whole. One that was cut off, or that lost its line ends, would empty the unit.
+bool isWhole(const QString& path, const Configuration& configuration, Console& console)
+{
+    QFile file(path);
+    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const QByteArray lastScript = QByteArrayLiteral("Script[31].");
+    const bool isCut = !text.contains("[Configuration]") || !text.contains("[Scripts]") || !text.contains(lastScript);
+    if (isCut) {
+        console.error(path + QStringLiteral(" doesn't name all 32 scripts: it was cut off, or made by hand"));
+    }
+    return !isCut && configuration.faults == 0;
+}
+
+/// Whether the command line makes sense, which costs no question to the unit.
+ExitCode checkBefore(const QCommandLineParser& commandLine, const QString& path, const Configuration& configuration,
+                     Console& console)
+{
+    if (!isWhole(path, configuration, console) && !commandLine.isSet(incompleteOption())) {
+        console.error(QStringLiteral("nothing is written; --incomplete writes what is there, and empties the rest"));
+        return ExitCode::BadInput;
+    }
+    if (!commandLine.isSet(backupOption())) {
+        return ExitCode::Done;
+    }
+    const QString backup = commandLine.value(backupOption());
+    if (backup.isEmpty() || QFileInfo(backup) == QFileInfo(path)) {
+        console.error(QStringLiteral("the backup needs a file of its own"));
+        return ExitCode::BadInput;
+    }
+    return mayWrite(backup, commandLine, console) ? ExitCode::Done : ExitCode::Refused;
+}
+
 ExitCode write(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
 {
     const auto configuration = loadConfiguration(arguments.at(0), console);
     if (configuration == nullptr) {
         return ExitCode::BadInput;
     }
-    if (configuration->model.errorCount() != 0 && !commandLine.isSet(forceOption())) {
-        console.error(QStringLiteral("nothing is written; --force writes the rest"));
-        return ExitCode::BadInput;
-    }
-    const QString backup = commandLine.value(backupOption());
-    if (!backup.isEmpty() && !mayWrite(backup, commandLine, console)) {
-        return ExitCode::Refused;
+    if (const ExitCode checked = checkBefore(commandLine, arguments.at(0), *configuration, console);
+        checked != ExitCode::Done) {
+        return checked;
     }
     UnitSession unit(commandLine, console);
     if (const ExitCode found = unit.open(); found != ExitCode::Done) {
         return found;
     }
     ExitCode exitCode = ExitCode::Done;
-    if (!backup.isEmpty() && !makeBackup(backup, unit, console, exitCode)) {
+    if (commandLine.isSet(backupOption()) && !makeBackup(commandLine.value(backupOption()), unit, console, exitCode)) {
         return exitCode;
     }
     const Writing writing(configuration->model);
-    const std::optional<QStringList> failures = write(writing, unit);
-    if (!failures) {
-        console.error(
-            QStringLiteral("interrupted: %1 of %2 records were written").arg(unit.stepsDone()).arg(writing.count()));
+    const Outcome written = write(writing, unit);
+    if (!written.isWhole) {
+        for (const QString& line : written.lines) {
+            console.error(line);
+        }
+        console.error(QStringLiteral("interrupted: %1 of %2 records were written")
+                          .arg(unit.stepsDone() - written.lines.size())
+                          .arg(writing.count()));
         return ExitCode::Interrupted;
     }
-    QStringList differences;
     const bool isVerified = commandLine.isSet(verifyOption());
-    if (isVerified) {
-        const std::optional<QStringList> found = verify(writing, unit);
-        if (!found) {
-            console.error(QStringLiteral("interrupted: all was written, but not verified"));
-            return ExitCode::Interrupted;
-        }
-        differences = *found;
+    const Outcome verified = isVerified ? verify(writing, unit, console) : Outcome();
+    tell(written.lines, verified.lines, writing, isVerified && verified.isWhole, unit, console);
+    if (!verified.isWhole) {
+        console.error(QStringLiteral("interrupted before it was verified"));
+        return ExitCode::Interrupted;
     }
-    tell(*failures, differences, writing, isVerified, unit, console);
-    return failures->isEmpty() && differences.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
+    return written.lines.isEmpty() && verified.lines.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
 }
 
 } // namespace
@@ -203,7 +266,7 @@ Command writeCommand()
     command.mostArguments = 1;
     command.summary = QStringLiteral("Writes a configuration file into the unit");
     command.example = QStringLiteral("hubn-tool write site.cfg --backup before.cfg --verify");
-    command.options = {backupOption(), verifyOption(), forceOption()};
+    command.options = {backupOption(), verifyOption(), incompleteOption(), forceOption()};
     command.run = write;
     return command;
 }

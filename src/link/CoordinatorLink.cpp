@@ -269,10 +269,13 @@ void CoordinatorLink::answerTimeWritten(const message& answer)
 
 void CoordinatorLink::answerOperation(const message& answer)
 {
+    const bool failed = step::isErrorAnswer(answer);
     if (isAbandoned) {
+        if (!failed) {
+            emit busyStepDone();
+        }
         return;
     }
-    const bool failed = step::isErrorAnswer(answer);
     if (failed) {
         // The name by which this line has always been found in the logs.
         qDebug() << now().toString(QStringLiteral("hh:mm:ss:zzz"))
@@ -306,6 +309,9 @@ void CoordinatorLink::sendAtRate(message request)
 
 void CoordinatorLink::send(const message& request)
 {
+    if (isAbandoned) {
+        return;
+    }
     if (current != nullptr) {
         current->send(request);
     } else {

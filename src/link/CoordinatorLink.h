@@ -106,8 +106,9 @@ public:
 
     // Operations of the current port.
 
-    /// Nothing more is sent for the operations at hand, and nothing more is told of them. A request on its way still
-    /// gets its answer (Port::answered). The link stays as it is then: no further operation can begin.
+    /// Nothing more is sent to the current port, and of the operations at hand nothing more is told than that the
+    /// request on its way was answered well, if it is (busyStepDone). The link stays so: no further operation can
+    /// begin.
     void abandonOperations();
 
     void searchTerminals();

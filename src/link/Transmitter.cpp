@@ -104,6 +104,8 @@ void Transmitter::sl_CheckPort(Transmitter* receiver, const QString& namePort)
     if (port->open(QIODevice::ReadWrite)) {
         setState(StateSearching);
         logLine("): CREATE AND OPEN!");
+    } else if (state == StateConnecting) {
+        setState(StateOpenError); // something that is no serial port
     } else {
         emit sig_SendStatePort(this, state);
     }

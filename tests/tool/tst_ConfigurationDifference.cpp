@@ -124,6 +124,8 @@ void fillPlain(RelayInfo& model)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Change)
+
 class tst_ConfigurationDifference : public QObject
 {
     Q_OBJECT
@@ -372,8 +374,6 @@ void tst_ConfigurationDifference::withoutNamesTheSideThatHasANameGivesIt()
                                                                s("script 5: mode Deactivation -> Activation")}));
     QCOMPARE(linesOf(unit, file, Names::Ignored).first(), s("script 4 'Horn': mode Activation -> Deactivation"));
 }
-
-Q_DECLARE_METATYPE(Change)
 
 QTEST_GUILESS_MAIN(tst_ConfigurationDifference)
 #include "tst_ConfigurationDifference.moc"

@@ -60,9 +60,9 @@ void tst_Interruption::aReadingLeavesNoFileAndSaysHowFarItWas()
 {
     QFETCH(int, signal);
     interrupt({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}, protocol_HUBN_NX_Q::Read_Config, 10, signal);
-    QVERIFY2(
-        errors.contains(QRegularExpression(QStringLiteral("interrupted after \\d+ steps; .*a.cfg was not written"))),
-        qUtf8Printable(errors));
+    QVERIFY2(errors.contains(QStringLiteral("interrupted after ")) &&
+                 errors.contains(QStringLiteral("a.cfg was not written")),
+             qUtf8Printable(errors));
     QVERIFY(files().isEmpty());
 }
 
@@ -70,14 +70,12 @@ void tst_Interruption::aWritingSaysHowMuchIsInTheUnit()
 {
     QCOMPARE(run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}).exitCode, ExitCode::Done);
     interrupt({QStringLiteral("write"), path(QStringLiteral("a.cfg"))}, protocol_HUBN_NX_Q::Write_Config, 5);
-    const QRegularExpressionMatch match =
-        QRegularExpression(QStringLiteral("interrupted: (\\d+) of (\\d+) records were written")).match(errors);
+    static const QRegularExpression told(QStringLiteral("interrupted: (\\d+) of (\\d+) records were written"));
+    const QRegularExpressionMatch match = told.match(errors);
     QVERIFY2(match.hasMatch(), qUtf8Printable(errors));
-    // The answer to the last one may not have been heard any more.
     const int written =
         unit->requestCount(protocol_HUBN_NX_Q::Write_Config) + unit->requestCount(protocol_HUBN_NX_Q::Write_Script);
-    const int told = match.captured(1).toInt();
-    QVERIFY2(told == written || told == written - 1, qUtf8Printable(errors));
+    QVERIFY2(match.captured(1).toInt() == written, qUtf8Printable(errors));
     QVERIFY(written < match.captured(2).toInt());
 }
 

@@ -11,6 +11,7 @@ private slots:
     void withoutACommandItSaysWhereHelpIs();
     void anUnknownCommandIsBadInput();
     void anUnknownOptionIsBadInput();
+    void aPortWithoutANameIsBadInput();
     void theHelpListsEveryCommand();
     void eachCommandHasHelpWithAnExample();
     void tooFewAndTooManyArgumentsAreBadInput();
@@ -41,6 +42,17 @@ void tst_ToolProgram::anUnknownOptionIsBadInput()
         QCOMPARE(run.exitCode, ExitCode::BadInput);
         QVERIFY2(run.errors.contains(QStringLiteral("colour")), qUtf8Printable(run.errors));
     }
+}
+
+void tst_ToolProgram::aPortWithoutANameIsBadInput()
+{
+    // As a script says it whose variable is empty: no other port may be taken for it.
+    const QString file = QStringLiteral("no-file");
+    QCOMPARE(ToolRun({QStringLiteral("read"), file, QStringLiteral("--port"), QString()}).exitCode, ExitCode::BadInput);
+    QCOMPARE(ToolRun({QStringLiteral("read"), file, QStringLiteral("--port"), QStringLiteral("no-such-port"),
+                      QStringLiteral("--simulated-unit")})
+                 .exitCode,
+             ExitCode::BadInput);
 }
 
 void tst_ToolProgram::theHelpListsEveryCommand()

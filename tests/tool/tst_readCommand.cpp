@@ -60,8 +60,8 @@ void tst_readCommand::theFileHoldsWhatTheUnitHolds()
 void tst_readCommand::theUnitIsNamed()
 {
     const ToolRun tool = run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))});
-    QCOMPARE(tool.errors,
-             QStringLiteral("%1: coordinator at address 1, serial number 20417, version 6.02\n").arg(unit->portName()));
+    QVERIFY(tool.errors.startsWith(unit->portName() +
+                                   QStringLiteral(": coordinator at address 1, serial number 20417, version 6.02\n")));
 }
 
 void tst_readCommand::anExistingFileStaysAndTheUnitIsntAsked()

@@ -175,7 +175,7 @@ void tst_reportCommand::wrongLinesAreNotedAndCounted()
     overwrite(file, contentOf(file) + "Script[99].Mode=1\r\n");
     const ToolRun run({QStringLiteral("report"), file});
     QCOMPARE(run.exitCode, ExitCode::WithErrors);
-    QVERIFY2(run.errors.contains(QStringLiteral("1 lines")), qUtf8Printable(run.errors));
+    QVERIFY2(run.errors.contains(QStringLiteral("1 fault")), qUtf8Printable(run.errors));
     QVERIFY(run.results.contains(QStringLiteral("Horn")));
 }
 

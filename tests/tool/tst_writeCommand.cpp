@@ -21,8 +21,12 @@ private slots:
     void theBackupHoldsWhatTheUnitHeldBefore();
     void withoutAWholeBackupNothingIsWritten();
     void anExistingBackupStaysAndNothingIsWritten();
-    void aFileWithWrongLinesIsntWritten();
-    void withForceTheRightLinesOfItAre();
+    void aFileThatIsntWholeIsntWritten_data();
+    void aFileThatIsntWholeIsntWritten();
+    void withIncompleteTheRightLinesOfItAre();
+    void theBackupNeedsAFileOfItsOwn();
+    void aBackupThatAFileCantHoldIsNone();
+    void anOutputThatTheUnitDoesntTellIsntJudged();
     void aMissingFileIsBadInput();
     void asJson();
     void readThenWriteThenDiffIsEmptyForRandomUnits();
@@ -140,21 +144,82 @@ void tst_writeCommand::anExistingBackupStaysAndNothingIsWritten()
     QCOMPARE(unit->requestCount(), 0);
 }
 
-void tst_writeCommand::aFileWithWrongLinesIsntWritten()
+void tst_writeCommand::aFileThatIsntWholeIsntWritten_data()
 {
-    write(QStringLiteral("wrong.cfg"), "[Scripts]\r\nScript[0].Mode=loud\r\n");
+    QTest::addColumn<int>("kind");
+    QTest::newRow("a wrong line") << 0;
+    QTest::newRow("empty") << 1;
+    QTest::newRow("cut off") << 2;
+    QTest::newRow("lines that end by a line feed alone") << 3;
+    QTest::newRow("a NUL in the middle") << 4;
+}
+
+void tst_writeCommand::aFileThatIsntWholeIsntWritten()
+{
+    QFETCH(int, kind);
+    fileOfAnotherUnit();
+    QByteArray text = content(QStringLiteral("other.cfg"));
+    const QList<QByteArray> texts{text + "Script[0].Mode=loud\r\n", QByteArray(), text.left(text.size() / 2),
+                                  QByteArray(text).replace("\r\n", "\n"), text.insert(text.size() / 2, '\0')};
+    write(QStringLiteral("wrong.cfg"), texts.at(kind));
     const ToolRun tool = run({QStringLiteral("write"), path(QStringLiteral("wrong.cfg"))});
     QCOMPARE(tool.exitCode, ExitCode::BadInput);
-    QVERIFY(tool.errors.contains(QStringLiteral("nothing is written")));
+    QVERIFY2(tool.errors.contains(QStringLiteral("nothing is written")), qUtf8Printable(tool.errors));
     QCOMPARE(unit->requestCount(), 0);
 }
 
-void tst_writeCommand::withForceTheRightLinesOfItAre()
+void tst_writeCommand::withIncompleteTheRightLinesOfItAre()
 {
     write(QStringLiteral("wrong.cfg"), "[Scripts]\r\nScript[0].Mode=loud\r\n");
-    const ToolRun tool = run({QStringLiteral("write"), path(QStringLiteral("wrong.cfg")), QStringLiteral("--force")});
+    const ToolRun tool =
+        run({QStringLiteral("write"), path(QStringLiteral("wrong.cfg")), QStringLiteral("--incomplete")});
     QCOMPARE(tool.exitCode, ExitCode::Done);
     QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Script), 32);
+}
+
+void tst_writeCommand::theBackupNeedsAFileOfItsOwn()
+{
+    const QString file = fileOfAnotherUnit();
+    const QByteArray before = content(QStringLiteral("other.cfg"));
+    for (const QString& backup : {file, QString()}) {
+        const ToolRun tool =
+            run({QStringLiteral("write"), file, QStringLiteral("--backup"), backup, QStringLiteral("--force")});
+        QCOMPARE(tool.exitCode, ExitCode::BadInput);
+        QVERIFY(tool.errors.contains(QStringLiteral("a file of its own")));
+    }
+    QCOMPARE(content(QStringLiteral("other.cfg")), before);
+    QCOMPARE(unit->requestCount(), 0);
+}
+
+void tst_writeCommand::aBackupThatAFileCantHoldIsNone()
+{
+    const QString file = fileOfAnotherUnit();
+    unit->change([](UnitState& state) { state.scripts.at(2)[13] = 0x12; }); // December
+    const ToolRun tool =
+        run({QStringLiteral("write"), file, QStringLiteral("--backup"), path(QStringLiteral("old.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::Refused);
+    QVERIFY2(tool.errors.contains(QStringLiteral("script 3 ")), qUtf8Printable(tool.errors));
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Script), 0);
+    QVERIFY(!files().contains(QStringLiteral("old.cfg")));
+}
+
+void tst_writeCommand::anOutputThatTheUnitDoesntTellIsntJudged()
+{
+    // A terminal with four outputs, of which a reading asks for two.
+    unit->change([](UnitState& state) { state.terminals = {UnitTerminal::make(5, 2, 1, 0x41, 0x20, 16)}; });
+    const QString file = path(QStringLiteral("a.cfg"));
+    const ToolRun read = run({QStringLiteral("read"), file});
+    QCOMPARE(read.exitCode, ExitCode::Done);
+    QVERIFY2(
+        read.errors.contains(QStringLiteral("not told by the unit, so in the file as if nobody had set it: output 3 of "
+                                            "terminal 5, output 4 of terminal 5")),
+        qUtf8Printable(read.errors));
+    const ToolRun tool = run({QStringLiteral("write"), file, QStringLiteral("--verify")});
+    QVERIFY2(tool.exitCode == ExitCode::Done, qUtf8Printable(tool.results + tool.errors));
+    QVERIFY(tool.errors.contains(QStringLiteral("so not verified: output 3 ")));
+    const ToolRun difference = run({QStringLiteral("diff"), file, QStringLiteral("unit")});
+    QVERIFY2(difference.exitCode == ExitCode::Done, qUtf8Printable(difference.results + difference.errors));
+    QVERIFY(difference.errors.contains(QStringLiteral("so not compared: output 3 ")));
 }
 
 void tst_writeCommand::aMissingFileIsBadInput()
