@@ -372,7 +372,7 @@ void tst_ConfigurationDifference::withoutNamesTheSideThatHasANameGivesIt()
     unit.findScript(4)->mode = unit.modeAt(1);
     QCOMPARE(linesOf(file, unit, Names::Ignored), QStringList({s("script 4 'Horn': mode Deactivation -> Activation"),
                                                                s("script 5: mode Deactivation -> Activation")}));
-    QCOMPARE(linesOf(unit, file, Names::Ignored).first(), s("script 4 'Horn': mode Activation -> Deactivation"));
+    QCOMPARE(linesOf(unit, file, Names::Ignored).constFirst(), s("script 4 'Horn': mode Activation -> Deactivation"));
 }
 
 QTEST_GUILESS_MAIN(tst_ConfigurationDifference)
