@@ -81,6 +81,7 @@ private:
     using Entries = QList<ScriptEntry>;
 
     void rebuildActive();
+    void keepActiveRows(int count);
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);
     template <typename Part>
     static const ScriptEntry* entryOf(const Entries& entries, const Part& part);

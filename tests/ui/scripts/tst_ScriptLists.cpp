@@ -188,6 +188,18 @@ void tst_ScriptLists::activeListShowsTheScriptsOfTheOutputInTheirOrder()
     activate({11, 0, 5});
     QCOMPARE(texts(active), QStringList({QStringLiteral(" 12. Script"), QStringLiteral("  1. Script"),
                                          QStringLiteral("  6. Script")}));
+    // Another output, with more rows or fewer: nothing of the former rows is left.
+    active->setCurrentRow(2);
+    lists->rebuildAll();
+    for (const QList<int>& numbers : {QList<int>{4, 30}, {}, {2, 7, 9, 2}}) {
+        activate(numbers);
+        QCOMPARE(texts(active).size(), numbers.size());
+        for (int row = 0; row < numbers.size(); ++row) {
+            QCOMPARE(label(active, row)->text().trimmed(), QStringLiteral("%1. Script").arg(numbers.at(row) + 1));
+        }
+        QCOMPARE(active->currentRow(), -1);
+        QVERIFY(selectedRows(active).isEmpty());
+    }
 }
 
 void tst_ScriptLists::rowsAreColouredByModeOrGrey_data()
