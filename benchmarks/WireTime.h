@@ -43,6 +43,18 @@ inline double timeOf(const QVector<UnitRequest>& requests)
     return double(bytes) * 10 * 1000 / baudRate;
 }
 
+/// Beside the wire's own time, both in milliseconds; a run that sent nothing misses its bar.
+inline Figure figure(const QString& what, double onTheWire, double measured, double bar)
+{
+    return {what,
+            QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
+            QStringLiteral("%1 ms, the wire's own time").arg(onTheWire, 0, 'f', 0),
+            onTheWire / measured,
+            QStringLiteral("wire / measured"),
+            bar,
+            true};
+}
+
 /// The middle one of several runs, each of which takes about a second: a machine that is elsewhere for some
 /// milliseconds spoils a single one.
 inline Figure middleOf(const std::function<Figure()>& measure)

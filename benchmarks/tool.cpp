@@ -24,17 +24,9 @@ Figure read(UnitSimulator& unit)
                     QStringLiteral("--port"), unit.portName()});
         tool.waitForFinished();
     });
-    if (tool.exitStatus() != QProcess::NormalExit || tool.exitCode() != 0) {
-        return {what, QStringLiteral("the tool failed"), {}, 0, QStringLiteral("wire / measured"), 0.90, true};
-    }
-    const double onTheWire = wire::timeOf(unit.requests());
-    return {what,
-            QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
-            QStringLiteral("%1 ms, the wire's own time").arg(onTheWire, 0, 'f', 0),
-            onTheWire / measured,
-            QStringLiteral("wire / measured"),
-            0.90,
-            true};
+    const bool done = tool.exitStatus() == QProcess::NormalExit && tool.exitCode() == 0;
+    return wire::figure(done ? what : what + QStringLiteral(": failed"), done ? wire::timeOf(unit.requests()) : 0,
+                        measured, 0.90);
 }
 
 std::vector<Figure> run()

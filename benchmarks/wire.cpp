@@ -33,19 +33,12 @@ Figure overTheWire(const QString& what, UnitSimulator& unit, const std::function
     stopped = std::chrono::steady_clock::now();
     const QVector<UnitRequest> requests = unit.requests();
     if (requests.isEmpty()) {
-        return {what, QStringLiteral("nothing was sent"), {}, 0, QStringLiteral("wire / measured"), 0.95, true};
+        return wire::figure(what + QStringLiteral(": nothing was sent"), 0, 1, 0.95);
     }
     // A request is noted once its last byte is there; its own way over the wire lies before the note.
     const double measured = std::chrono::duration<double, std::milli>(stopped - requests.first().received).count() +
                             double(requests.first().frame.size()) * 10 * 1000 / wire::baudRate;
-    const double onTheWire = wire::timeOf(requests);
-    return {what,
-            QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
-            QStringLiteral("%1 ms, the wire's own time").arg(onTheWire, 0, 'f', 0),
-            onTheWire / measured,
-            QStringLiteral("wire / measured"),
-            0.95,
-            true};
+    return wire::figure(what, wire::timeOf(requests), measured, 0.95);
 }
 
 std::vector<Figure> run()
