@@ -277,6 +277,7 @@ void tst_DataBase::insertThatCannotBeWrittenFails()
 void tst_DataBase::insertWithoutDatabaseFails()
 {
     const QSignalSpy spy(dataBase.get(), &DataBase::sig_ResultInsertIntoTable);
+    QTest::ignoreMessage(QtWarningMsg, "QSqlQuery::exec: database not open");
     dataBase->sl_insertIntoTable(eventRows(1));
     QCOMPARE(spy.first().first().value<ErrorDataBase>(), ErrorDataBasePrepare);
 }

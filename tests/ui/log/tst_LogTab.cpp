@@ -133,6 +133,7 @@ void tst_LogTab::unwritableWorkingDirectoryShowsABoxAndTheWindowLives()
 
     // A reading ends with a box, not with a window that waits for ever.
     const QSignalSpy hidden(window->tab.get(), &LogTab::sig_HideFormWaiting);
+    QTest::ignoreMessage(QtWarningMsg, "QSqlQuery::prepare: database not open");
     window->tab->readLog();
     handOver(*window->tab, 10);
     QTRY_COMPARE_WITH_TIMEOUT(hidden.size(), 1, waitTime);
