@@ -225,6 +225,14 @@ void tst_ConfigurationFileKeys::keys_data()
         "Script[3].StateChannelNumber=18|Script[3].StateChannelValue=129");
     row("Script[3].StateChannelNumber=18|Script[3].StateChannelValue=255", 0,
         "Script[3].StateChannelNumber=18|Script[3].StateChannelValue=129"); // its own code agrees as well
+    row("Script[3].StateChannelNumber=18|Script[3].StateChannelValue=5", 0,
+        "Script[3].StateChannelNumber=OTHER|Script[3].StateChannelValue=5"); // neither of its codes
+    row("Script[3].StateChannelNumber=18|Script[3].StateChannelValue=130", 0,
+        "Script[3].StateChannelNumber=OTHER|Script[3].StateChannelValue=130"); // the code of its neighbour
+    row("Script[3].StateChannelNumber=2|Script[3].StateChannelValue=1", 0,
+        "Script[3].StateChannelNumber=2|Script[3].StateChannelValue=1");
+    row("Script[3].StateChannelNumber=2|Script[3].StateChannelValue=3", 0,
+        "Script[3].StateChannelNumber=OTHER|Script[3].StateChannelValue=3");
     row("Script[3].StateChannelValue=256", 1);
     row("Script[3].StateChannelValue=-2", 1);
     row("Script[3].StateChannelValue=-32768", 1);

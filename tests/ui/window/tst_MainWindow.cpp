@@ -14,6 +14,7 @@
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTextEdit>
+#include <QWindow>
 
 /// The window alone, without any port: what it looks like at start, and how it passes on what the form reports.
 class tst_MainWindow : public WindowTest
@@ -32,8 +33,10 @@ private slots:
     void synchronisingIsCheckedFromTheStart();
     void tabsAtStart();
     void docksCanBeMovedOnly();
+    void docksHaveTheirWidthsAtStart();
     void titlesOfTheFirstTab();
     void theCoordinatorFormIsShownFirstAndByItsAction();
+    void theCoordinatorFormStaysAboveItsWindow();
     void formsThatWereMinimisedComeUpWhenTheyAreShown_data();
     void formsThatWereMinimisedComeUpWhenTheyAreShown();
     void formsThatBlockTheWindowOfferNoMinimising();
@@ -161,6 +164,23 @@ void tst_MainWindow::docksCanBeMovedOnly()
     QCOMPARE(window->dockWidgetArea(get<QDockWidget>("dockScript")), Qt::RightDockWidgetArea);
 }
 
+/// Once: what the user makes of the widths afterwards stays.
+void tst_MainWindow::docksHaveTheirWidthsAtStart()
+{
+    auto* const tree = get<QDockWidget>("dockTree");
+    auto* const editor = get<QDockWidget>("dockScript");
+    QTRY_COMPARE(tree->width(), 266);
+    QCOMPARE(editor->width(), 415);
+    window->resizeDocks({tree, editor}, {300, 430}, Qt::Horizontal);
+    QTRY_COMPARE(tree->width(), 300);
+    window->resize(window->width() + 100, window->height());
+    QTRY_COMPARE(window->centralWidget()->width() + tree->width() + editor->width() +
+                     2 * window->style()->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent),
+                 window->width());
+    QCOMPARE(tree->width(), 300);
+    QCOMPARE(editor->width(), 430);
+}
+
 void tst_MainWindow::titlesOfTheFirstTab()
 {
     const QLabel* const title = get<QLabel>("labelTitleParamRelay");
@@ -179,6 +199,12 @@ void tst_MainWindow::theCoordinatorFormIsShownFirstAndByItsAction()
     QVERIFY(!form()->isVisible());
     action("actionSelectCoordinator")->trigger();
     QVERIFY(form()->isVisible());
+}
+
+void tst_MainWindow::theCoordinatorFormStaysAboveItsWindow()
+{
+    QTRY_VERIFY(form()->isVisible());
+    QCOMPARE(form()->windowHandle()->transientParent(), window->windowHandle());
 }
 
 void tst_MainWindow::formsThatWereMinimisedComeUpWhenTheyAreShown_data()
