@@ -265,7 +265,7 @@ std::optional<UnitState> StateFile::read(const QByteArray& text, QString* error)
 bool StateFile::save(const UnitState& state, const QString& fileName, QString* error)
 {
     QSaveFile file(fileName);
-    if (file.open(QIODevice::WriteOnly) && file.write(write(state)) >= 0 && file.commit()) {
+    if (file.open(QIODevice::WriteOnly) && file.write(write(state)) >= 0 && file.flush() && file.commit()) {
         return true;
     }
     report(QStringLiteral("%1: %2").arg(fileName, file.errorString()), error);

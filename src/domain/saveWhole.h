@@ -9,6 +9,9 @@
 inline QString saveWhole(const QByteArray& content, const QString& fileName)
 {
     QSaveFile file(fileName);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    // Without the flush, commit() would put a small file in its place whose bytes found no room: it writes them out,
+    // but doesn't look at what came of it.
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush() && file.commit();
     return written ? QString() : file.errorString();
 }

@@ -28,8 +28,7 @@ void writeFile(const QString& name, const QString& text)
     QSaveFile file(name);
     // Without it a file that may be written would be out of reach in a directory that may not.
     file.setDirectWriteFallback(true);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(text.toUtf8());
+    if (file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.flush()) {
         file.commit();
     }
 }

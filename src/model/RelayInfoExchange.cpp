@@ -1,5 +1,6 @@
 // The model as records of the device, as a configuration file, and back.
 
+#include "domain/saveWhole.h"
 #include "model/ConfigurationReader.h"
 #include "model/ConfigurationWriter.h"
 #include "model/RecordReader.h"
@@ -7,7 +8,6 @@
 #include "model/RelayInfo.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QTextStream>
 
 namespace
@@ -68,10 +68,7 @@ void RelayInfo::readScriptRecords(const QByteArrayList& records)
 int RelayInfo::saveToFile(const QString& path) const
 {
     const QByteArray bytes = configurationText(tables, groupList, scriptList, commentText).toUtf8();
-    // The new text is whole before it takes the place of the old file.
-    QSaveFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-    return written ? FileOk : FileNotWritten;
+    return saveWhole(bytes, path).isEmpty() ? FileOk : FileNotWritten;
 }
 
 int RelayInfo::loadFromFile(const QString& path)
