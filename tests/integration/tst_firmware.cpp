@@ -1,110 +1,16 @@
-#include "firmware/Loading.h"
-#include "firmware/protocol_boot.h"
-#include "link/Transmitter.h"
-#include "support/Eventually.h"
+#include "support/LoadingOverUnit.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
 
 #include <QEventLoop>
 #include <QFile>
-#include <QPointer>
-#include <QProgressBar>
 #include <QPushButton>
-#include <QRandomGenerator>
 #include <QTableWidget>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QtTest>
 
 namespace
 {
-
-constexpr int patience = 90000; ///< ms; generous, for busy machines
-
-QByteArray randomImage(int size)
-{
-    QRandomGenerator random(quint32(size) + 1);
-    QByteArray image(size, '\0');
-    for (char& byte : image) {
-        byte = char(random.bounded(256));
-    }
-    return image;
-}
-
-QPushButton* button(const QWidget* widget, const char* name)
-{
-    return widget->findChild<QPushButton*>(QLatin1String(name));
-}
-
-QString barText(const Loading* dialog)
-{
-    return dialog->findChild<QProgressBar*>(QStringLiteral("progressBar"))->format();
-}
-
-/// A loading dialog and a worker on a thread of its own, over a simulated unit.
-class LoadingOverUnit : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit LoadingOverUnit(const QVector<UnitFault>& faults = {}, quint32 seed = 1) : worker(new Transmitter)
-    {
-        unit.setFaults(faults, seed);
-        worker->setBootParser(&protocol_boot::parseAnswer);
-        worker->moveToThread(&thread);
-        connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
-        connect(this, &LoadingOverUnit::send, worker, &Transmitter::sl_AddRequestInQueue);
-        thread.start();
-        QMetaObject::invokeMethod(
-            worker, [worker = worker, name = unit.portName()] { worker->sl_initialization(worker, name); });
-    }
-
-    ~LoadingOverUnit() override
-    {
-        delete dialog;
-        thread.quit();
-        thread.wait();
-    }
-    Q_DISABLE_COPY_MOVE(LoadingOverUnit)
-
-    void show(const QByteArray& image)
-    {
-        dialog = new Loading;
-        connect(dialog, &Loading::sig_SendMessage, this, [this](const message& mess) { emit send(worker, mess); });
-        connect(worker, &Transmitter::sig_SendAnswer, dialog,
-                [dialog = dialog](Transmitter*, const message& answer) { dialog->sl_receiveMessage(answer); });
-        connect(dialog, &Loading::sig_SendResultOperation, this, [this](const QString& text) { results.append(text); });
-        dialog->setParameters(unit.state().address, 57600, QStringLiteral("image.crypt"), image);
-        dialog->show();
-    }
-
-    /// Waits until a run has ended, well or not.
-    bool waitForEnd() const
-    {
-        return eventually([this] { return dialog.isNull() || hasFailed(); }, patience);
-    }
-    bool hasFailed() const
-    {
-        return dialog != nullptr && dialog->isVisible() &&
-               button(dialog, "ButtonAbort")->text() == texts::buttonClose();
-    }
-    bool isComplete(const QByteArray& image) const
-    {
-        const UnitState state = unit.state();
-        return state.firmwareComplete && state.firmware == image;
-    }
-
-    UnitSimulator unit;
-    QPointer<Loading> dialog;
-    QStringList results;
-
-signals:
-    void send(Transmitter* receiver, const message& mess);
-
-private:
-    QThread thread;
-    Transmitter* worker;
-};
 
 /// Plays the user of loading dialogs that run their own event loop: looks at the open one every few milliseconds.
 class DialogUser : public QObject
@@ -120,7 +26,7 @@ public:
                 auto* const dialog = qobject_cast<Loading*>(widget);
                 if (dialog != nullptr && dialog->isVisible()) {
                     seen.insert(barText(dialog));
-                    overdue = overdue || sinceStart.hasExpired(patience);
+                    overdue = overdue || sinceStart.hasExpired(firmwarePatience);
                     overdue ? void(dialog->close()) : look(dialog);
                 }
             }
@@ -404,7 +310,7 @@ void tst_firmware::theWatchRestsAndComesBack()
     over.trigger("actionFirmware");
     QVERIFY(!user.overdue);
     QVERIFY(watched >= 0);
-    QVERIFY(eventually([&] { return over.unit.requestCount(watch) >= watched + 2; }, patience));
+    QVERIFY(eventually([&] { return over.unit.requestCount(watch) >= watched + 2; }, firmwarePatience));
 }
 
 void tst_firmware::aSlowUnitEntersItsBootloaderAtItsOwnRate()
@@ -554,7 +460,7 @@ void tst_firmware::closingTheDialogBringsTheWatchBack()
     QCOMPARE(running.constLast().constFirst().toBool(), false);
     // A unit that is left in its bootloader doesn't answer the watch, but is asked again.
     const int watched = over.unit.requestCount(9);
-    QVERIFY(eventually([&] { return over.unit.requestCount(9) > watched; }, patience));
+    QVERIFY(eventually([&] { return over.unit.requestCount(9) > watched; }, firmwarePatience));
 }
 
 void tst_firmware::withoutAPortAbortEndsIt()
