@@ -21,9 +21,7 @@ void readUnitInto(Source& source, const QCommandLineParser& commandLine, Console
         source.exitCode = ExitCode::Interrupted;
         return;
     }
-    for (const QString& failure : reading->failures) {
-        console.error(failure);
-    }
+    tellFailures(*reading, console);
     if (!reading->failures.isEmpty()) {
         console.error(QStringLiteral("the unit could not be read whole"));
         source.exitCode = ExitCode::Refused;

@@ -7,6 +7,7 @@
 #include "tool/ConfigurationDifference.h"
 #include "tool/Console.h"
 #include "tool/UnitSession.h"
+#include "tool/english.h"
 
 #include <QEventLoop>
 #include <QHash>
@@ -20,6 +21,9 @@ namespace
 
 /// Readings of everything in which two in a row must agree.
 constexpr int mostReadings = 6;
+
+/// Failed steps that are told one by one.
+constexpr int mostToldSteps = 10;
 
 constexpr int leastOutputRecord = 3;  ///< address, number, state; scripts follow
 constexpr int leastScriptRecord = 22; ///< number and script
@@ -261,6 +265,17 @@ std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed)
     reading.scripts = records->scripts;
     reading.failures += records->failures;
     return reading;
+}
+
+void tellFailures(const UnitReading& reading, Console& console)
+{
+    const QStringList told = reading.failures.mid(0, mostToldSteps);
+    for (const QString& failure : told) {
+        console.error(failure);
+    }
+    if (const int untold = reading.failures.size() - told.size(); untold > 0) {
+        console.error(english::counted(untold, QStringLiteral("more step")) + QStringLiteral(" failed"));
+    }
 }
 
 QStringList takeUnread(RelayInfo& model, const UnitReading& reading)

@@ -31,6 +31,9 @@ struct UnitReading
 /// readings in a row gave the same. Nothing if interrupted.
 std::optional<UnitReading> readUnit(UnitSession& unit, bool confirmed);
 
+/// Tells the console what a reading didn't give. Of a unit that was lost in the middle, no more than the first steps.
+void tellFailures(const UnitReading& reading, Console& console);
+
 /// Takes the outputs that the unit told nothing of out of a model, and names them.
 QStringList takeUnread(RelayInfo& model, const UnitReading& reading);
 

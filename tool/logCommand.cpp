@@ -195,6 +195,7 @@ ExitCode log(const QCommandLineParser& commandLine, const QStringList& arguments
     if (!log->failure.isEmpty()) {
         console.error(QStringLiteral("the reading ended early: ") + log->failure);
         if (log->rows.isEmpty()) {
+            console.error(path + QStringLiteral(" was not written"));
             return ExitCode::WithErrors;
         }
     }

@@ -56,9 +56,7 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
                       QStringLiteral(" was not written"));
         return ExitCode::Interrupted;
     }
-    for (const QString& failure : reading->failures) {
-        console.error(failure);
-    }
+    tellFailures(*reading, console);
     // Written back, what is missing would be taken out of the unit.
     if (!reading->failures.isEmpty() && !commandLine.isSet(partialOption())) {
         console.error(QStringLiteral("%1 was not written; --partial keeps what could be read").arg(path));

@@ -21,10 +21,15 @@ QCommandLineOption setOption()
     return {QStringLiteral("set"), QStringLiteral("Set the clock to this PC's first.")};
 }
 
-ExitCode interrupted(Console& console)
+ExitCode interrupted(Console& console, const QString& whatIsDone = {})
 {
-    console.error(QStringLiteral("interrupted"));
+    console.error(QStringLiteral("interrupted") + whatIsDone);
     return ExitCode::Interrupted;
+}
+
+QString clockWasSet()
+{
+    return QStringLiteral("; the clock was set");
 }
 
 /// The answer to a question for the time, the last attempt's if none went well. Nothing if interrupted.
@@ -82,7 +87,9 @@ ExitCode setClock(UnitSession& unit, Console& console)
     });
     unit.link().setDeviceTime();
     if (!unit.wait(loop)) {
-        return interrupted(console);
+        return interrupted(console, isAccepted
+                                        ? clockWasSet()
+                                        : QStringLiteral("; the unit has not said that it took the time"));
     }
     if (!isAccepted) {
         console.error(QStringLiteral("the unit did not take the time"));
@@ -104,7 +111,7 @@ ExitCode time(const QCommandLineParser& commandLine, const QStringList& /*argume
     }
     const std::optional<message> answer = askForTime(unit);
     if (!answer) {
-        return interrupted(console);
+        return interrupted(console, commandLine.isSet(setOption()) ? clockWasSet() : QString());
     }
     const QDateTime here = QDateTime::currentDateTime();
     const devicetime::Shown shown = devicetime::fromAnswer(*answer);

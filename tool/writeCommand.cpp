@@ -109,9 +109,7 @@ Outcome verify(const Writing& writing, UnitSession& unit, Console& console)
     if (!reading) {
         return {{}, false};
     }
-    for (const QString& failure : reading->failures) {
-        console.error(failure);
-    }
+    tellFailures(*reading, console);
     QByteArrayList outputs;
     QStringList names;
     QStringList untold;
@@ -142,9 +140,7 @@ bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCo
         exitCode = ExitCode::Interrupted;
         return false;
     }
-    for (const QString& failure : reading->failures) {
-        console.error(failure);
-    }
+    tellFailures(*reading, console);
     const QStringList lost = lostInAFile(*reading);
     for (const QString& line : lost) {
         console.error(line);

@@ -17,7 +17,15 @@ private slots:
 
     void aReadingLeavesNoFileAndSaysHowFarItWas_data();
     void aReadingLeavesNoFileAndSaysHowFarItWas();
+    void aReadingLeavesTheFileOfBefore();
+    void aReportOfAUnitLeavesNoFile();
     void aWritingSaysHowMuchIsInTheUnit();
+    void aBackupIsNoneAndNothingIsWritten();
+    void aVerificationSaysThatAllIsWritten();
+    void aLogLeavesNoFileAndSaysHowFarItWas();
+    void aQuestionForTheTime();
+    void aClockSaysWhetherItWasSet_data();
+    void aClockSaysWhetherItWasSet();
     void aFirmwareLoadSaysWhatTheUnitWaitsFor();
     void aSearchEndsToo();
 
@@ -27,6 +35,7 @@ private:
     void interrupt(const QStringList& arguments, int requestType, int requests, int signal = SIGINT);
 
     QProcess tool;
+    QString results;
     QString errors;
 };
 
@@ -38,11 +47,13 @@ void tst_Interruption::init()
 
 void tst_Interruption::interrupt(const QStringList& arguments, int requestType, int requests, int signal)
 {
+    unit->clearRequests();
     tool.start(QStringLiteral(TOOL_PROGRAM), arguments + QStringList{QStringLiteral("--port"), unit->portName()});
     QVERIFY(tool.waitForStarted());
     QVERIFY(eventually([&] { return unit->requestCount(requestType) >= requests; }));
     QCOMPARE(::kill(pid_t(tool.processId()), signal), 0);
     QVERIFY(tool.state() == QProcess::NotRunning || tool.waitForFinished());
+    results = QString::fromUtf8(tool.readAllStandardOutput());
     errors = QString::fromUtf8(tool.readAllStandardError());
     QVERIFY2(tool.exitStatus() == QProcess::NormalExit, qUtf8Printable(errors));
     QVERIFY2(tool.exitCode() == int(ExitCode::Interrupted), qUtf8Printable(errors));
@@ -66,6 +77,24 @@ void tst_Interruption::aReadingLeavesNoFileAndSaysHowFarItWas()
     QVERIFY(files().isEmpty());
 }
 
+void tst_Interruption::aReadingLeavesTheFileOfBefore()
+{
+    write(QStringLiteral("a.cfg"), "mine");
+    interrupt({QStringLiteral("read"), path(QStringLiteral("a.cfg")), QStringLiteral("--force")},
+              protocol_HUBN_NX_Q::Read_Script, 1);
+    QCOMPARE(content(QStringLiteral("a.cfg")), QByteArray("mine"));
+    QCOMPARE(files(), QStringList{QStringLiteral("a.cfg")});
+}
+
+void tst_Interruption::aReportOfAUnitLeavesNoFile()
+{
+    interrupt({QStringLiteral("report"), QStringLiteral("unit"), QStringLiteral("-o"),
+               path(QStringLiteral("site.html"))},
+              protocol_HUBN_NX_Q::Read_Config, 10);
+    QVERIFY2(errors.contains(QStringLiteral("interrupted while the unit was being read")), qUtf8Printable(errors));
+    QVERIFY(files().isEmpty());
+}
+
 void tst_Interruption::aWritingSaysHowMuchIsInTheUnit()
 {
     QCOMPARE(run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}).exitCode, ExitCode::Done);
@@ -77,6 +106,72 @@ void tst_Interruption::aWritingSaysHowMuchIsInTheUnit()
         unit->requestCount(protocol_HUBN_NX_Q::Write_Config) + unit->requestCount(protocol_HUBN_NX_Q::Write_Script);
     QVERIFY2(match.captured(1).toInt() == written, qUtf8Printable(errors));
     QVERIFY(written < match.captured(2).toInt());
+}
+
+void tst_Interruption::aBackupIsNoneAndNothingIsWritten()
+{
+    QCOMPARE(run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}).exitCode, ExitCode::Done);
+    write(QStringLiteral("old.cfg"), "mine");
+    interrupt({QStringLiteral("write"), path(QStringLiteral("a.cfg")), QStringLiteral("--backup"),
+               path(QStringLiteral("old.cfg")), QStringLiteral("--force")},
+              protocol_HUBN_NX_Q::Read_Config, 10);
+    QVERIFY2(errors.contains(QStringLiteral("interrupted; nothing was written")), qUtf8Printable(errors));
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Config), 0);
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Script), 0);
+    QCOMPARE(content(QStringLiteral("old.cfg")), QByteArray("mine"));
+    QCOMPARE(files(), QStringList({QStringLiteral("a.cfg"), QStringLiteral("old.cfg")}));
+}
+
+void tst_Interruption::aVerificationSaysThatAllIsWritten()
+{
+    QCOMPARE(run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}).exitCode, ExitCode::Done);
+    interrupt({QStringLiteral("write"), path(QStringLiteral("a.cfg")), QStringLiteral("--verify")},
+              protocol_HUBN_NX_Q::Read_Config, 10);
+    QVERIFY2(errors.contains(QStringLiteral("interrupted before it was verified")), qUtf8Printable(errors));
+    QVERIFY2(results.endsWith(QStringLiteral(" outputs and 32 scripts written\n")), qUtf8Printable(results));
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Write_Script), 32);
+}
+
+void tst_Interruption::aLogLeavesNoFileAndSaysHowFarItWas()
+{
+    constexpr int manyEvents = 4000;
+    unit->setState(demoInstallation(1, manyEvents, QDateTime(QDate(2026, 3, 12), QTime(14, 5))));
+    write(QStringLiteral("log.csv"), "mine");
+    interrupt({QStringLiteral("log"), path(QStringLiteral("log.csv")), QStringLiteral("--force")},
+              protocol_HUBN_NX_Q::Read_Log, 5);
+    static const QRegularExpression told(QStringLiteral("interrupted after (\\d+) blocks; .*log\\.csv was not written"));
+    const QRegularExpressionMatch match = told.match(errors);
+    QVERIFY2(match.hasMatch(), qUtf8Printable(errors));
+    QVERIFY2(match.captured(1).toInt() == unit->requestCount(protocol_HUBN_NX_Q::Read_Log), qUtf8Printable(errors));
+    QCOMPARE(content(QStringLiteral("log.csv")), QByteArray("mine"));
+    QCOMPARE(files(), QStringList{QStringLiteral("log.csv")});
+}
+
+void tst_Interruption::aQuestionForTheTime()
+{
+    unit->setFaults({UnitFault(UnitFault::LoseRequest).onRequest(protocol_HUBN_NX_Q::Read_Time)});
+    interrupt({QStringLiteral("time")}, protocol_HUBN_NX_Q::Read_Time, 1);
+    QVERIFY2(errors.endsWith(QStringLiteral(": interrupted\n")), qUtf8Printable(errors));
+    QVERIFY(results.isEmpty());
+}
+
+void tst_Interruption::aClockSaysWhetherItWasSet_data()
+{
+    QTest::addColumn<int>("lostRequest");
+    QTest::addColumn<QString>("told");
+    QTest::newRow("set") << int(protocol_HUBN_NX_Q::Read_Time) << "interrupted; the clock was set";
+    QTest::newRow("not set") << int(protocol_HUBN_NX_Q::Sync_Time)
+                             << "interrupted; the unit has not said that it took the time";
+}
+
+void tst_Interruption::aClockSaysWhetherItWasSet()
+{
+    QFETCH(int, lostRequest);
+    QFETCH(QString, told);
+    unit->setFaults({UnitFault(UnitFault::LoseRequest).onRequest(lostRequest)});
+    interrupt({QStringLiteral("time"), QStringLiteral("--set")}, lostRequest, 1);
+    QVERIFY2(errors.contains(told), qUtf8Printable(errors));
+    QVERIFY(results.isEmpty());
 }
 
 void tst_Interruption::aFirmwareLoadSaysWhatTheUnitWaitsFor()
