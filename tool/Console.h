@@ -26,7 +26,7 @@ public:
     /// Whether a person types what is read, and has to be told when to.
     bool isInputTyped() const;
 
-    /// Waits for a line of the input; nothing once it has ended.
+    /// Waits for a line of the input; nothing once it has ended, or if somebody wishes the program to end.
     std::optional<QString> readLine();
 
     void setQuiet(bool on); ///< no notes, no progress

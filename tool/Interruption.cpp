@@ -7,6 +7,7 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace
@@ -16,6 +17,9 @@ constexpr std::array<int, 3> endingSignals{SIGINT, SIGTERM, SIGHUP};
 
 /// Where a signal's handler writes, and the event loop reads: little else may be done in a handler.
 std::array<int, 2> pipeEnds{-1, -1};
+
+/// That of all living ones which was first.
+Interruption* outermost = nullptr;
 
 extern "C" void noteSignal(int /*number*/)
 {
@@ -28,8 +32,13 @@ extern "C" void noteSignal(int /*number*/)
 
 } // namespace
 
-Interruption::Interruption(QObject* parent) : QObject(parent)
+Interruption::Interruption(QObject* parent) : QObject(parent), outer(outermost)
 {
+    if (outer != nullptr) {
+        connect(outer, &Interruption::requested, this, &Interruption::requested);
+        return;
+    }
+    outermost = this;
     if (::pipe2(pipeEnds.data(), O_NONBLOCK | O_CLOEXEC) != 0) {
         return; // the signals keep their usual effect
     }
@@ -45,6 +54,9 @@ Interruption::Interruption(QObject* parent) : QObject(parent)
 
 Interruption::~Interruption()
 {
+    if (outermost == this) {
+        outermost = nullptr;
+    }
     if (notifier == nullptr) {
         return;
     }
@@ -60,10 +72,29 @@ Interruption::~Interruption()
 
 bool Interruption::isRequested()
 {
+    if (outer != nullptr) {
+        return outer->isRequested();
+    }
     if (notifier != nullptr) {
         read();
     }
     return wasRequested;
+}
+
+bool Interruption::waitForBytes(int descriptor)
+{
+    // A descriptor below 0 is left out.
+    std::array<pollfd, 2> waited{{{descriptor, POLLIN, 0}, {pipeEnds.front(), POLLIN, 0}}};
+    while (outermost == nullptr || !outermost->isRequested()) {
+        const int ready = ::poll(waited.data(), waited.size(), -1);
+        if (ready > 0 && waited.front().revents != 0) {
+            return true;
+        }
+        if (ready < 0 && errno != EINTR) {
+            return true; // so that reading tells what is wrong
+        }
+    }
+    return false;
 }
 
 void Interruption::read()

@@ -2,7 +2,9 @@
 #include "firmware/protocol_boot.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "tool/Console.h"
+#include "tool/Interruption.h"
 #include "tool/commandList.h"
+#include "tool/english.h"
 #include "tool/packetLine.h"
 
 #include <QCommandLineParser>
@@ -157,8 +159,12 @@ public:
 
     ExitCode finish();
 
+    /// Instead of finish(), if somebody wished the program to end.
+    ExitCode breakOff();
+
 private:
     void tell(const DecodedPacket& packet);
+    void tellList();
 
     Console& console;
     Decoder decoder;
@@ -200,11 +206,23 @@ void Decoding::tell(const DecodedPacket& packet)
     }
 }
 
-ExitCode Decoding::finish()
+void Decoding::tellList()
 {
     if (console.isJson()) {
         console.result(QJsonDocument(told));
     }
+}
+
+ExitCode Decoding::breakOff()
+{
+    tellList();
+    console.error(QStringLiteral("interrupted after %1").arg(english::counted(count, QStringLiteral("packet"))));
+    return ExitCode::Interrupted;
+}
+
+ExitCode Decoding::finish()
+{
+    tellList();
     if (count == 0 && allRead) {
         console.error(QStringLiteral("no packet is given"));
         return ExitCode::BadInput;
@@ -221,23 +239,28 @@ bool areBytes(const QStringList& words)
     return std::all_of(words.cbegin(), words.cend(), [](const QString& word) { return word.size() == 2; });
 }
 
-void takeInput(Decoding& decoding, Console& console)
+ExitCode decodeInput(Decoding& decoding, Console& console)
 {
     if (console.isInputTyped()) {
         console.note(QStringLiteral("reading packets from the standard input; end with Ctrl+D"));
     }
+    Interruption interruption;
     int number = 0;
-    while (const std::optional<QString> line = console.readLine()) {
+    while (!interruption.isRequested()) {
+        const std::optional<QString> line = console.readLine();
+        if (!line || interruption.isRequested()) {
+            break; // maybe in the middle of a line
+        }
         decoding.take(*line, QStringLiteral("line %1").arg(++number));
     }
+    return interruption.isRequested() ? decoding.breakOff() : decoding.finish();
 }
 
 ExitCode decode(const QCommandLineParser& /*commandLine*/, const QStringList& arguments, Console& console)
 {
     Decoding decoding(console);
     if (arguments.isEmpty()) {
-        takeInput(decoding, console);
-        return decoding.finish();
+        return decodeInput(decoding, console);
     }
     const QStringList packets = areBytes(arguments) ? QStringList(arguments.join(QLatin1Char(' '))) : arguments;
     for (int i = 0; i < packets.size(); ++i) {

@@ -1,5 +1,6 @@
 #include "tool/ConfigurationDifference.h"
 #include "tool/Console.h"
+#include "tool/Interruption.h"
 #include "tool/Source.h"
 #include "tool/commandList.h"
 
@@ -36,6 +37,8 @@ void tellLines(const QVector<ConfigurationDifference>& differences, const QStrin
 
 ExitCode diff(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
 {
+    // Shared by the readings of both sides.
+    Interruption interruption;
     const Source before = sourceOf(arguments.at(0), commandLine, console);
     if (before.configuration == nullptr) {
         return before.exitCode;
@@ -43,6 +46,10 @@ ExitCode diff(const QCommandLineParser& commandLine, const QStringList& argument
     const Source after = sourceOf(arguments.at(1), commandLine, console);
     if (after.configuration == nullptr) {
         return after.exitCode;
+    }
+    if (interruption.isRequested()) {
+        console.error(QStringLiteral("interrupted; nothing was compared"));
+        return ExitCode::Interrupted;
     }
     const int faults = before.configuration->faults + after.configuration->faults;
     for (const Source* const side : {&before, &after}) {

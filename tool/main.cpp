@@ -1,5 +1,6 @@
 #include "link/endProcess.h"
 #include "tool/Console.h"
+#include "tool/StandardInput.h"
 #include "tool/ToolProgram.h"
 
 #include <QFile>
@@ -49,10 +50,8 @@ int main(int argc, char* argv[])
             return int(ExitCode::Refused);
         }
         Console console(results, errors, isatty(STDERR_FILENO) != 0);
-        QFile input;
-        if (input.open(stdin, QIODevice::ReadOnly)) {
-            console.setInput(input, isatty(STDIN_FILENO) != 0);
-        }
+        StandardInput input;
+        console.setInput(input, isatty(STDIN_FILENO) != 0);
         exitCode = runTool(QCoreApplication::arguments(), console);
         if (!console.isWhole() || !results.flush()) {
             console.error(QStringLiteral("the results could not be written"));

@@ -1,5 +1,6 @@
 #include "domain/saveWhole.h"
 #include "tool/Console.h"
+#include "tool/Interruption.h"
 #include "tool/OutputFile.h"
 #include "tool/SiteReport.h"
 #include "tool/Source.h"
@@ -34,21 +35,34 @@ Format formatOf(const QString& path)
     return suffix == QLatin1String("pdf") ? Format::Pdf : Format::Unknown;
 }
 
+ExitCode interrupted(const QString& path, Console& console)
+{
+    console.error(QStringLiteral("interrupted; %1 was not written").arg(path));
+    return ExitCode::Interrupted;
+}
+
 /// To the standard output, as nobody named a file.
-void show(const ReportSource& source, Console& console)
+ExitCode show(const ReportSource& source, Interruption& interruption, Console& console)
 {
     const QString html = siteReport::html(source);
+    if (interruption.isRequested()) {
+        return interrupted(QStringLiteral("the report"), console);
+    }
     if (console.isJson()) {
         console.result(QJsonDocument(QJsonObject{{QStringLiteral("html"), html}}));
     } else {
         console.result(html.trimmed());
     }
+    return ExitCode::Done;
 }
 
-ExitCode save(const ReportSource& source, const QString& path, Console& console)
+ExitCode save(const ReportSource& source, const QString& path, Interruption& interruption, Console& console)
 {
     const QByteArray document =
         formatOf(path) == Format::Pdf ? siteReport::pdf(source) : siteReport::html(source).toUtf8();
+    if (interruption.isRequested()) {
+        return interrupted(path, console);
+    }
     const QString fault = saveWhole(document, path);
     if (!fault.isEmpty()) {
         console.error(QStringLiteral("%1 can't be written: %2").arg(path, fault));
@@ -73,6 +87,7 @@ ExitCode report(const QCommandLineParser& commandLine, const QStringList& argume
     if (hasFile && !mayWrite(path, commandLine, console)) {
         return ExitCode::Refused;
     }
+    Interruption interruption;
     const Source source = sourceOf(arguments.at(0), commandLine, console);
     if (source.configuration == nullptr) {
         return source.exitCode;
@@ -81,10 +96,8 @@ ExitCode report(const QCommandLineParser& commandLine, const QStringList& argume
     const ReportSource reported =
         source.coordinator ? ReportSource{model, {}, source.time, ReportedUnit{source.port, *source.coordinator}}
                            : ReportSource{model, QFileInfo(source.name).fileName(), source.time};
-    if (!hasFile) {
-        show(reported, console);
-    }
-    const ExitCode ended = hasFile ? save(reported, path, console) : ExitCode::Done;
+    const ExitCode ended =
+        hasFile ? save(reported, path, interruption, console) : show(reported, interruption, console);
     return ended == ExitCode::Done && source.configuration->faults != 0 ? ExitCode::WithErrors : ended;
 }
 

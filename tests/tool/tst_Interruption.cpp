@@ -1,7 +1,9 @@
 #include "UnitCommandTest.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "support/Eventually.h"
+#include "tool/Interruption.h"
 
+#include <QJsonArray>
 #include <QProcess>
 #include <QRegularExpression>
 
@@ -28,6 +30,12 @@ private slots:
     void aClockSaysWhetherItWasSet();
     void aFirmwareLoadSaysWhatTheUnitWaitsFor();
     void aSearchEndsToo();
+    void aDecodingTellsWhatItHasRead_data();
+    void aDecodingTellsWhatItHasRead();
+    void aWishIsSharedByThoseWithin();
+    void aWishAfterTheReadingLeavesNoReport_data();
+    void aWishAfterTheReadingLeavesNoReport();
+    void aWishBetweenTheSidesEndsAComparison();
 
 private:
     /// Starts the tool on the unit, sends the signal once the unit has heard so many requests of a type, and waits for
@@ -193,6 +201,94 @@ void tst_Interruption::aSearchEndsToo()
     unit->setFaults({UnitFault(UnitFault::LoseRequest)});
     interrupt({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}, 0, 1);
     QVERIFY2(errors.contains(QStringLiteral("interrupted; nothing was done")), qUtf8Printable(errors));
+}
+
+void tst_Interruption::aDecodingTellsWhatItHasRead_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::newRow("lines") << QStringList();
+    QTest::newRow("a document") << QStringList{QStringLiteral("--json")};
+}
+
+void tst_Interruption::aDecodingTellsWhatItHasRead()
+{
+    QFETCH(QStringList, options);
+    tool.start(QStringLiteral(TOOL_PROGRAM), QStringList{QStringLiteral("decode")} + options);
+    QVERIFY(tool.waitForStarted());
+    // What is told of the wrong line says that the right one has been read, and half a one is to come.
+    tool.write("c1 86 01 00 01 05 2b e8\nwrong\nc1 86");
+    errors.clear();
+    QVERIFY(eventually([&] {
+        errors += QString::fromUtf8(tool.readAllStandardError());
+        return errors.contains(QStringLiteral("line 2: "));
+    }));
+    QCOMPARE(::kill(pid_t(tool.processId()), SIGINT), 0);
+    QVERIFY(tool.state() == QProcess::NotRunning || tool.waitForFinished());
+    errors += QString::fromUtf8(tool.readAllStandardError());
+    const QByteArray told = tool.readAllStandardOutput();
+    QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
+    QVERIFY2(tool.exitCode() == int(ExitCode::Interrupted), qUtf8Printable(errors));
+    QVERIFY2(errors.contains(QStringLiteral("interrupted after 1 packet\n")), qUtf8Printable(errors));
+    QVERIFY2(!errors.contains(QStringLiteral("line 3")), qUtf8Printable(errors));
+    if (options.isEmpty()) {
+        QVERIFY2(told.endsWith("checksum E82B, right\n"), told.constData());
+    } else {
+        QCOMPARE(QJsonDocument::fromJson(told).array().size(), 1);
+    }
+}
+
+void tst_Interruption::aWishIsSharedByThoseWithin()
+{
+    Interruption outer;
+    QVERIFY(!outer.isRequested());
+    {
+        Interruption inner;
+        QSignalSpy told(&inner, &Interruption::requested);
+        QCOMPARE(std::raise(SIGINT), 0);
+        QTRY_COMPARE(told.size(), 1);
+        QVERIFY(inner.isRequested());
+    }
+    QVERIFY(outer.isRequested());
+    QVERIFY(Interruption().isRequested());
+    QCOMPARE(std::raise(SIGINT), 0); // or that would be the end
+}
+
+void tst_Interruption::aWishAfterTheReadingLeavesNoReport_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::newRow("for a browser") << "site.html";
+    QTest::newRow("to the standard output") << QString();
+}
+
+void tst_Interruption::aWishAfterTheReadingLeavesNoReport()
+{
+    QFETCH(QString, document);
+    QCOMPARE(run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}).exitCode, ExitCode::Done);
+    QStringList line{QStringLiteral("report"), path(QStringLiteral("a.cfg"))};
+    if (!document.isEmpty()) {
+        line += {QStringLiteral("-o"), path(document)};
+    }
+    const Interruption before;
+    QCOMPARE(std::raise(SIGTERM), 0);
+    const ToolRun report(line);
+    QCOMPARE(report.exitCode, ExitCode::Interrupted);
+    QVERIFY2(report.errors.contains(QStringLiteral(" was not written\n")), qUtf8Printable(report.errors));
+    QVERIFY(report.results.isEmpty());
+    QCOMPARE(files(), QStringList{QStringLiteral("a.cfg")});
+}
+
+void tst_Interruption::aWishBetweenTheSidesEndsAComparison()
+{
+    QCOMPARE(run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))}).exitCode, ExitCode::Done);
+    unit->clearRequests();
+    const Interruption before;
+    QCOMPARE(std::raise(SIGINT), 0);
+    const ToolRun withUnit = run({QStringLiteral("diff"), path(QStringLiteral("a.cfg")), QStringLiteral("unit")});
+    QCOMPARE(withUnit.exitCode, ExitCode::Interrupted);
+    QCOMPARE(unit->requestCount(), 0);
+    const ToolRun ofFiles({QStringLiteral("diff"), path(QStringLiteral("a.cfg")), path(QStringLiteral("a.cfg"))});
+    QCOMPARE(ofFiles.exitCode, ExitCode::Interrupted);
+    QVERIFY2(ofFiles.errors.contains(QStringLiteral("nothing was compared")), qUtf8Printable(ofFiles.errors));
 }
 
 QTEST_GUILESS_MAIN(tst_Interruption)
