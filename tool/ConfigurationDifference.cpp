@@ -6,6 +6,7 @@
 #include "texts/texts.h"
 #include "tool/scriptFields.h"
 
+#include <QJsonObject>
 #include <QPair>
 
 namespace
@@ -240,6 +241,18 @@ void Comparison::compareScripts(const ScriptInfoPtr& before, const ScriptInfoPtr
 QVector<ConfigurationDifference> configurationDifferences(const RelayInfo& before, const RelayInfo& after, Names names)
 {
     return Comparison(before, after, names).compare();
+}
+
+QJsonArray jsonOf(const QVector<ConfigurationDifference>& differences)
+{
+    QJsonArray list;
+    for (const ConfigurationDifference& difference : differences) {
+        list.append(QJsonObject{{QStringLiteral("where"), difference.where},
+                                {QStringLiteral("what"), difference.what},
+                                {QStringLiteral("before"), difference.before},
+                                {QStringLiteral("after"), difference.after}});
+    }
+    return list;
 }
 
 QString inWords(const ConfigurationDifference& difference)

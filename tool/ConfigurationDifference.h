@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonArray>
 #include <QString>
 #include <QVector>
 
@@ -26,6 +27,8 @@ enum class Names
 ///
 /// With names ignored a terminal without outputs is as good as none.
 QVector<ConfigurationDifference> configurationDifferences(const RelayInfo& before, const RelayInfo& after, Names names);
+
+QJsonArray jsonOf(const QVector<ConfigurationDifference>& differences);
 
 /// "script 4 'Horn': duration 5 minutes -> 10 minutes"
 QString inWords(const ConfigurationDifference& difference);

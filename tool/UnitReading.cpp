@@ -236,6 +236,12 @@ bool UnitReading::hasOutput(int terminal, int number) const
     });
 }
 
+bool UnitReading::hasScript(int number) const
+{
+    return std::any_of(scripts.cbegin(), scripts.cend(),
+                       [number](const QByteArray& record) { return quint8(record.at(0)) == number; });
+}
+
 QByteArrayList UnitReading::outputRecords() const
 {
     Configuration configuration;

@@ -22,6 +22,8 @@ struct UnitReading
     /// Whether the unit was asked for an output and said something of it. Of a terminal it tells two outputs.
     bool hasOutput(int terminal, int number) const;
 
+    bool hasScript(int number) const; ///< the same of a script
+
     // As the model would write them: without what a unit says differently and means the same.
     QByteArrayList outputRecords() const;
     QByteArrayList scriptRecords() const;

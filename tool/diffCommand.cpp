@@ -5,7 +5,6 @@
 #include "tool/commandList.h"
 
 #include <QCommandLineParser>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -14,15 +13,8 @@ namespace
 
 void tellJson(const QVector<ConfigurationDifference>& differences, Console& console)
 {
-    QJsonArray list;
-    for (const ConfigurationDifference& difference : differences) {
-        list.append(QJsonObject{{QStringLiteral("where"), difference.where},
-                                {QStringLiteral("what"), difference.what},
-                                {QStringLiteral("before"), difference.before},
-                                {QStringLiteral("after"), difference.after}});
-    }
-    console.result(QJsonDocument(
-        QJsonObject{{QStringLiteral("equal"), differences.isEmpty()}, {QStringLiteral("differences"), list}}));
+    console.result(QJsonDocument(QJsonObject{{QStringLiteral("equal"), differences.isEmpty()},
+                                             {QStringLiteral("differences"), jsonOf(differences)}}));
 }
 
 void tellLines(const QVector<ConfigurationDifference>& differences, const QStringList& sides, Console& console)

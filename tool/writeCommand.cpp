@@ -3,13 +3,13 @@
 #include "tool/OutputFile.h"
 #include "tool/UnitReading.h"
 #include "tool/UnitSession.h"
+#include "tool/Writing.h"
 #include "tool/commandList.h"
 
 #include <QCommandLineParser>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -32,42 +32,18 @@ QCommandLineOption incompleteOption()
             QStringLiteral("Write a file that isn't whole, too; what it lacks is emptied in the unit.")};
 }
 
-/// What is written, with a name for each record.
-struct Writing
-{
-    explicit Writing(const RelayInfo& model) : outputs(model.makeOutputRecords()), scripts(model.makeScriptRecords())
-    {
-        const QList<GroupRelayPtr> groups = model.groups();
-        for (const GroupRelayPtr& group : groups) {
-            const QString terminal = group->address == 0
-                                         ? QStringLiteral("the head unit")
-                                         : QStringLiteral("terminal %1 '%2'").arg(group->address).arg(group->name);
-            for (const RelayInformationPtr& output : std::as_const(group->outputs)) {
-                names.append(
-                    QStringLiteral("output %1 '%2' of %3").arg(output->number + 1).arg(output->name, terminal));
-            }
-        }
-        const QList<ScriptInfoPtr> list = model.scripts();
-        for (const ScriptInfoPtr& script : list) {
-            names.append(QStringLiteral("script %1 '%2'").arg(script->number + 1).arg(script->name));
-        }
-    }
-
-    int count() const
-    {
-        return outputs.size() + scripts.size();
-    }
-
-    QByteArrayList outputs;
-    QByteArrayList scripts;
-    QStringList names; ///< of the outputs, then of the scripts
-};
-
-/// What came of a writing, or of a reading back.
+/// What came of a writing.
 struct Outcome
 {
-    QStringList lines;   ///< what failed, or differs
+    QStringList failures;
     bool isWhole = true; ///< not interrupted
+};
+
+/// What came of a reading back.
+struct Verification
+{
+    QVector<Writing::Differences> records; ///< those that differ
+    bool isWhole = true;                   ///< not interrupted
 };
 
 Outcome write(const Writing& writing, UnitSession& unit)
@@ -75,61 +51,28 @@ Outcome write(const Writing& writing, UnitSession& unit)
     Outcome outcome;
     QEventLoop loop;
     QObject::connect(&unit.link(), &CoordinatorLink::stepFailed, &loop, [&](const message& answer) {
-        outcome.lines.append(writing.names.value(unit.stepsDone()) + QStringLiteral(": ") +
-                             UnitSession::reasonOf(answer));
+        outcome.failures.append(writing.nameOf(unit.stepsDone()) + QStringLiteral(": ") +
+                                UnitSession::reasonOf(answer));
     });
     QObject::connect(&unit.link(), &CoordinatorLink::configurationWritten, &loop, &QEventLoop::quit);
-    unit.link().writeConfiguration(writing.outputs, writing.scripts);
+    unit.link().writeConfiguration(writing.outputs(), writing.scripts());
     outcome.isWhole = unit.wait(loop);
     return outcome;
 }
 
-void compare(const QByteArrayList& written, const QByteArrayList& read, int keySize, const QStringList& names,
-             QStringList& differences)
-{
-    QHash<QByteArray, QByteArray> records;
-    for (const QByteArray& record : read) {
-        records.insert(record.left(keySize), record);
-    }
-    for (int index = 0; index < written.size(); ++index) {
-        const QByteArray& record = written.at(index);
-        const auto found = records.constFind(record.left(keySize));
-        if (found == records.constEnd()) {
-            differences.append(names.at(index) + QStringLiteral(": could not be read back"));
-        } else if (*found != record) {
-            differences.append(names.at(index) + QStringLiteral(": the unit holds something else"));
-        }
-    }
-}
-
 /// What the unit holds otherwise than it was written.
-Outcome verify(const Writing& writing, UnitSession& unit, Console& console)
+Verification verify(const Writing& writing, UnitSession& unit, Console& console)
 {
     const std::optional<UnitReading> reading = readUnit(unit, false);
     if (!reading) {
         return {{}, false};
     }
     tellFailures(*reading, console);
-    QByteArrayList outputs;
-    QStringList names;
-    QStringList untold;
-    for (int index = 0; index < writing.outputs.size(); ++index) {
-        const QByteArray& record = writing.outputs.at(index);
-        const bool isAsked = quint8(record.at(0)) == 0 || record.at(1) < 2;
-        if (isAsked) {
-            outputs.append(record);
-            names.append(writing.names.at(index));
-        } else {
-            untold.append(writing.names.at(index));
-        }
+    const QStringList unasked = writing.unasked();
+    if (!unasked.isEmpty()) {
+        console.note(QStringLiteral("not told by the unit, so not verified: ") + unasked.join(QLatin1String(", ")));
     }
-    if (!untold.isEmpty()) {
-        console.note(QStringLiteral("not told by the unit, so not verified: ") + untold.join(QLatin1String(", ")));
-    }
-    Outcome outcome;
-    compare(outputs, reading->outputRecords(), 2, names, outcome.lines);
-    compare(writing.scripts, reading->scriptRecords(), 1, writing.names.mid(writing.outputs.size()), outcome.lines);
-    return outcome;
+    return {writing.differencesFrom(*reading), true};
 }
 
 bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCode& exitCode)
@@ -154,30 +97,48 @@ bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCo
     return true;
 }
 
-void tell(const QStringList& failures, const QStringList& differences, const Writing& writing, bool isVerified,
+QString howItEnded(const QStringList& failures, const Verification* verification)
+{
+    if (!failures.isEmpty()) {
+        return QStringLiteral(", %1 of them failed").arg(failures.size());
+    }
+    if (verification == nullptr) {
+        return {};
+    }
+    return verification->records.isEmpty() ? QStringLiteral(", and read back the same")
+                                           : QStringLiteral(", %1 of them differ").arg(verification->records.size());
+}
+
+/// Without a verification nothing was read back.
+void tell(const QStringList& failures, const Verification* verification, const Writing& writing,
           const UnitSession& unit, Console& console)
 {
+    QVector<ConfigurationDifference> differences;
+    if (verification != nullptr) {
+        for (const Writing::Differences& ofRecord : verification->records) {
+            differences += ofRecord;
+        }
+    }
     if (console.isJson()) {
         QJsonObject object = unit.identity();
         object.insert(QStringLiteral("records"), writing.count());
         object.insert(QStringLiteral("errors"), QJsonArray::fromStringList(failures));
-        if (isVerified) {
-            object.insert(QStringLiteral("differences"), QJsonArray::fromStringList(differences));
+        if (verification != nullptr) {
+            object.insert(QStringLiteral("differences"), jsonOf(differences));
         }
         console.result(QJsonDocument(object));
         return;
     }
-    const QStringList lines = failures + differences;
-    for (const QString& line : lines) {
+    for (const QString& line : failures) {
         console.result(line);
     }
-    console.result(QStringLiteral("%1 outputs and %2 scripts written%3")
-                       .arg(writing.outputs.size())
-                       .arg(writing.scripts.size())
-                       .arg(!failures.isEmpty()   ? QStringLiteral(", %1 of them failed").arg(failures.size())
-                            : !isVerified         ? QString()
-                            : differences.empty() ? QStringLiteral(", and read back the same")
-                                                  : QStringLiteral(", %1 of them differ").arg(differences.size())));
+    for (const ConfigurationDifference& difference : qAsConst(differences)) {
+        console.result(inWords(difference));
+    }
+    console.result(QStringLiteral("%1 outputs and %2 scripts written")
+                       .arg(writing.outputs().size())
+                       .arg(writing.scripts().size()) +
+                   howItEnded(failures, verification));
 }
 
 /// Whether a file is there as a whole. One that was cut off, or that lost its line ends, would empty the unit.
@@ -233,22 +194,22 @@ ExitCode write(const QCommandLineParser& commandLine, const QStringList& argumen
     const Writing writing(configuration->model);
     const Outcome written = write(writing, unit);
     if (!written.isWhole) {
-        for (const QString& line : written.lines) {
+        for (const QString& line : written.failures) {
             console.error(line);
         }
         console.error(QStringLiteral("interrupted: %1 of %2 records were written")
-                          .arg(unit.stepsDone() - written.lines.size())
+                          .arg(unit.stepsDone() - written.failures.size())
                           .arg(writing.count()));
         return ExitCode::Interrupted;
     }
     const bool isVerified = commandLine.isSet(verifyOption());
-    const Outcome verified = isVerified ? verify(writing, unit, console) : Outcome();
-    tell(written.lines, verified.lines, writing, isVerified && verified.isWhole, unit, console);
+    const Verification verified = isVerified ? verify(writing, unit, console) : Verification();
+    tell(written.failures, isVerified && verified.isWhole ? &verified : nullptr, writing, unit, console);
     if (!verified.isWhole) {
         console.error(QStringLiteral("interrupted before it was verified"));
         return ExitCode::Interrupted;
     }
-    return written.lines.isEmpty() && verified.lines.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
+    return written.failures.isEmpty() && verified.records.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
 }
 
 } // namespace

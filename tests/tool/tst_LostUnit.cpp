@@ -39,6 +39,8 @@ private slots:
     void aWritingNamesWhatTheUnitDidNotTake();
     void withoutABackupNothingIsWritten_data();
     void withoutABackupNothingIsWritten();
+    void aVerificationNamesWhatCouldNotBeReadBack_data();
+    void aVerificationNamesWhatCouldNotBeReadBack();
     void aLogKeepsWhatCame_data();
     void aLogKeepsWhatCame();
     void aLogOfWhichNothingCameIsNone_data();
@@ -147,10 +149,9 @@ void tst_LostUnit::neitherAComparisonNorAReportIsMade()
 {
     QFETCH(QString, reason);
     const QString file = readFile();
-    for (const QStringList& line :
-         {QStringList{QStringLiteral("diff"), file, QStringLiteral("unit")},
-          QStringList{QStringLiteral("report"), QStringLiteral("unit"), QStringLiteral("-o"),
-                      path(QStringLiteral("site.html"))}}) {
+    for (const QStringList& line : {QStringList{QStringLiteral("diff"), file, QStringLiteral("unit")},
+                                    QStringList{QStringLiteral("report"), QStringLiteral("unit"), QStringLiteral("-o"),
+                                                path(QStringLiteral("site.html"))}}) {
         QVERIFY(unit->plugIn());
         lose();
         const ToolRun tool = run(line);
@@ -176,9 +177,11 @@ void tst_LostUnit::aWritingNamesWhatTheUnitDidNotTake()
     QCOMPARE(tool.exitCode, ExitCode::WithErrors);
     const QStringList lines = tool.results.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), 3);
-    QVERIFY2(lines.at(0).startsWith(QStringLiteral("script 31 ")) && lines.at(0).endsWith(QStringLiteral(": ") + reason),
+    QVERIFY2(lines.at(0).startsWith(QStringLiteral("script 31 ")) &&
+                 lines.at(0).endsWith(QStringLiteral(": ") + reason),
              qUtf8Printable(lines.at(0)));
-    QVERIFY2(lines.at(1).startsWith(QStringLiteral("script 32 ")) && lines.at(1).endsWith(QStringLiteral(": ") + reason),
+    QVERIFY2(lines.at(1).startsWith(QStringLiteral("script 32 ")) &&
+                 lines.at(1).endsWith(QStringLiteral(": ") + reason),
              qUtf8Printable(lines.at(1)));
     QVERIFY2(lines.at(2).endsWith(QStringLiteral("2 of them failed")), qUtf8Printable(lines.at(2)));
 }
@@ -202,6 +205,27 @@ void tst_LostUnit::withoutABackupNothingIsWritten()
     QCOMPARE(unit->requestCount(Protocol::Write_Config) + unit->requestCount(Protocol::Write_Script), 0);
     QCOMPARE(content(QStringLiteral("old.cfg")), QByteArray("mine"));
     QCOMPARE(files(), QStringList({QStringLiteral("a.cfg"), QStringLiteral("old.cfg")}));
+}
+
+void tst_LostUnit::aVerificationNamesWhatCouldNotBeReadBack_data()
+{
+    addWays(Protocol::Read_Script, 31);
+}
+
+void tst_LostUnit::aVerificationNamesWhatCouldNotBeReadBack()
+{
+    QFETCH(QString, reason);
+    const QString file = readFile();
+    lose();
+    const ToolRun tool = run({QStringLiteral("write"), file, QStringLiteral("--verify")});
+    QCOMPARE(tool.exitCode, ExitCode::WithErrors);
+    QVERIFY2(tool.errors.contains(QStringLiteral("script 31: ") + reason), qUtf8Printable(tool.errors));
+    const QStringList lines = tool.results.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 3);
+    QVERIFY2(lines.at(0).startsWith(QStringLiteral("script 31 ")) &&
+                 lines.at(0).endsWith(QStringLiteral("could not be read back")),
+             qUtf8Printable(lines.at(0)));
+    QVERIFY2(lines.at(2).endsWith(QStringLiteral("2 of them differ")), qUtf8Printable(lines.at(2)));
 }
 
 void tst_LostUnit::aLogKeepsWhatCame_data()
@@ -273,8 +297,8 @@ void tst_LostUnit::firmwareIsToBeLoadedAgain_data()
     constexpr int fullBlock = 5;
     QTest::addColumn<UnitFault>("fault");
     QTest::addColumn<QString>("reason");
-    QTest::newRow("port lost")
-        << UnitFault(UnitFault::Unplug).onBoot(fullBlock).from(3).times(1).value(0).amount(-1) << "the port failed";
+    QTest::newRow("port lost") << UnitFault(UnitFault::Unplug).onBoot(fullBlock).from(3).times(1).value(0).amount(-1)
+                               << "the port failed";
     QTest::newRow("unit silent") << UnitFault(UnitFault::LoseRequest).onBoot(fullBlock).from(3)
                                  << "the unit does not answer";
 }
