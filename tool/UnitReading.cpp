@@ -22,6 +22,9 @@ namespace
 /// Readings of everything in which two in a row must agree.
 constexpr int mostReadings = 6;
 
+/// The same of a step of the search for terminals, whose answers come over the radio.
+constexpr int mostReadingsOfTerminal = 20;
+
 /// Failed steps that are told one by one.
 constexpr int mostToldSteps = 10;
 
@@ -31,6 +34,11 @@ constexpr int leastScriptRecord = 22; ///< number and script
 QString noTwoAgree()
 {
     return QStringLiteral(": no two answers agree");
+}
+
+QString searchForTerminals()
+{
+    return QStringLiteral("the search for terminals");
 }
 
 QString nameOfOutput(quint8 terminal, quint8 number)
@@ -53,7 +61,7 @@ QString failureOf(const message& answer)
     case protocol_HUBN_NX_Q::Read_Config:
         return nameOfOutput(answer.address(), answer.number()) + reason;
     default:
-        return QStringLiteral("the search for terminals") + reason;
+        return searchForTerminals() + reason;
     }
 }
 
@@ -156,13 +164,15 @@ bool readTerminals(UnitSession& unit, UnitReading& reading)
     QEventLoop loop;
     QObject::connect(&unit.link(), &CoordinatorLink::stepFailed, &loop,
                      [&reading](const message& answer) { reading.failures.append(failureOf(answer)); });
+    QObject::connect(&unit.link(), &CoordinatorLink::stepUnconfirmed, &loop,
+                     [&reading] { reading.failures.append(searchForTerminals() + noTwoAgree()); });
     QObject::connect(&unit.link(), &CoordinatorLink::terminalsFound, &loop,
                      [&reading, &loop](const QByteArrayList& list) {
                          reading.terminals = list;
                          loop.quit();
                      });
     unit.beginProgress(texts::busySearchingTerminals());
-    unit.link().searchTerminals();
+    unit.link().searchTerminals(mostReadingsOfTerminal);
     return unit.wait(loop);
 }
 

@@ -73,6 +73,7 @@ void CoordinatorLink::connectOperations()
         connect(operation, &DeviceOperation::resultReady, this, &CoordinatorLink::resultReady);
     }
     connect(terminalSearch, &TerminalSearch::terminalsFound, this, &CoordinatorLink::terminalsFound);
+    connect(terminalSearch, &TerminalSearch::unconfirmed, this, &CoordinatorLink::stepUnconfirmed);
     connect(configurationReading, &ConfigurationReading::outputsRead, this, &CoordinatorLink::outputsRead);
     connect(configurationReading, &ConfigurationReading::scriptsRead, this, &CoordinatorLink::scriptsRead);
     connect(configurationWriting, &ConfigurationWriting::written, this, &CoordinatorLink::configurationWritten);
@@ -276,6 +277,10 @@ void CoordinatorLink::answerOperation(const message& answer)
         }
         return;
     }
+    const auto* const operation =
+        std::find_if(operations.begin(), operations.end(),
+                     [&answer](const DeviceOperation* candidate) { return candidate->handles(answer.requestType()); });
+    const bool isHandled = operation != operations.end();
     if (failed) {
         // The name by which this line has always been found in the logs.
         qDebug() << now().toString(QStringLiteral("hh:mm:ss:zzz"))
@@ -285,12 +290,11 @@ void CoordinatorLink::answerOperation(const message& answer)
             resend(answer);
             return;
         }
-        emit stepFailed(answer);
+        if (!isHandled || (*operation)->endsStep(answer)) {
+            emit stepFailed(answer);
+        }
     }
-    const auto* const operation =
-        std::find_if(operations.begin(), operations.end(),
-                     [&answer](const DeviceOperation* candidate) { return candidate->handles(answer.requestType()); });
-    if (operation != operations.end()) {
+    if (isHandled) {
         (*operation)->takeAnswer(answer, failed);
     }
 }
@@ -326,9 +330,9 @@ void CoordinatorLink::abandonOperations()
     isAbandoned = true;
 }
 
-void CoordinatorLink::searchTerminals()
+void CoordinatorLink::searchTerminals(int mostReadings)
 {
-    terminalSearch->start();
+    terminalSearch->start(mostReadings);
 }
 
 void CoordinatorLink::readConfiguration()

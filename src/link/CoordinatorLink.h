@@ -111,7 +111,8 @@ public:
     /// begin.
     void abandonOperations();
 
-    void searchTerminals();
+    /// With so many readings of one step at the most until two in a row agree; 0 for as many as it takes.
+    void searchTerminals(int mostReadings = 0);
 
     /// Reads all outputs, then all scripts. The busy state stays for the receiver of the scripts to end.
     void readConfiguration();
@@ -177,8 +178,10 @@ signals:
     void deviceTimeRead(const QString& time, bool correct);
     void deviceTimeWritten(bool accepted);
 
-    /// A step of an operation failed, its last attempt too.
+    /// A step of an operation failed, its last attempt too. One that is asked once more, and then answered, didn't.
     void stepFailed(const message& answer);
+    /// A step of the search for terminals ended without two answers that agree.
+    void stepUnconfirmed(const message& answer);
     void resultReady(const QString& result);
     void firmwareAnswered(const message& answer);
 

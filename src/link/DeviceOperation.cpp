@@ -1,11 +1,17 @@
 #include "link/DeviceOperation.h"
 
 #include "domain/terminals.h"
+#include "link/message.h"
 #include "texts/texts.h"
 
 void DeviceOperation::setCoordinator(quint8 address)
 {
     coordinatorAddress = address;
+}
+
+bool DeviceOperation::endsStep(const message& /*answer*/) const
+{
+    return true;
 }
 
 bool DeviceOperation::hasPort() const

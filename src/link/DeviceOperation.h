@@ -26,6 +26,9 @@ public:
     /// Whether answers to requests of this type belong here.
     virtual bool handles(int requestType) const = 0;
 
+    /// Whether an answer ends its step, and doesn't merely make the operation ask again.
+    virtual bool endsStep(const message& answer) const;
+
     virtual void takeAnswer(const message& answer, bool failed) = 0;
 
 signals:

@@ -26,8 +26,10 @@ QByteArray addressesInUse(const QByteArray& bitmap)
 
 } // namespace
 
-void TerminalSearch::start()
+void TerminalSearch::start(int mostReadingsOfStep)
 {
+    mostReadings = mostReadingsOfStep;
+    readings = 0;
     emit requestReady(protocol_HUBN_NX_Q::requestBusyChannels(coordinator(), 0));
 }
 
@@ -37,13 +39,25 @@ bool TerminalSearch::handles(int requestType) const
            requestType <= protocol_HUBN_NX_Q::Terminal_Analog_Info;
 }
 
-// A failed step isn't told from one with an empty answer.
-void TerminalSearch::takeAnswer(const message& answer, bool /*failed*/)
+bool TerminalSearch::endsStep(const message& answer) const
 {
-    if (answer.requestType() <= protocol_HUBN_NX_Q::Busy_Channel_Analog) {
-        answerBusyChannel(answer);
+    return answer.isRepeatConfirmed() || (mostReadings > 0 && readings + 1 >= mostReadings);
+}
+
+// A failed step isn't told from one with an empty answer.
+void TerminalSearch::takeAnswer(const message& answer, bool failed)
+{
+    message counted = answer;
+    if (!answer.isRepeatConfirmed() && endsStep(answer)) {
+        counted.setPayload({});
+        if (!failed) {
+            emit unconfirmed(answer);
+        }
+    }
+    if (counted.requestType() <= protocol_HUBN_NX_Q::Busy_Channel_Analog) {
+        answerBusyChannel(counted);
     } else {
-        answerTerminalInfo(answer);
+        answerTerminalInfo(counted);
     }
 }
 
@@ -54,7 +68,7 @@ void TerminalSearch::answerBusyChannel(const message& answer)
         channelLists.fill({});
         terminalInfos.clear();
     }
-    if (!isConfirmed(answer)) {
+    if (!isOver(answer)) {
         return;
     }
     const int channelClass = type - protocol_HUBN_NX_Q::Busy_Channel_System;
@@ -76,7 +90,7 @@ void TerminalSearch::answerBusyChannel(const message& answer)
 
 void TerminalSearch::answerTerminalInfo(const message& answer)
 {
-    if (!isConfirmed(answer)) {
+    if (!isOver(answer)) {
         return;
     }
     emit stepDone();
@@ -86,11 +100,14 @@ void TerminalSearch::answerTerminalInfo(const message& answer)
     askNextTerminal();
 }
 
-bool TerminalSearch::isConfirmed(const message& answer)
+/// Ends the step, or asks once more.
+bool TerminalSearch::isOver(const message& answer)
 {
-    if (answer.isRepeatConfirmed()) {
+    if (endsStep(answer)) {
+        readings = 0;
         return true;
     }
+    ++readings;
     message again = answer;
     again.prepareRepeat();
     emit requestReady(again);

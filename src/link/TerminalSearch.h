@@ -11,7 +11,8 @@
 /// each terminal.
 ///
 /// The answers come over the radio, so each counts only when a second reading in a row gives the same payload; an
-/// answer that differs is read again, as often as it takes. A step without an answer counts as one with no data.
+/// answer that differs is read again, as often as it takes unless a limit is set. A step without an answer counts as
+/// one with no data, and so does one that the limit ends.
 class TerminalSearch : public DeviceOperation
 {
     Q_OBJECT
@@ -19,21 +20,28 @@ class TerminalSearch : public DeviceOperation
 public:
     using DeviceOperation::DeviceOperation;
 
-    void start();
+    /// With so many readings of one step at the most; 0 for as many as it takes.
+    void start(int mostReadingsOfStep = 0);
 
     bool handles(int requestType) const override;
+    bool endsStep(const message& answer) const override;
     void takeAnswer(const message& answer, bool failed) override;
 
 signals:
     /// The records of all terminals, no two alike.
     void terminalsFound(const QByteArrayList& terminals);
 
+    /// The limit has ended a step although its last answer was good: no two in a row agreed.
+    void unconfirmed(const message& answer);
+
 private:
     void answerBusyChannel(const message& answer);
     void answerTerminalInfo(const message& answer);
-    bool isConfirmed(const message& answer);
+    bool isOver(const message& answer);
     void askNextTerminal();
 
     std::array<QByteArray, terminalClasses> channelLists; ///< addresses that are still to be asked, by class
     QByteArrayList terminalInfos;
+    int mostReadings = 0;
+    int readings = 0; ///< of the present step that are over
 };

@@ -22,6 +22,8 @@ private slots:
     void usingAnotherPortMovesTheOperations();
     void theSearchForTerminalsTellsThem();
     void withoutAPortTheSearchForTerminalsIsDropped();
+    void aFailedReadingThatIsReadAgainIsNoFailedStep();
+    void aSearchThatNeverAgreesEndsAtItsLimit();
 
     void abandonedOperationsSendNothingMore();
     void abandonedOperationsAreNeitherResentNorTold();
@@ -122,6 +124,46 @@ void tst_LinkWithoutUser::withoutAPortTheSearchForTerminalsIsDropped()
     recorder.link.searchTerminals();
     QCOMPARE(recorder.sent.size(), 1);
     QVERIFY(recorder.sent.constFirst().port == nullptr);
+}
+
+void tst_LinkWithoutUser::aFailedReadingThatIsReadAgainIsNoFailedStep()
+{
+    LinkRecorder recorder({portA});
+    recorder.link.setChoosingFirst(false);
+    letFind(recorder.port());
+    recorder.link.use(*recorder.port());
+    int failures = 0;
+    connect(&recorder.link, &CoordinatorLink::stepFailed, &recorder, [&failures] { ++failures; });
+    recorder.link.searchTerminals();
+    const auto fail = [&recorder] {
+        message last = recorder.sent.constLast().request;
+        last.setAttempts(0);
+        recorder.port()->takeAnswer(answers::timedOut(last));
+    };
+    recorder.port()->takeAnswer(answers::good(recorder.sent.constLast().request, QByteArray::fromHex("01")));
+    fail();
+    QCOMPARE(failures, 0);
+    fail(); // and this one confirms that there is nothing
+    QCOMPARE(failures, 1);
+}
+
+void tst_LinkWithoutUser::aSearchThatNeverAgreesEndsAtItsLimit()
+{
+    LinkRecorder recorder({portA});
+    recorder.link.setChoosingFirst(false);
+    letFind(recorder.port());
+    recorder.link.use(*recorder.port());
+    QVector<int> unconfirmed;
+    connect(&recorder.link, &CoordinatorLink::stepUnconfirmed, &recorder,
+            [&unconfirmed](const message& answer) { unconfirmed.append(answer.requestType()); });
+    recorder.link.searchTerminals(4);
+    for (int reading = 1; reading <= 4; ++reading) {
+        const message request = recorder.sent.constLast().request;
+        QCOMPARE(request.requestType(), int(Protocol::Busy_Channel_System));
+        recorder.port()->takeAnswer(answers::good(request, QByteArray(1, char(reading))));
+    }
+    QCOMPARE(unconfirmed, QVector<int>{Protocol::Busy_Channel_System});
+    QCOMPARE(recorder.sent.constLast().request.requestType(), int(Protocol::Busy_Channel_Sensor));
 }
 
 void tst_LinkWithoutUser::abandonedOperationsSendNothingMore()

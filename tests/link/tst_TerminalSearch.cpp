@@ -27,11 +27,14 @@ struct Search
             terminals = list;
             recorder.events.append(QStringLiteral("found"));
         });
+        QObject::connect(&operation, &TerminalSearch::unconfirmed, &recorder, [this](const message& answer) {
+            recorder.events.append(QStringLiteral("unconfirmed %1").arg(answer.requestType()));
+        });
     }
 
     void run()
     {
-        operation.start();
+        operation.start(mostReadings);
         for (int i = 0; i < recorder.requests.size() && i < 1000; ++i) {
             const message request = recorder.requests.at(i);
             QByteArrayList& prepared = answersOf[request.requestType()];
@@ -56,6 +59,7 @@ struct Search
         return types;
     }
 
+    int mostReadings = 0;
     TerminalSearch operation;
     OperationRecorder recorder{operation};
     QHash<int, QByteArrayList> answersOf; ///< by type; the last one again and again
@@ -79,6 +83,10 @@ private slots:
     void scalesTheBarWithTheTerminals();
     void equalRecordsAppearOnce();
     void readsAgainUntilTwoReadingsAgree();
+    void withoutALimitItReadsForever();
+    void aLimitEndsAStepOfWhichNoTwoReadingsAgree();
+    void theLastReadingWithinTheLimitCounts();
+    void aFailedReadingThatIsReadAgainEndsNoStep();
     void aConfirmingReadingHasAllAttemptsAgain();
     void everyAnswerOfTheFirstClassStartsTheListsAfresh();
     void silenceCountsAsNoData();
@@ -187,6 +195,56 @@ void tst_TerminalSearch::readsAgainUntilTwoReadingsAgree()
     QCOMPARE(search.sentTypes().count(13), 5);
     QCOMPARE(search.asked, (QVector<QPair<int, int>>{{18, 1}, {18, 1}, {18, 1}, {18, 2}, {18, 2}}));
     QCOMPARE(search.terminals, QByteArrayList({QByteArray("b"), QByteArray("c")}));
+}
+
+void tst_TerminalSearch::withoutALimitItReadsForever()
+{
+    Search search;
+    for (int reading = 0; reading < 200; ++reading) {
+        search.answersOf[12].append(bitmapOf({1 + reading % 2}));
+    }
+    search.answersOf[12].append(bitmapOf({}));
+    search.run();
+    QCOMPARE(search.sentTypes().count(12), 202);
+    QVERIFY(!search.recorder.events.contains(QStringLiteral("unconfirmed 12")));
+}
+
+void tst_TerminalSearch::aLimitEndsAStepOfWhichNoTwoReadingsAgree()
+{
+    Search search;
+    search.mostReadings = 3;
+    search.answersOf[13] = {bitmapOf({1}), bitmapOf({2}), bitmapOf({1}), bitmapOf({3})};
+    search.answersOf[14] = {bitmapOf({5, 6})};
+    search.answersOf[19] = {QByteArray("a"), QByteArray("b"), QByteArray("c"), QByteArray("d")};
+    search.run();
+    QCOMPARE(search.sentTypes().count(13), 3);
+    // What nothing confirmed counts as no data: no terminal of that class is asked, and the first one has no record.
+    QCOMPARE(search.asked, (QVector<QPair<int, int>>{{19, 5}, {19, 5}, {19, 5}, {19, 6}, {19, 6}}));
+    QCOMPARE(search.terminals, QByteArrayList({QByteArray(), QByteArray("d")}));
+    QCOMPARE(search.recorder.events.filter(QStringLiteral("unconfirmed")),
+             QStringList({QStringLiteral("unconfirmed 13"), QStringLiteral("unconfirmed 19")}));
+    QCOMPARE(search.recorder.events.last(), QStringLiteral("found"));
+}
+
+void tst_TerminalSearch::theLastReadingWithinTheLimitCounts()
+{
+    Search search;
+    search.mostReadings = 3;
+    search.answersOf[13] = {bitmapOf({1}), bitmapOf({2}), bitmapOf({2})};
+    search.answersOf[18] = {QByteArray("a")};
+    search.run();
+    QCOMPARE(search.terminals, QByteArrayList({QByteArray("a")}));
+    QVERIFY(search.recorder.events.filter(QStringLiteral("unconfirmed")).isEmpty());
+}
+
+void tst_TerminalSearch::aFailedReadingThatIsReadAgainEndsNoStep()
+{
+    Search search;
+    search.operation.start();
+    search.operation.takeAnswer(answers::good(search.recorder.requests.at(0), bitmapOf({1})), false);
+    QVERIFY(!search.operation.endsStep(answers::timedOut(search.recorder.requests.at(1))));
+    search.operation.takeAnswer(answers::timedOut(search.recorder.requests.at(1)), true);
+    QVERIFY(search.operation.endsStep(answers::timedOut(search.recorder.requests.at(2))));
 }
 
 void tst_TerminalSearch::aConfirmingReadingHasAllAttemptsAgain()

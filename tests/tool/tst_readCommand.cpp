@@ -20,6 +20,8 @@ private slots:
     void aFailedStepIsNamedAndNoFileAppears();
     void withPartialTheFileHoldsTheRest();
     void aLostTerminalIsAFailedStepToo();
+    void terminalsThatNeverAgreeEndTheSearch();
+    void aLostAnswerThatARepeatMakesGoodIsNoFailure();
     void confirmedReadingNeedsTwoAnswersThatAgree();
     void confirmedReadingTellsWhatNeverAgrees();
     void whatAFileDoesntGiveBackIsTold();
@@ -112,6 +114,27 @@ void tst_readCommand::aLostTerminalIsAFailedStepToo()
     QCOMPARE(tool.exitCode, ExitCode::WithErrors);
     QVERIFY2(tool.errors.contains(QStringLiteral("the search for terminals: refused")), qUtf8Printable(tool.errors));
     QVERIFY(files().isEmpty());
+}
+
+void tst_readCommand::terminalsThatNeverAgreeEndTheSearch()
+{
+    unit->setFaults({UnitFault(UnitFault::ChangeAnswer).onRequest(protocol_HUBN_NX_Q::Busy_Channel_Execute)});
+    const ToolRun tool = run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))});
+    QCOMPARE(tool.exitCode, ExitCode::WithErrors);
+    QVERIFY2(tool.errors.contains(QStringLiteral("the search for terminals: no two answers agree\n")),
+             qUtf8Printable(tool.errors));
+    QCOMPARE(unit->requestCount(protocol_HUBN_NX_Q::Busy_Channel_Execute), 20);
+    QVERIFY(files().isEmpty());
+}
+
+void tst_readCommand::aLostAnswerThatARepeatMakesGoodIsNoFailure()
+{
+    // All attempts of the second reading of a terminal; a third and a fourth agree.
+    unit->setFaults(
+        {UnitFault(UnitFault::LoseRequest).onRequest(protocol_HUBN_NX_Q::Terminal_Execute_Info).from(2).times(4)});
+    const ToolRun tool = run({QStringLiteral("read"), path(QStringLiteral("a.cfg"))});
+    QVERIFY2(tool.exitCode == ExitCode::Done, qUtf8Printable(tool.errors));
+    QVERIFY2(tool.results.contains(QStringLiteral("20 terminals")), qUtf8Printable(tool.results));
 }
 
 void tst_readCommand::confirmedReadingNeedsTwoAnswersThatAgree()
