@@ -1,7 +1,7 @@
 #include "tool/Console.h"
 
 #include <QCoreApplication>
-#include <QJsonDocument>
+#include <QJsonArray>
 
 Console::Console(QIODevice& results, QIODevice& errors, bool live)
     : resultStream(&results), errorStream(&errors), isLive(live)
@@ -55,6 +55,31 @@ void Console::result(const QString& line)
 
 void Console::result(const QJsonDocument& document)
 {
+    resultDocument = document;
+}
+
+void Console::noteSoFar(const QJsonObject& facts)
+{
+    for (auto fact = facts.begin(); fact != facts.end(); ++fact) {
+        soFar.insert(fact.key(), fact.value());
+    }
+}
+
+void Console::finish(ExitCode exitCode)
+{
+    const bool hasFailed = exitCode != ExitCode::Done && !toldErrors.isEmpty();
+    if (!hasJson || (!resultDocument && !hasFailed)) {
+        return;
+    }
+    QJsonDocument document = resultDocument.value_or(QJsonDocument(soFar));
+    if (hasFailed && document.isObject()) {
+        QJsonObject object = document.object();
+        object.insert(QStringLiteral("error"), toldErrors.takeLast());
+        if (!resultDocument && !toldErrors.isEmpty()) {
+            object.insert(QStringLiteral("errors"), QJsonArray::fromStringList(toldErrors));
+        }
+        document.setObject(object);
+    }
     endProgress();
     resultStream << QString::fromUtf8(document.toJson()) << Qt::flush;
 }
@@ -71,6 +96,7 @@ void Console::error(const QString& line)
 {
     endProgress();
     errorStream << QCoreApplication::applicationName() << ": " << line << Qt::endl;
+    toldErrors.append(line);
 }
 
 bool Console::isWhole()

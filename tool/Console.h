@@ -1,12 +1,16 @@
 #pragma once
 
+#include "tool/ExitCode.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QString>
+#include <QStringList>
 #include <QTextStream>
 
 #include <optional>
 
 class QIODevice;
-class QJsonDocument;
 
 /// Where a command tells what it has to tell: results on one stream, all else on the other. And where it reads what
 /// somebody types or another program writes.
@@ -36,7 +40,16 @@ public:
     bool isJson() const;
 
     void result(const QString& line);
+
+    /// The command's document, which finish() puts out.
     void result(const QJsonDocument& document);
+
+    /// What is known or done already, for the document of a command that ends before it has one.
+    void noteSoFar(const QJsonObject& facts);
+
+    /// Once, when the command is over. As JSON a command that failed has a document too: an object with what was done
+    /// so far, "error" with the last error that was told, and "errors" with those before it, if there are any.
+    void finish(ExitCode exitCode);
 
     /// A line beside the result.
     void note(const QString& line);
@@ -59,5 +72,8 @@ private:
     const bool isLive;
     bool isQuiet = false;
     bool hasJson = false;
+    std::optional<QJsonDocument> resultDocument;
+    QJsonObject soFar;
+    QStringList toldErrors;
     QString shownProgress;
 };

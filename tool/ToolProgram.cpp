@@ -33,6 +33,11 @@ QString explanationOf(const Command& command)
     return QStringLiteral("%1.\n\nExample: %2").arg(command.summary, command.example);
 }
 
+QString jsonOption()
+{
+    return QStringLiteral("json");
+}
+
 /// What all commands have.
 QList<QCommandLineOption> commonOptions()
 {
@@ -41,7 +46,7 @@ QList<QCommandLineOption> commonOptions()
             {QStringLiteral("port"),
              QStringLiteral("The serial port of the unit; without it the first coordinator found is taken."),
              QStringLiteral("name")},
-            {QStringLiteral("json"), QStringLiteral("Results as JSON.")},
+            {jsonOption(), QStringLiteral("Results as JSON.")},
             {QStringLiteral("quiet"), QStringLiteral("Nothing but results and errors.")},
             {QStringLiteral("simulated-unit"),
              QStringLiteral("Work on a simulated unit, to learn and to test. Each run has a new one.")}};
@@ -72,6 +77,53 @@ ExitCode helpOrRefuse(QCommandLineParser& parser, const QStringList& arguments, 
         return ExitCode::Done;
     }
     return refuse(console, isParsed ? QStringLiteral("no command is given") : parser.errorText());
+}
+
+ExitCode runCommand(const QStringList& arguments, Console& console)
+{
+    QCommandLineParser parser;
+    parser.addOptions(commonOptions());
+
+    // The first word that is no option names the command, which has options of its own.
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    parser.parse(arguments);
+    console.setJson(parser.isSet(jsonOption()));
+    const QString name = parser.positionalArguments().value(0);
+    const Command* const command = commandOf(name);
+    if (command == nullptr) {
+        if (!name.isEmpty()) {
+            return refuse(console, QStringLiteral("there is no command \"%1\"").arg(name));
+        }
+        parser.addVersionOption();
+        parser.setApplicationDescription(QString::fromUtf8(explanation).arg(listOfCommands()));
+        parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("What to do."));
+        return helpOrRefuse(parser, arguments, console);
+    }
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsOptions);
+    parser.addOptions(command->options);
+    parser.setApplicationDescription(explanationOf(*command));
+    parser.addPositionalArgument(name, command->summary, name + QLatin1Char(' ') + command->arguments);
+    const bool isParsed = parser.parse(arguments);
+    console.setJson(parser.isSet(jsonOption()));
+    if (!isParsed) {
+        return refuse(console, parser.errorText());
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        console.result(parser.helpText());
+        return ExitCode::Done;
+    }
+    if (parser.isSet(QStringLiteral("port")) &&
+        (parser.value(QStringLiteral("port")).isEmpty() || parser.isSet(QStringLiteral("simulated-unit")))) {
+        return refuse(console, QStringLiteral("--port takes the name of a port, and no simulated unit beside it"));
+    }
+    const QStringList given = parser.positionalArguments().mid(1);
+    if (given.size() < command->leastArguments || given.size() > command->mostArguments) {
+        return refuse(console, QStringLiteral("%1 takes: %2")
+                                   .arg(name, command->arguments.isEmpty() ? QStringLiteral("no arguments")
+                                                                           : command->arguments));
+    }
+    console.setQuiet(parser.isSet(QStringLiteral("quiet")));
+    return command->run(parser, given, console);
 }
 
 } // namespace
@@ -108,45 +160,7 @@ QCommandLineOption confirmedOption()
 
 ExitCode runTool(const QStringList& arguments, Console& console)
 {
-    QCommandLineParser parser;
-    parser.addOptions(commonOptions());
-
-    // The first word that is no option names the command, which has options of its own.
-    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    parser.parse(arguments);
-    const QString name = parser.positionalArguments().value(0);
-    const Command* const command = commandOf(name);
-    if (command == nullptr) {
-        if (!name.isEmpty()) {
-            return refuse(console, QStringLiteral("there is no command \"%1\"").arg(name));
-        }
-        parser.addVersionOption();
-        parser.setApplicationDescription(QString::fromUtf8(explanation).arg(listOfCommands()));
-        parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("What to do."));
-        return helpOrRefuse(parser, arguments, console);
-    }
-    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsOptions);
-    parser.addOptions(command->options);
-    parser.setApplicationDescription(explanationOf(*command));
-    parser.addPositionalArgument(name, command->summary, name + QLatin1Char(' ') + command->arguments);
-    if (!parser.parse(arguments)) {
-        return refuse(console, parser.errorText());
-    }
-    if (parser.isSet(QStringLiteral("help"))) {
-        console.result(parser.helpText());
-        return ExitCode::Done;
-    }
-    if (parser.isSet(QStringLiteral("port")) &&
-        (parser.value(QStringLiteral("port")).isEmpty() || parser.isSet(QStringLiteral("simulated-unit")))) {
-        return refuse(console, QStringLiteral("--port takes the name of a port, and no simulated unit beside it"));
-    }
-    const QStringList given = parser.positionalArguments().mid(1);
-    if (given.size() < command->leastArguments || given.size() > command->mostArguments) {
-        return refuse(console, QStringLiteral("%1 takes: %2")
-                                   .arg(name, command->arguments.isEmpty() ? QStringLiteral("no arguments")
-                                                                           : command->arguments));
-    }
-    console.setQuiet(parser.isSet(QStringLiteral("quiet")));
-    console.setJson(parser.isSet(QStringLiteral("json")));
-    return command->run(parser, given, console);
+    const ExitCode exitCode = runCommand(arguments, console);
+    console.finish(exitCode);
+    return exitCode;
 }

@@ -332,18 +332,19 @@ QStringList lostInAFile(const UnitReading& reading)
     return lost;
 }
 
-bool saveReading(const UnitReading& reading, const QString& path, Console& console)
+std::optional<SavedReading> saveReading(const UnitReading& reading, const QString& path, Console& console)
 {
     Configuration read;
     reading.fill(read.model);
     if (read.model.saveToFile(path) != RelayInfo::FileOk) {
         console.error(QStringLiteral("%1 can't be written").arg(path));
-        return false;
+        return {};
     }
-    const QStringList unread = takeUnread(read.model, reading);
-    if (!unread.isEmpty()) {
+    SavedReading saved;
+    saved.untold = takeUnread(read.model, reading);
+    if (!saved.untold.isEmpty()) {
         console.note(QStringLiteral("not told by the unit, so in the file as if nobody had set it: ") +
-                     unread.join(QLatin1String(", ")));
+                     saved.untold.join(QLatin1String(", ")));
     }
-    return true;
+    return saved;
 }

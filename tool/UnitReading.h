@@ -42,5 +42,11 @@ QStringList takeUnread(RelayInfo& model, const UnitReading& reading);
 /// What a configuration file of it gives back differently when it is loaded, in words.
 QStringList lostInAFile(const UnitReading& reading);
 
-/// Saves it as a configuration file that the window loads. False if that couldn't be done, which has been told then.
-bool saveReading(const UnitReading& reading, const QString& path, Console& console);
+/// What a configuration file holds of a reading.
+struct SavedReading
+{
+    QStringList untold; ///< outputs of which the unit told nothing: in the file as if nobody had set them
+};
+
+/// Saves it as a configuration file that the window loads. Nothing if that couldn't be done, which has been told then.
+std::optional<SavedReading> saveReading(const UnitReading& reading, const QString& path, Console& console);

@@ -160,6 +160,7 @@ ExitCode UnitSession::open(bool alsoSilent)
         coordinators->ports().constFirst()->info().state == StateCoordinatorNotFound) {
         unitPort = coordinators->ports().constFirst();
         coordinators->use(*unitPort);
+        console.noteSoFar(identity());
         console.note(unitPort->name() +
                      QStringLiteral(": no coordinator answers; maybe the unit is in its bootloader"));
         return ExitCode::Done;
@@ -170,6 +171,7 @@ ExitCode UnitSession::open(bool alsoSilent)
     // What is done here doesn't take so long that the unit would have to be watched beside it.
     unitPort->setWatchResting(true);
     coordinators->use(*unitPort);
+    console.noteSoFar(identity());
     const CoordinatorInfo& coordinator = *unitPort->info().coordinator;
     console.note(QStringLiteral("%1: coordinator at address %2, serial number %3, version %4")
                      .arg(unitPort->name())

@@ -115,6 +115,7 @@ ExitCode firmware(const QCommandLineParser& commandLine, const QStringList& argu
     int steps = 0;
     const std::optional<FirmwareLoad::End> end = loadImage(*image, unit, console, steps);
     if (!end) {
+        console.noteSoFar({{QStringLiteral("steps"), steps}});
         console.error(QStringLiteral("interrupted after %1 steps; the unit waits in its bootloader for a whole image: "
                                      "load again")
                           .arg(steps));

@@ -188,6 +188,7 @@ ExitCode log(const QCommandLineParser& commandLine, const QStringList& arguments
     }
     const std::optional<LogRead> log = readLog(unit);
     if (!log) {
+        console.noteSoFar({{QStringLiteral("blocks"), unit.stepsDone()}});
         console.error(QStringLiteral("interrupted after %1 blocks; ").arg(unit.stepsDone()) + path +
                       QStringLiteral(" was not written"));
         return ExitCode::Interrupted;

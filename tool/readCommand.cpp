@@ -22,7 +22,14 @@ QCommandLineOption partialOption()
     return {QStringLiteral("partial"), QStringLiteral("Keep what could be read even if something is missing.")};
 }
 
-void tell(const UnitReading& reading, const QString& path, const UnitSession& unit, Console& console)
+/// What a file holds, and what it doesn't keep of the reading.
+struct Told
+{
+    SavedReading saved;
+    QStringList lost;
+};
+
+void tell(const UnitReading& reading, const Told& told, const QString& path, const UnitSession& unit, Console& console)
 {
     if (console.isJson()) {
         QJsonObject object = unit.identity();
@@ -31,6 +38,8 @@ void tell(const UnitReading& reading, const QString& path, const UnitSession& un
         object.insert(QStringLiteral("outputs"), reading.outputs.size());
         object.insert(QStringLiteral("scripts"), reading.scripts.size());
         object.insert(QStringLiteral("errors"), QJsonArray::fromStringList(reading.failures));
+        object.insert(QStringLiteral("notTold"), QJsonArray::fromStringList(told.saved.untold));
+        object.insert(QStringLiteral("notKept"), QJsonArray::fromStringList(told.lost));
         console.result(QJsonDocument(object));
         return;
     }
@@ -52,6 +61,7 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
     }
     const std::optional<UnitReading> reading = readUnit(unit, commandLine.isSet(confirmOption()));
     if (!reading) {
+        console.noteSoFar({{QStringLiteral("steps"), unit.stepsDone()}});
         console.error(QStringLiteral("interrupted after %1 steps; ").arg(unit.stepsDone()) + path +
                       QStringLiteral(" was not written"));
         return ExitCode::Interrupted;
@@ -66,10 +76,11 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
     for (const QString& line : lost) {
         console.error(line);
     }
-    if (!saveReading(*reading, path, console)) {
+    const std::optional<SavedReading> saved = saveReading(*reading, path, console);
+    if (!saved) {
         return ExitCode::Refused;
     }
-    tell(*reading, path, unit, console);
+    tell(*reading, {*saved, lost}, path, unit, console);
     return reading->failures.isEmpty() && lost.isEmpty() ? ExitCode::Done : ExitCode::WithErrors;
 }
 

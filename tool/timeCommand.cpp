@@ -87,9 +87,9 @@ ExitCode setClock(UnitSession& unit, Console& console)
     });
     unit.link().setDeviceTime();
     if (!unit.wait(loop)) {
-        return interrupted(console, isAccepted
-                                        ? clockWasSet()
-                                        : QStringLiteral("; the unit has not said that it took the time"));
+        console.noteSoFar({{QStringLiteral("set"), isAccepted}});
+        return interrupted(console, isAccepted ? clockWasSet()
+                                               : QStringLiteral("; the unit has not said that it took the time"));
     }
     if (!isAccepted) {
         console.error(QStringLiteral("the unit did not take the time"));
@@ -108,6 +108,7 @@ ExitCode time(const QCommandLineParser& commandLine, const QStringList& /*argume
         if (const ExitCode set = setClock(unit, console); set != ExitCode::Done) {
             return set;
         }
+        console.noteSoFar({{QStringLiteral("set"), true}});
     }
     const std::optional<message> answer = askForTime(unit);
     if (!answer) {

@@ -93,6 +93,7 @@ bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCo
         exitCode = ExitCode::Refused;
         return false;
     }
+    console.noteSoFar({{QStringLiteral("backup"), path}});
     console.note(QStringLiteral("%1: what the unit held").arg(path));
     return true;
 }
@@ -197,9 +198,9 @@ ExitCode write(const QCommandLineParser& commandLine, const QStringList& argumen
         for (const QString& line : written.failures) {
             console.error(line);
         }
-        console.error(QStringLiteral("interrupted: %1 of %2 records were written")
-                          .arg(unit.stepsDone() - written.failures.size())
-                          .arg(writing.count()));
+        const int count = unit.stepsDone() - written.failures.size();
+        console.noteSoFar({{QStringLiteral("records"), writing.count()}, {QStringLiteral("written"), count}});
+        console.error(QStringLiteral("interrupted: %1 of %2 records were written").arg(count).arg(writing.count()));
         return ExitCode::Interrupted;
     }
     const bool isVerified = commandLine.isSet(verifyOption());

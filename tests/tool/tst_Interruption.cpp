@@ -4,6 +4,7 @@
 #include "tool/Interruption.h"
 
 #include <QJsonArray>
+#include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
 
@@ -20,6 +21,7 @@ private slots:
     void aReadingLeavesNoFileAndSaysHowFarItWas_data();
     void aReadingLeavesNoFileAndSaysHowFarItWas();
     void aReadingLeavesTheFileOfBefore();
+    void aReadingAsJsonTellsHowFarItWas();
     void aReportOfAUnitLeavesNoFile();
     void aWritingSaysHowMuchIsInTheUnit();
     void aBackupIsNoneAndNothingIsWritten();
@@ -94,11 +96,25 @@ void tst_Interruption::aReadingLeavesTheFileOfBefore()
     QCOMPARE(files(), QStringList{QStringLiteral("a.cfg")});
 }
 
+void tst_Interruption::aReadingAsJsonTellsHowFarItWas()
+{
+    interrupt({QStringLiteral("read"), path(QStringLiteral("a.cfg")), QStringLiteral("--json")},
+              protocol_HUBN_NX_Q::Read_Config, 10);
+    const QJsonObject object = QJsonDocument::fromJson(results.toUtf8()).object();
+    QVERIFY2(object.value(QStringLiteral("error"))
+                 .toString()
+                 .startsWith(
+                     QStringLiteral("interrupted after %1 steps").arg(object.value(QStringLiteral("steps")).toInt())),
+             qUtf8Printable(results));
+    QVERIFY(object.value(QStringLiteral("steps")).toInt() > 0);
+    QCOMPARE(object.value(QStringLiteral("port")).toString(), unit->portName());
+}
+
 void tst_Interruption::aReportOfAUnitLeavesNoFile()
 {
-    interrupt({QStringLiteral("report"), QStringLiteral("unit"), QStringLiteral("-o"),
-               path(QStringLiteral("site.html"))},
-              protocol_HUBN_NX_Q::Read_Config, 10);
+    interrupt(
+        {QStringLiteral("report"), QStringLiteral("unit"), QStringLiteral("-o"), path(QStringLiteral("site.html"))},
+        protocol_HUBN_NX_Q::Read_Config, 10);
     QVERIFY2(errors.contains(QStringLiteral("interrupted while the unit was being read")), qUtf8Printable(errors));
     QVERIFY(files().isEmpty());
 }
@@ -147,7 +163,8 @@ void tst_Interruption::aLogLeavesNoFileAndSaysHowFarItWas()
     write(QStringLiteral("log.csv"), "mine");
     interrupt({QStringLiteral("log"), path(QStringLiteral("log.csv")), QStringLiteral("--force")},
               protocol_HUBN_NX_Q::Read_Log, 5);
-    static const QRegularExpression told(QStringLiteral("interrupted after (\\d+) blocks; .*log\\.csv was not written"));
+    static const QRegularExpression told(
+        QStringLiteral("interrupted after (\\d+) blocks; .*log\\.csv was not written"));
     const QRegularExpressionMatch match = told.match(errors);
     QVERIFY2(match.hasMatch(), qUtf8Printable(errors));
     QVERIFY2(match.captured(1).toInt() == unit->requestCount(protocol_HUBN_NX_Q::Read_Log), qUtf8Printable(errors));
