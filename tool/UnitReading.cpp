@@ -239,6 +239,12 @@ void UnitReading::fill(RelayInfo& model) const
     model.readScriptRecords(scripts);
 }
 
+int UnitReading::terminalCount() const
+{
+    return int(std::count_if(terminals.cbegin(), terminals.cend(),
+                             [](const QByteArray& record) { return !record.isEmpty(); }));
+}
+
 bool UnitReading::hasOutput(int terminal, int number) const
 {
     return std::any_of(outputs.cbegin(), outputs.cend(), [terminal, number](const QByteArray& record) {
@@ -341,6 +347,11 @@ std::optional<SavedReading> saveReading(const UnitReading& reading, const QStrin
         return {};
     }
     SavedReading saved;
+    const QList<GroupRelayPtr> groups = read.model.groups();
+    for (const GroupRelayPtr& group : groups) {
+        saved.terminals += int(group->address != 0 && !group->outputs.isEmpty());
+        saved.outputs += group->outputs.size();
+    }
     saved.untold = takeUnread(read.model, reading);
     if (!saved.untold.isEmpty()) {
         console.note(QStringLiteral("not told by the unit, so in the file as if nobody had set it: ") +

@@ -17,6 +17,8 @@ struct UnitReading
     QByteArrayList scripts;
     QStringList failures;
 
+    int terminalCount() const; ///< those of which something was told
+
     void fill(RelayInfo& model) const;
 
     /// Whether the unit was asked for an output and said something of it. Of a terminal it tells two outputs.
@@ -45,6 +47,8 @@ QStringList lostInAFile(const UnitReading& reading);
 /// What a configuration file holds of a reading.
 struct SavedReading
 {
+    int terminals = 0; ///< with outputs, the head unit left out
+    int outputs = 0;
     QStringList untold; ///< outputs of which the unit told nothing: in the file as if nobody had set them
 };
 

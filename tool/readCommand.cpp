@@ -4,6 +4,7 @@
 #include "tool/UnitReading.h"
 #include "tool/UnitSession.h"
 #include "tool/commandList.h"
+#include "tool/english.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -34,8 +35,9 @@ void tell(const UnitReading& reading, const Told& told, const QString& path, con
     if (console.isJson()) {
         QJsonObject object = unit.identity();
         object.insert(QStringLiteral("file"), path);
-        object.insert(QStringLiteral("terminals"), reading.terminals.size());
-        object.insert(QStringLiteral("outputs"), reading.outputs.size());
+        object.insert(QStringLiteral("terminals"), reading.terminalCount());
+        object.insert(QStringLiteral("terminalsWithOutputs"), told.saved.terminals);
+        object.insert(QStringLiteral("outputs"), told.saved.outputs);
         object.insert(QStringLiteral("scripts"), reading.scripts.size());
         object.insert(QStringLiteral("errors"), QJsonArray::fromStringList(reading.failures));
         object.insert(QStringLiteral("notTold"), QJsonArray::fromStringList(told.saved.untold));
@@ -43,10 +45,11 @@ void tell(const UnitReading& reading, const Told& told, const QString& path, con
         console.result(QJsonDocument(object));
         return;
     }
-    console.result(path + QStringLiteral(": %1 terminals, %2 outputs, %3 scripts")
-                              .arg(reading.terminals.size())
-                              .arg(reading.outputs.size())
-                              .arg(reading.scripts.size()));
+    console.result(path + QStringLiteral(": %1 of the head unit and %2, %3; %4 found")
+                              .arg(english::counted(told.saved.outputs, QStringLiteral("output")),
+                                   english::counted(told.saved.terminals, QStringLiteral("terminal")),
+                                   english::counted(reading.scripts.size(), QStringLiteral("script")),
+                                   english::counted(reading.terminalCount(), QStringLiteral("terminal"))));
 }
 
 ExitCode read(const QCommandLineParser& commandLine, const QStringList& arguments, Console& console)
