@@ -25,7 +25,7 @@ constexpr std::chrono::milliseconds exchangeTime{500};
 
 } // namespace
 
-UnitSession::UnitSession(const QCommandLineParser& commandLine, Console& commandConsole)
+UnitSession::UnitSession(const QCommandLineParser& commandLine, Console& commandConsole, CoordinatorSeams seams)
     : console(commandConsole), givenPort(commandLine.value(QStringLiteral("port")))
 {
     if (commandLine.isSet(QStringLiteral("simulated-unit"))) {
@@ -33,7 +33,6 @@ UnitSession::UnitSession(const QCommandLineParser& commandLine, Console& command
         simulatedUnit->setPace(UnitSimulator::OfTheWire);
         givenPort = simulatedUnit->portName();
     }
-    CoordinatorSeams seams;
     if (simulatedUnit != nullptr || commandLine.isSet(QStringLiteral("port"))) {
         seams.portNames = [name = givenPort] { return QStringList{name}; };
     }
@@ -158,9 +157,7 @@ ExitCode UnitSession::open(bool alsoSilent)
     unitPort = foundPort();
     if (unitPort == nullptr && alsoSilent && !givenPort.isEmpty() &&
         coordinators->ports().constFirst()->info().state == StateCoordinatorNotFound) {
-        unitPort = coordinators->ports().constFirst();
-        coordinators->use(*unitPort);
-        console.noteSoFar(identity());
+        usePort(coordinators->ports().constFirst());
         console.note(unitPort->name() +
                      QStringLiteral(": no coordinator answers; maybe the unit is in its bootloader"));
         return ExitCode::Done;
@@ -170,8 +167,7 @@ ExitCode UnitSession::open(bool alsoSilent)
     }
     // What is done here doesn't take so long that the unit would have to be watched beside it.
     unitPort->setWatchResting(true);
-    coordinators->use(*unitPort);
-    console.noteSoFar(identity());
+    usePort(unitPort);
     const CoordinatorInfo& coordinator = *unitPort->info().coordinator;
     console.note(QStringLiteral("%1: coordinator at address %2, serial number %3, version %4")
                      .arg(unitPort->name())
@@ -179,6 +175,14 @@ ExitCode UnitSession::open(bool alsoSilent)
                      .arg(coordinator.serial)
                      .arg(coordinator.versionText()));
     return ExitCode::Done;
+}
+
+void UnitSession::usePort(Port* port)
+{
+    unitPort = port;
+    coordinators->use(*port);
+    coordinators->keepOnly(*port);
+    console.noteSoFar(identity());
 }
 
 ExitCode UnitSession::complainOfNothing()

@@ -25,14 +25,16 @@ class UnitSession : public QObject
     Q_OBJECT
 
 public:
-    UnitSession(const QCommandLineParser& commandLine, Console& commandConsole);
+    /// The seams are those of the link; the command line may name a port instead of theirs.
+    UnitSession(const QCommandLineParser& commandLine, Console& commandConsole, CoordinatorSeams seams = {});
     ~UnitSession() override;
     Q_DISABLE_COPY_MOVE(UnitSession)
 
     /// Asks all ports, or the one that was named, until each has found a coordinator or none. False if interrupted.
     bool searchAllPorts();
 
-    /// Finds the unit and notes which one. Anything but Done has been told. With `alsoSilent` the port that was named
+    /// Finds the unit, notes which one, and ends all other ports: who is at work on one leaves the others to other
+    /// programs. Anything but Done has been told. With `alsoSilent` the port that was named
     /// will do even if no coordinator answers there, as of a unit that waits in its bootloader.
     ExitCode open(bool alsoSilent = false);
 
@@ -72,6 +74,7 @@ private:
     void noteState(Port* port);
     bool isSettled(const Port* port) const;
     bool runSearch(bool untilFirst);
+    void usePort(Port* port);
     Port* foundPort() const;
     void showProgress();
     ExitCode complainOfNothing();

@@ -196,6 +196,16 @@ void CoordinatorLink::use(Port& port)
     tellCurrent();
 }
 
+void CoordinatorLink::keepOnly(const Port& port)
+{
+    timerPortList.stop();
+    for (Port* const other : std::as_const(portList)) {
+        if (other != &port) {
+            other->stop();
+        }
+    }
+}
+
 void CoordinatorLink::setChoosingFirst(bool on)
 {
     choosesFirst = on;

@@ -94,6 +94,10 @@ public:
     /// Makes a port the current one, and no more.
     void use(Port& port);
 
+    /// Ends all ports but this one, which goes on as it is, and looks for no new ones, for a link that has nothing more
+    /// to do with them. Those that ended stay in ports(), and nothing may be asked of them any more.
+    void keepOnly(const Port& port);
+
     /// Whether the first coordinator that is found is chosen without the user, as it is from the beginning.
     void setChoosingFirst(bool on);
 

@@ -53,6 +53,7 @@ private slots:
     void findsAUnitAtAddressEight();
     void doesNotFindAUnitAtAddressNine();
     void ofTwoUnitsTheFirstToAnswerIsChosen();
+    void onePortIsKeptAndTheOthersAreFreed();
     void sweepsASilentPortFiveTimes();
     void stopsSweepingOnceAPortIsChosen();
     void aUnitThatWakesUpLaterIsFoundByALaterSweep();
@@ -143,6 +144,29 @@ void tst_CoordinatorLink::ofTwoUnitsTheFirstToAnswerIsChosen()
     QCOMPARE(recorder.count(QStringLiteral("enable")), 1);
     EVENTUALLY(recorder.has(QStringLiteral("terminals 0")));
     QCOMPARE(slow.requestCount(Protocol::Busy_Channel_System), 0);
+}
+
+void tst_CoordinatorLink::onePortIsKeptAndTheOthersAreFreed()
+{
+    const UnitSimulator used(unitAt(1));
+    const UnitSimulator unused(unitAt(2));
+    const UnitSimulator later(unitAt(3));
+    const DeafLine deaf;
+    LinkRecorder recorder({used.portName(), unused.portName(), deaf.line.portName()});
+    recorder.link.setChoosingFirst(false);
+    EVENTUALLY(recorder.state(0) == StateCoordinatorConnected && recorder.state(1) == StateCoordinatorConnected);
+    recorder.link.use(*recorder.port(0));
+    recorder.link.keepOnly(*recorder.port(0));
+    for (const QString& name : {unused.portName(), deaf.line.portName()}) {
+        QSerialPort other(name);
+        EVENTUALLY(other.isOpen() || other.open(QIODevice::ReadWrite));
+    }
+    recorder.names.append(later.portName());
+    // Two ticks of the watch are two seconds, in which the list was looked at twice.
+    recorder.take();
+    EVENTUALLY(recorder.count(QStringLiteral("time 1")) >= 2);
+    QCOMPARE(recorder.link.ports().size(), 3);
+    QCOMPARE(later.requestCount(), 0);
 }
 
 void tst_CoordinatorLink::sweepsASilentPortFiveTimes()
