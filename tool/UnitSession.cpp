@@ -196,7 +196,7 @@ ExitCode UnitSession::complainOfNothing()
         return ExitCode::NothingFound;
     }
     const StatePort state = coordinators->ports().constFirst()->info().state;
-    console.error(QStringLiteral("%1: %2").arg(givenPort, stateOf(*coordinators->ports().constFirst())));
+    console.error(QStringLiteral("%1: %2").arg(givenPort, stateWithTroubleOf(*coordinators->ports().constFirst())));
     return state == StateCreateError || state == StateOpenError ? ExitCode::Refused : ExitCode::NothingFound;
 }
 
@@ -270,6 +270,14 @@ void UnitSession::showProgress()
 QString UnitSession::stateOf(const Port& port)
 {
     return statePortTraits(port.info().state).text.replace(QLatin1Char('\n'), QLatin1String(", "));
+}
+
+QString UnitSession::stateWithTroubleOf(const Port& port)
+{
+    const std::optional<PortTrouble>& trouble = port.info().trouble;
+    return trouble
+               ? stateOf(port) + QStringLiteral(". ") + trouble->whatIsWrong() + QLatin1Char(' ') + trouble->whatToDo()
+               : stateOf(port);
 }
 
 QString UnitSession::reasonOf(const message& answer)

@@ -62,6 +62,9 @@ public:
     /// A port's state, on one line.
     static QString stateOf(const Port& port);
 
+    /// The same with what is wrong with the port and what to do.
+    static QString stateWithTroubleOf(const Port& port);
+
     /// Why a step failed, in words.
     static QString reasonOf(const message& answer);
 

@@ -14,6 +14,10 @@ QJsonObject described(const Port& port)
 {
     const PortInfo& info = port.info();
     QJsonObject object{{QStringLiteral("port"), port.name()}, {QStringLiteral("state"), UnitSession::stateOf(port)}};
+    if (info.trouble) {
+        object.insert(QStringLiteral("trouble"), info.trouble->whatIsWrong());
+        object.insert(QStringLiteral("whatToDo"), info.trouble->whatToDo());
+    }
     if (info.coordinator) {
         object.insert(QStringLiteral("address"), info.coordinator->address);
         object.insert(QStringLiteral("baudRate"), info.baudrate);
@@ -26,7 +30,7 @@ QJsonObject described(const Port& port)
 QString line(const Port& port)
 {
     const PortInfo& info = port.info();
-    const QString state = port.name() + QStringLiteral(": ") + UnitSession::stateOf(port);
+    const QString state = port.name() + QStringLiteral(": ") + UnitSession::stateWithTroubleOf(port);
     if (!info.coordinator) {
         return state;
     }

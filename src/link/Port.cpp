@@ -2,6 +2,7 @@
 
 #include "link/protocol_HUBN_NX_Q.h"
 
+#include <QDebug>
 #include <QThread>
 
 #include <chrono>
@@ -139,8 +140,36 @@ void Port::setWatchResting(bool on)
     isWatchResting = on;
 }
 
+/// Asks the system once for each cause: a port under watch is opened again and again.
+void Port::noteTrouble(StatePort reported)
+{
+    switch (reported) {
+    case StateCreateError:
+    case StateOpenError:
+    case StateNotFound:
+        if (!known.trouble || reported != troubledState) {
+            known.trouble = PortTrouble::of(portName, reported == StateNotFound);
+            troubledState = reported;
+            qDebug().noquote() << portName << ": " << known.trouble->whatIsWrong() << known.trouble->whatToDo();
+        }
+        break;
+    case StateCoordinatorLost:
+        break; // the cause may be known already
+    case StatePortDisabled:
+        // By the user, and not for a cause.
+        if (!statePortTraits(known.state).autoDisconnect) {
+            known.trouble.reset();
+        }
+        break;
+    default:
+        known.trouble.reset();
+        break;
+    }
+}
+
 void Port::setState(StatePort state)
 {
+    noteTrouble(state);
     if (known.watched && state != StateCoordinatorConnected && state != StatePortDisabled) {
         state = StateCoordinatorLost;
     }

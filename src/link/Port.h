@@ -2,6 +2,7 @@
 
 #include "domain/terminals.h"
 #include "link/CoordinatorSearch.h"
+#include "link/PortTrouble.h"
 #include "link/StatePort.h"
 #include "link/Transmitter.h"
 
@@ -24,6 +25,7 @@ struct PortInfo
     std::optional<int> lineBaudrate; ///< at which the worker talks; none if nothing was said since the port was closed
     int baudrate = 0;                ///< at which a coordinator answered; 0 until one did
     std::optional<CoordinatorInfo> coordinator; ///< as its last answer gave it; none on a closed port
+    std::optional<PortTrouble> trouble;         ///< why it can't be used, if it can't
 };
 
 /// One serial port: a Transmitter on a thread of its own, the search for a coordinator behind it, and the watch over
@@ -109,6 +111,7 @@ signals:
 
 private:
     void connectWorker();
+    void noteTrouble(StatePort reported);
     void answerSearch(const message& answer);
     void answerCheck(const message& answer);
     void takeCoordinator(const CoordinatorInfo& coordinator);
@@ -116,12 +119,13 @@ private:
 
     const QString portName;
     PortInfo known;
-    quint8 watchedAddress = noCoordinator; ///< as the search found it, which no misread answer changes
-    QPointer<QThread> thread;              ///< without an owner: it ends by itself where nobody waits for it
-    Transmitter* transmitter;              ///< goes with the thread
-    QTimer timerPeriodic;                  ///< the watch; 1000 ms
-    QTimer timerFirstConnect;              ///< 1000 ms to the next search
-    int firstConnectAttempts = 4;          ///< searches that may still start by themselves
+    StatePort troubledState = StateConnecting; ///< for which known.trouble was found
+    quint8 watchedAddress = noCoordinator;     ///< as the search found it, which no misread answer changes
+    QPointer<QThread> thread;                  ///< without an owner: it ends by itself where nobody waits for it
+    Transmitter* transmitter;                  ///< goes with the thread
+    QTimer timerPeriodic;                      ///< the watch; 1000 ms
+    QTimer timerFirstConnect;                  ///< 1000 ms to the next search
+    int firstConnectAttempts = 4;              ///< searches that may still start by themselves
     bool isSearchRepeated = true;
     bool isWatchResting = false;
     std::optional<QDeadlineTimer> closing; ///< since stop()

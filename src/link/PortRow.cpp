@@ -70,6 +70,8 @@ void PortRow::refresh() const
     itemSerial->setText(info.coordinator ? QString::number(info.coordinator->serial) : texts::noValue());
     itemVersion->setText(info.coordinator ? info.coordinator->versionText() : texts::noValue());
     itemState->setText(traits.text);
+    itemState->setToolTip(info.trouble ? info.trouble->whatIsWrong() + QLatin1Char('\n') + info.trouble->whatToDo()
+                                       : QString());
     cellWidget->setVisible(traits.showControls);
     // A style sheet takes its time, so it is set only when it has to be.
     const QString caption = info.connected ? texts::buttonDisconnect() : texts::buttonConnect();

@@ -1,10 +1,14 @@
 #include "UnitCommandTest.h"
 #include "link/protocol_HUBN_NX_Q.h"
+#include "support/OrdinaryUser.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QSerialPort>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+
+#include <sys/stat.h>
 
 /// Ports, clock, log and firmware.
 class tst_unitCommands : public UnitCommandTest
@@ -16,6 +20,8 @@ private slots:
 
     void portsTellsWhatIsFound();
     void portsTellsOfAPortThatIsNone();
+    void portsTellsWhoHoldsAPort();
+    void aPortThatMayNotBeOpenedIsToldWithWhatToDo();
     void portsAsJson();
     void theSimulatedUnitNeedsNoPort();
     void whatIsNoSerialPortIsntWaitedFor();
@@ -73,6 +79,35 @@ void tst_unitCommands::portsTellsOfAPortThatIsNone()
     const ToolRun tool({QStringLiteral("ports"), QStringLiteral("--port"), QStringLiteral("no-such-port")});
     QCOMPARE(tool.exitCode, ExitCode::NothingFound);
     QVERIFY2(tool.results.startsWith(QStringLiteral("no-such-port: ")), qUtf8Printable(tool.results));
+}
+
+void tst_unitCommands::portsTellsWhoHoldsAPort()
+{
+    QSerialPort holder(unit->portName());
+    QVERIFY(holder.open(QIODevice::ReadWrite));
+    const ToolRun lines = run({QStringLiteral("ports")});
+    QCOMPARE(lines.exitCode, ExitCode::NothingFound);
+    QVERIFY2(lines.results.startsWith(unit->portName() + QStringLiteral(": Error opening the port, Port disabled. ")),
+             qUtf8Printable(lines.results));
+    QVERIFY2(lines.results.contains(QStringLiteral(" is held by tst_unit")), qUtf8Printable(lines.results));
+    const QJsonObject object = run({QStringLiteral("ports"), QStringLiteral("--json")}).json().array().at(0).toObject();
+    QCOMPARE(object.value(QStringLiteral("state")).toString(), QStringLiteral("Error opening the port, Port disabled"));
+    QVERIFY(object.value(QStringLiteral("trouble")).toString().contains(QStringLiteral(" is held by tst_unit")));
+    QVERIFY(object.value(QStringLiteral("whatToDo")).toString().startsWith(QStringLiteral("End tst_unit")));
+}
+
+void tst_unitCommands::aPortThatMayNotBeOpenedIsToldWithWhatToDo()
+{
+    const QByteArray device = "/dev/" + unit->portName().toLatin1();
+    if (::geteuid() != 0) {
+        QSKIP("only root can make a port that may not be opened");
+    }
+    QCOMPARE(::chmod(device.constData(), S_IRUSR | S_IWUSR), 0);
+    const OrdinaryUser user;
+    QVERIFY(user.isOrdinary);
+    const ToolRun tool = run({QStringLiteral("time")});
+    QCOMPARE(tool.exitCode, ExitCode::Refused);
+    QVERIFY2(tool.errors.contains(QStringLiteral("nobody has no right to open ")), qUtf8Printable(tool.errors));
 }
 
 void tst_unitCommands::portsAsJson()

@@ -1,0 +1,282 @@
+#include "LinkRecorder.h"
+#include "simulator/PseudoTerminal.h"
+#include "simulator/UnitSimulator.h"
+#include "support/DebugLines.h"
+#include "support/Eventually.h"
+#include "support/OrdinaryUser.h"
+
+#include <QProcess>
+#include <QSerialPort>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <grp.h>
+#include <pwd.h>
+#include <sys/stat.h>
+
+namespace
+{
+
+using Cause = PortTrouble::Cause;
+
+/// A port that root may open and the ordinary user may not.
+class ForbiddenPort : public PseudoTerminal
+{
+public:
+    ForbiddenPort(gid_t group, mode_t mode)
+    {
+        const QByteArray device = "/dev/" + portName().toLatin1();
+        isMade = ::chown(device.constData(), 0, group) == 0 && ::chmod(device.constData(), mode) == 0;
+    }
+
+    bool isMade = false;
+};
+
+/// Another program, which has a port open and locks none.
+class OtherProgram
+{
+public:
+    /// Without a port it has none open.
+    explicit OtherProgram(const QString& name, const QString& portName = {})
+    {
+        const QString program = folder.filePath(name);
+        const QString input = portName.isEmpty() ? QStringLiteral("/dev/null") : QStringLiteral("/dev/") + portName;
+        QFile::copy(QStringLiteral("/bin/sleep"), program);
+        process.start(QStringLiteral("/bin/sh"),
+                      {QStringLiteral("-c"), QStringLiteral("exec '%1' 60 <%2").arg(program, input)});
+        process.waitForStarted();
+    }
+    ~OtherProgram()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(OtherProgram)
+
+    QTemporaryDir folder;
+    QProcess process;
+};
+
+constexpr gid_t noGroup = 65000; ///< which nobody is in
+constexpr mode_t forOwner = 0600;
+constexpr mode_t forGroup = 0660;
+
+} // namespace
+
+/// Why a port can't be used: what the system tells of it, and what a port makes of that.
+class tst_PortTrouble : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aPortThatIsNotThereIsUnplugged();
+    void withoutTheRightTheGroupIsNamed();
+    void aDeviceOfItsOwnerAloneHasNoGroupToJoin();
+    void theGroupOfTheAdministratorIsNoneToJoin();
+    void aMemberSinceTheLastLoginIsToLogInAgain();
+    void theHolderIsNamedByItsLock();
+    void aHolderWithoutALockIsNamedByItsOpenFiles();
+    void modemManagerIsToBeWaitedFor();
+    void whereNoHolderIsSeenModemManagerMayBeIt();
+
+    void aPortThatMayNotBeOpenedTellsIt();
+    void aHeldPortTellsByWhom();
+    void aPortThatGoesTellsItUntilItIsBack();
+    void connectingAnewForgetsIt();
+};
+
+void tst_PortTrouble::aPortThatIsNotThereIsUnplugged()
+{
+    const PortTrouble trouble = PortTrouble::of(portA);
+    QCOMPARE(trouble.cause, Cause::Unplugged);
+    QVERIFY2(trouble.whatIsWrong().contains(QStringLiteral("/dev/") + portA), qUtf8Printable(trouble.whatIsWrong()));
+    QVERIFY(trouble.whatToDo().startsWith(QStringLiteral("Plug it in")));
+}
+
+void tst_PortTrouble::withoutTheRightTheGroupIsNamed()
+{
+    const group* const dialout = ::getgrnam("dialout");
+    if (::geteuid() != 0 || dialout == nullptr) {
+        QSKIP("only root can make a port that may not be opened");
+    }
+    const ForbiddenPort port(dialout->gr_gid, forGroup);
+    QVERIFY(port.isMade);
+    const OrdinaryUser user;
+    QVERIFY(user.isOrdinary);
+    const PortTrouble trouble = PortTrouble::of(port.portName());
+    QCOMPARE(trouble.cause, Cause::NoRight);
+    QCOMPARE(
+        trouble.whatIsWrong(),
+        QStringLiteral("nobody has no right to open /dev/%1, which is for the group dialout.").arg(port.portName()));
+    QCOMPARE(trouble.whatToDo(), QStringLiteral("Run \"sudo usermod -aG dialout nobody\", then log out and in again."));
+}
+
+void tst_PortTrouble::aDeviceOfItsOwnerAloneHasNoGroupToJoin()
+{
+    if (::geteuid() != 0) {
+        QSKIP("only root can make a port that may not be opened");
+    }
+    const ForbiddenPort port(noGroup, forOwner);
+    QVERIFY(port.isMade);
+    const OrdinaryUser user;
+    QVERIFY(user.isOrdinary);
+    const PortTrouble trouble = PortTrouble::of(port.portName());
+    QCOMPARE(trouble.cause, Cause::NoRight);
+    QVERIFY2(trouble.whatIsWrong().endsWith(QStringLiteral("belongs to root alone.")),
+             qUtf8Printable(trouble.whatIsWrong()));
+    QVERIFY(!trouble.whatToDo().contains(QStringLiteral("usermod")));
+}
+
+void tst_PortTrouble::theGroupOfTheAdministratorIsNoneToJoin()
+{
+    if (::geteuid() != 0) {
+        QSKIP("only root can make a port that may not be opened");
+    }
+    const ForbiddenPort port(0, forGroup);
+    QVERIFY(port.isMade);
+    // The test is in that group still.
+    const gid_t own = ::getegid();
+    QVERIFY(::setegid(noGroup) == 0);
+    PortTrouble trouble;
+    {
+        std::array<gid_t, 64> groups{};
+        const int count = ::getgroups(int(groups.size()), groups.data());
+        QVERIFY(count >= 0 && ::setgroups(0, nullptr) == 0);
+        {
+            const OrdinaryUser user;
+            QVERIFY(user.isOrdinary);
+            trouble = PortTrouble::of(port.portName());
+        }
+        QVERIFY(::setgroups(size_t(count), groups.data()) == 0);
+    }
+    QVERIFY(::setegid(own) == 0);
+    QCOMPARE(trouble.cause, Cause::NoRight);
+    QVERIFY(trouble.group.isEmpty());
+}
+
+void tst_PortTrouble::aMemberSinceTheLastLoginIsToLogInAgain()
+{
+    const passwd* const nobody = ::getpwnam("nobody");
+    if (::geteuid() != 0 || nobody == nullptr) {
+        QSKIP("only root can make a port that may not be opened");
+    }
+    // The user is in this group by the database; the process is in that of root.
+    const ForbiddenPort port(nobody->pw_gid, forGroup);
+    QVERIFY(port.isMade);
+    const OrdinaryUser user;
+    QVERIFY(user.isOrdinary);
+    const PortTrouble trouble = PortTrouble::of(port.portName());
+    QCOMPARE(trouble.cause, Cause::NoRight);
+    QVERIFY(trouble.awaitsLogin);
+    QVERIFY2(trouble.whatToDo().contains(QStringLiteral("next login")), qUtf8Printable(trouble.whatToDo()));
+}
+
+void tst_PortTrouble::theHolderIsNamedByItsLock()
+{
+    const PseudoTerminal line;
+    QSerialPort holder(line.portName());
+    QVERIFY(holder.open(QIODevice::ReadWrite));
+    const PortTrouble trouble = PortTrouble::of(line.portName());
+    QCOMPARE(trouble.cause, Cause::Busy);
+    QCOMPARE(trouble.process, QCoreApplication::applicationPid());
+    QCOMPARE(trouble.holder, QStringLiteral("tst_PortTrouble"));
+    QVERIFY2(trouble.whatIsWrong().endsWith(
+                 QStringLiteral(" is held by tst_PortTrouble (process %1).").arg(QCoreApplication::applicationPid())),
+             qUtf8Printable(trouble.whatIsWrong()));
+    QVERIFY(trouble.whatToDo().contains(QStringLiteral("End tst_PortTrouble")));
+}
+
+void tst_PortTrouble::aHolderWithoutALockIsNamedByItsOpenFiles()
+{
+    const PseudoTerminal line;
+    const OtherProgram other(QStringLiteral("terminal"), line.portName());
+    EVENTUALLY(PortTrouble::of(line.portName()).holder == QStringLiteral("terminal"));
+    const PortTrouble trouble = PortTrouble::of(line.portName());
+    QCOMPARE(trouble.cause, Cause::Busy);
+    QCOMPARE(trouble.process, other.process.processId());
+}
+
+void tst_PortTrouble::modemManagerIsToBeWaitedFor()
+{
+    const PseudoTerminal line;
+    const OtherProgram other(QStringLiteral("ModemManager"), line.portName());
+    EVENTUALLY(PortTrouble::of(line.portName()).holder == QStringLiteral("ModemManager"));
+    QVERIFY(PortTrouble::of(line.portName()).whatToDo().contains(QStringLiteral("wait, then connect again")));
+}
+
+void tst_PortTrouble::whereNoHolderIsSeenModemManagerMayBeIt()
+{
+    const PseudoTerminal line;
+    const OtherProgram other(QStringLiteral("ModemManager"));
+    EVENTUALLY(PortTrouble::of(line.portName()).isModemManagerHere);
+    const PortTrouble trouble = PortTrouble::of(line.portName());
+    QCOMPARE(trouble.cause, Cause::Unclear);
+    QVERIFY2(trouble.whatToDo().startsWith(QStringLiteral("Maybe ModemManager")), qUtf8Printable(trouble.whatToDo()));
+}
+
+void tst_PortTrouble::aPortThatMayNotBeOpenedTellsIt()
+{
+    const group* const dialout = ::getgrnam("dialout");
+    if (::geteuid() != 0 || dialout == nullptr) {
+        QSKIP("only root can make a port that may not be opened");
+    }
+    const ForbiddenPort port(dialout->gr_gid, forGroup);
+    QVERIFY(port.isMade);
+    const OrdinaryUser user;
+    QVERIFY(user.isOrdinary);
+    const DebugLines lines;
+    const LinkRecorder recorder({port.portName()});
+    EVENTUALLY(recorder.state() == StateOpenError);
+    QVERIFY(recorder.info().trouble.has_value());
+    QCOMPARE(recorder.info().trouble->cause, Cause::NoRight);
+    const QStringList told = lines.linesWith(QStringLiteral("sudo usermod -aG dialout nobody"));
+    QCOMPARE(told.size(), 1);
+    QVERIFY2(told.constFirst().contains(port.portName()), qUtf8Printable(told.constFirst()));
+    // It stays in view after the port has been closed for it.
+    EVENTUALLY(!recorder.info().connected);
+    QVERIFY(recorder.info().trouble.has_value());
+}
+
+void tst_PortTrouble::aHeldPortTellsByWhom()
+{
+    const PseudoTerminal line;
+    QSerialPort holder(line.portName());
+    QVERIFY(holder.open(QIODevice::ReadWrite));
+    const LinkRecorder recorder({line.portName()});
+    EVENTUALLY(recorder.state() == StateOpenError);
+    QVERIFY(recorder.info().trouble.has_value());
+    QCOMPARE(recorder.info().trouble->cause, Cause::Busy);
+    QCOMPARE(recorder.info().trouble->holder, QStringLiteral("tst_PortTrouble"));
+}
+
+void tst_PortTrouble::aPortThatGoesTellsItUntilItIsBack()
+{
+    UnitSimulator unit;
+    const LinkRecorder recorder({unit.portName()});
+    EVENTUALLY(recorder.state() == StateCoordinatorConnected);
+    QVERIFY(!recorder.info().trouble.has_value());
+    unit.unplug();
+    // The watch calls it lost, whatever the cause.
+    EVENTUALLY(recorder.info().trouble.has_value());
+    QCOMPARE(recorder.state(), StateCoordinatorLost);
+    QCOMPARE(recorder.info().trouble->cause, Cause::Unplugged);
+    QVERIFY(unit.plugIn());
+    EVENTUALLY(recorder.state() == StateCoordinatorConnected);
+    QVERIFY(!recorder.info().trouble.has_value());
+}
+
+void tst_PortTrouble::connectingAnewForgetsIt()
+{
+    const PseudoTerminal line;
+    QSerialPort holder(line.portName());
+    QVERIFY(holder.open(QIODevice::ReadWrite));
+    const LinkRecorder recorder({line.portName()});
+    EVENTUALLY(recorder.info().trouble.has_value() && !recorder.info().connected);
+    holder.close();
+    recorder.port()->open();
+    EVENTUALLY(recorder.state() == StateSearching);
+    QVERIFY(!recorder.info().trouble.has_value());
+}
+
+QTEST_GUILESS_MAIN(tst_PortTrouble)
+#include "tst_PortTrouble.moc"
