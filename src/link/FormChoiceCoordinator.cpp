@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -86,6 +87,7 @@ void FormChoiceCoordinator::setUpTable()
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     table->verticalHeader()->setDefaultSectionSize(rowHeight);
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
+    table->viewport()->installEventFilter(this);
 }
 
 void FormChoiceCoordinator::connectLink()
@@ -332,6 +334,21 @@ void FormChoiceCoordinator::sl_HideFormWaiting()
 }
 
 // The window.
+
+/// Writes into the empty table what to plug in.
+bool FormChoiceCoordinator::eventFilter(QObject* watched, QEvent* event)
+{
+    QWidget* const viewport = ui->tableWidget->viewport();
+    if (event->type() == QEvent::Paint && watched == viewport && ui->tableWidget->rowCount() == 0) {
+        constexpr int margin = 20;
+        QPainter painter(viewport);
+        painter.setFont(look::applicationFont());
+        painter.setPen(viewport->palette().color(QPalette::Text));
+        painter.drawText(viewport->rect().adjusted(margin, margin, -margin, -margin),
+                         Qt::AlignCenter | Qt::TextWordWrap, texts::portsNone());
+    }
+    return Form::eventFilter(watched, event);
+}
 
 void FormChoiceCoordinator::showEvent(QShowEvent* event)
 {

@@ -127,6 +127,7 @@ signals:
     void sig_sendAnswerFirmWare(const message& answer);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;

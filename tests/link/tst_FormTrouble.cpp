@@ -3,6 +3,7 @@
 #include "support/Eventually.h"
 #include "texts/texts.h"
 
+#include <QImage>
 #include <QSerialPort>
 #include <QtTest>
 
@@ -16,9 +17,24 @@ QTableWidgetItem* stateOf(const FormRecorder& recorder)
     return recorder.table()->item(0, columnState);
 }
 
+/// Pixels of the table's inside, below where a first row stands, that differ from its corner.
+int paintedPixels(const FormRecorder& recorder)
+{
+    constexpr int firstRow = 60;
+    const QImage image = recorder.table()->viewport()->grab().toImage();
+    const QColor ground = image.pixelColor(0, image.height() - 1);
+    int count = 0;
+    for (int y = firstRow; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            count += int(image.pixelColor(x, y) != ground);
+        }
+    }
+    return count;
+}
+
 } // namespace
 
-/// What the coordinator form says of ports that can't be used.
+/// What the coordinator form says of ports that can't be used, and where there is none.
 class tst_FormTrouble : public QObject
 {
     Q_OBJECT
@@ -26,6 +42,7 @@ class tst_FormTrouble : public QObject
 private slots:
     void theStateKeepsItsTextAndTellsTheCauseByItsToolTip();
     void aPortInOrderHasNoToolTip();
+    void theEmptyTableSaysWhatToPlugIn();
 };
 
 void tst_FormTrouble::theStateKeepsItsTextAndTellsTheCauseByItsToolTip()
@@ -47,6 +64,24 @@ void tst_FormTrouble::aPortInOrderHasNoToolTip()
     const FormRecorder recorder({line.portName()});
     EVENTUALLY(stateOf(recorder)->text() == texts::portSearching());
     QVERIFY(stateOf(recorder)->toolTip().isEmpty());
+}
+
+void tst_FormTrouble::theEmptyTableSaysWhatToPlugIn()
+{
+    FormRecorder recorder;
+    recorder.form.show();
+    QCOMPARE(recorder.table()->rowCount(), 0);
+    QVERIFY(paintedPixels(recorder) > 200);
+    // It is painted, and no part of the form.
+    const QList<QWidget*> parts = recorder.form.findChildren<QWidget*>();
+    for (const QWidget* const part : parts) {
+        QVERIFY(part->property("text").toString() != texts::portsNone());
+    }
+    // Nothing of it is left beside a port.
+    recorder.names.append(portA);
+    recorder.form.sl_updatePortList();
+    QCOMPARE(recorder.table()->rowCount(), 1);
+    QCOMPARE(paintedPixels(recorder), 0);
 }
 
 QTEST_MAIN(tst_FormTrouble)
