@@ -3,22 +3,31 @@
 #include "ChainWatch.h"
 #include "link/FormChoiceCoordinator.h"
 #include "link/FormWaiting.h"
+#include "texts/texts.h"
 #include "ui/tree/FormAddingTerminal.h"
 #include "ui/window/MainWindow.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDockWidget>
 #include <QHelpEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
 #include <QTabWidget>
+#include <QTableView>
 #include <QToolTip>
 #include <QTreeWidget>
+
+#include <algorithm>
 
 namespace
 {
 constexpr int busyInterval = 60;  // often enough to meet each text of the busy form with its bar on the way
 constexpr int stepInterval = 400; // for a window to be shown and painted
+constexpr int longestWait = 150;  // intervals that a step may take to get ready
 
 /// A script of the installation with filters and dates, for a summary that has something to say.
 constexpr int summarizedScript = 11;
@@ -56,9 +65,11 @@ void Pictures::addSteps()
         coordinators->hide();
     });
     addTabSteps();
+    addLogSteps();
     addFormSteps();
     steps.emplace_back([this] { showSummary(); });
     steps.emplace_back([this] { saveSummary(); });
+    addFirmwareSteps();
 }
 
 /// The tab of the log asks the unit whether it has changed, which the busy form accompanies.
@@ -70,6 +81,61 @@ void Pictures::addTabSteps()
         steps.emplace_back([this, tabs] { save(&window, fileName(tabs->currentWidget()->objectName())); });
     }
     steps.emplace_back([tabs] { tabs->setCurrentIndex(0); });
+}
+
+/// The bar that finds, what it has found, and an event opened.
+void Pictures::addLogSteps()
+{
+    const auto trigger = [this](const char* action) { window.findChild<QAction*>(QLatin1String(action))->trigger(); };
+    const auto openedEvent = [this] { return window.findChild<QDialog*>(QStringLiteral("eventView")); };
+    auto* const tabs = window.findChild<QTabWidget*>(QStringLiteral("tabWidget"));
+    auto* const countRows = window.findChild<QLabel*>(QStringLiteral("labelCountRows"));
+    auto* const log = window.findChild<QTableView*>(QStringLiteral("tableViewLogEvents"));
+    steps.emplace_back([tabs] { tabs->setCurrentIndex(1); });
+    steps.emplace_back([countRows] { return !countRows->text().isEmpty(); }, [trigger] { trigger("actionFind"); });
+    steps.emplace_back([this] {
+        save(&window, QStringLiteral("log-find-bar"));
+        window.findChild<QLineEdit*>(QStringLiteral("lineEditFind"))->setText(texts::channelLongAlarm());
+    });
+    const QString foundSome = texts::findCount().section(QStringLiteral("%1"), 1).section(QStringLiteral("%2"), 0, 0);
+    steps.emplace_back([countRows, foundSome] { return countRows->text().contains(foundSome); },
+                       [this, log] {
+                           save(&window, QStringLiteral("log-found"));
+                           log->selectRow(0);
+                       });
+    steps.emplace_back([trigger] { trigger("actionOpenRow"); });
+    steps.emplace_back([openedEvent] { return openedEvent() != nullptr; },
+                       [this, trigger, tabs, openedEvent] {
+                           save(openedEvent(), QStringLiteral("log-event"));
+                           openedEvent()->close();
+                           trigger("actionEndFind");
+                           tabs->setCurrentIndex(0);
+                       });
+}
+
+/// A load of firmware on its way, and aborted. It comes last: the unit stays in its bootloader.
+void Pictures::addFirmwareSteps()
+{
+    const auto dialog = []() -> QWidget* {
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        const auto found = std::find_if(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+            return widget->isVisible() && widget->inherits("Loading");
+        });
+        return found != widgets.end() ? *found : nullptr;
+    };
+    const auto button = [dialog](const char* name) {
+        return dialog() != nullptr ? dialog()->findChild<QPushButton*>(QLatin1String(name)) : nullptr;
+    };
+    const auto picture = [this, dialog, button](const QString& name) {
+        save(dialog(), name);
+        button("ButtonAbort")->click(); // aborts, and closes once aborted
+    };
+    // From the event loop: the dialog has one of its own, in which the further steps are done.
+    QAction* const load = window.findChild<QAction*>(QStringLiteral("actionFirmware"));
+    steps.emplace_back([load] { QTimer::singleShot(0, load, &QAction::trigger); });
+    steps.emplace_back([dialog] { return dialog() != nullptr; }, [picture] { picture(QStringLiteral("firmware")); });
+    steps.emplace_back([button] { return button("ButtonRepeat") != nullptr && button("ButtonRepeat")->isVisible(); },
+                       [picture] { picture(QStringLiteral("firmware-aborted")); });
 }
 
 void Pictures::addFormSteps()
@@ -106,8 +172,17 @@ void Pictures::nextStep()
         return;
     }
     if (done < steps.size()) {
-        steps.at(done++)();
-        return;
+        const Step& step = steps.at(done);
+        if (step.isReady && !step.isReady() && ++waits < longestWait) {
+            return;
+        }
+        if (waits < longestWait) {
+            ++done;
+            waits = 0;
+            step.act();
+            return;
+        }
+        fault = QStringLiteral("step %1 waits for something that doesn't come").arg(done);
     }
     timer.stop();
     emit taken(fault);

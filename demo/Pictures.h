@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <utility>
 #include <vector>
 
 class ChainWatch;
@@ -14,8 +15,9 @@ class QWidget;
 
 /// Saves pictures of the program into a directory, numbered in the order in which they were taken: the busy form as
 /// often as its text changes while the automatic chain runs, and then, one after the other, the coordinator form, the
-/// window with each of its tabs, its docks, the executive terminals of the tree, the add-terminal form and the summary
-/// of a script. Lives on the GUI thread and goes before the window.
+/// window with each of its tabs, finding in the log, the docks, the executive terminals of the tree, the add-terminal
+/// form, the summary of a script and the loading of firmware, for which the window's dialogs have to name a file. Lives
+/// on the GUI thread and goes before the window.
 class Pictures : public QObject
 {
     Q_OBJECT
@@ -31,11 +33,25 @@ signals:
 
 private:
     /// One thing to do, with time for the window to show it before the next.
-    using Step = std::function<void()>;
+    struct Step
+    {
+        explicit Step(std::function<void()> what) : act(std::move(what))
+        {
+        }
+        Step(std::function<bool()> condition, std::function<void()> what)
+            : isReady(std::move(condition)), act(std::move(what))
+        {
+        }
+
+        std::function<bool()> isReady; ///< what it waits for, if anything
+        std::function<void()> act;
+    };
 
     void addSteps();
     void addTabSteps();
+    void addLogSteps();
     void addFormSteps();
+    void addFirmwareSteps();
     void addTreeSteps();
     void nextStep();
     void lookAtBusyForm();
@@ -50,6 +66,7 @@ private:
     QString busyText; // of the busy form's last picture
     std::vector<Step> steps;
     size_t done = 0;
+    int waits = 0; // for the next step so far
     int count = 0;
     QString fault;
 };

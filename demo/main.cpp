@@ -5,10 +5,12 @@
 #include "simulator/UnitClock.h"
 #include "simulator/UnitSimulator.h"
 #include "ui/window/MainWindow.h"
+#include "widgets/Dialogs.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -24,6 +26,19 @@ const char* const explanation = R"(The Configuration Manager HUBN-NX-Q over a si
 
 The window is the program's own; its list of ports holds the simulated unit alone. Each line that the window reports is
 printed. Files are read and written in the current directory; with --screenshots in a temporary one.)";
+
+/// Who has pictures taken is asked nothing: the firmware is that of the scratch directory.
+class PictureDialogs : public Dialogs
+{
+public:
+    QString openFileName(QWidget* /*parent*/, const QString& /*caption*/, const QString& /*filter*/) override
+    {
+        constexpr int size = 32 * 1024; // of which a good part is left when the picture is taken
+        QFile file(QStringLiteral("firmware.crypt"));
+        const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(QByteArray(size, '\x5A')) == size;
+        return isWritten ? file.fileName() : QString();
+    }
+};
 
 int complain(const QString& text)
 {
@@ -113,6 +128,8 @@ int run(int argc, char* argv[])
 
     WindowSeams seams;
     seams.portNames = [name = unit.portName()] { return QStringList{name}; };
+    PictureDialogs pictureDialogs;
+    seams.dialogs = parser.isSet(screenshots) ? &pictureDialogs : nullptr;
     MainWindow window(seams);
     ChainWatch watch(window);
     if (parser.isSet(screenshots)) {

@@ -68,7 +68,8 @@ void tst_Demo::picturesShowEverything()
     }
     for (const char* const name :
          {"busy.png", "coordinators.png", "tabSettingRelay.png", "tabLogEvents.png", "tabLogger.png", "dockTree.png",
-          "dockScript.png", "terminals.png", "adding-terminal.png", "summary.png"}) {
+          "dockScript.png", "terminals.png", "adding-terminal.png", "summary.png", "log-find-bar.png", "log-found.png",
+          "log-event.png", "firmware.png", "firmware-aborted.png"}) {
         QVERIFY2(names.contains(QLatin1String(name)), name);
     }
 }
