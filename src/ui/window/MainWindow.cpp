@@ -13,14 +13,18 @@
 #include "ui/tree/Tree_Relay_Widget.h"
 #include "ui/window/ConfigurationFiles.h"
 #include "ui/window/FirmwareLoading.h"
+#include "ui/window/Manual.h"
 #include "ui/window/StatusBar.h"
 #include "ui/window/resultLine.h"
 #include "ui_MainWindow.h"
 #include "widgets/DockTitle.h"
 #include "widgets/Look.h"
 
+#include <QCoreApplication>
+#include <QDesktopServices>
 #include <QDockWidget>
 #include <QSignalBlocker>
+#include <QUrl>
 
 MainWindow::~MainWindow() = default;
 
@@ -310,6 +314,18 @@ void MainWindow::sl_SettingOtherModel(ErrorDataBase err, SqlModel* model, const 
 void MainWindow::sl_RestoreLogEvent()
 {
     logTab->sl_RestoreLogEvent();
+}
+
+void MainWindow::openManual()
+{
+    const QStringList places =
+        seams.manuals.isEmpty() ? manual::places(QCoreApplication::applicationDirPath()) : seams.manuals;
+    const QString file = manual::firstOf(places);
+    if (file.isEmpty()) {
+        dialogs.critical(this, texts::manualTitle(), texts::manualMissing().arg(places.join(QLatin1Char('\n'))));
+    } else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file))) {
+        dialogs.critical(this, texts::manualTitle(), texts::manualNotOpened().arg(file));
+    }
 }
 
 void MainWindow::sl_LoadFirmWare()

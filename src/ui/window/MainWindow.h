@@ -44,6 +44,7 @@ struct WindowSeams
     std::function<QStringList()> portNames; ///< names of the serial ports
     std::function<QDateTime()> now;         ///< local date and time
     Dialogs* dialogs = nullptr;             ///< file and message dialogs; outlives the window
+    QStringList manuals;                    ///< where the manual may be, the better place first
 };
 
 /// The program's one window and its hub: it creates the model, the forms and the editors, and joins them.
@@ -155,11 +156,13 @@ private:
     void connectCoordinatorData();
     void connectFiles();
     void connectFirmware();
+    void offerManual();
 
     void readConfiguration();
     void writeConfiguration();
     void readLog();
     void writeTimeIfAsked();
+    void openManual();
     void showReplacedModel();
     void showNewScripts();
     void showComment(const QString& comment);

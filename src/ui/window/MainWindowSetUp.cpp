@@ -79,6 +79,7 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
     connectCoordinatorData();
     connectFiles();
     connectFirmware();
+    offerManual();
     showReplacedModel();
     formChoiceCoordinator->show();
 }
@@ -246,6 +247,18 @@ void MainWindow::connectFirmware()
     connect(firmwareLoading, &FirmwareLoading::result, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
     formChoiceCoordinator->coordinatorLink().setFirmwareRunner(
         [this](const FirmwarePort& port) { firmwareLoading->loadOnPort(port); });
+}
+
+/// F1 alone, since the menus hold what works on the unit. The coordinator form, which comes first and stands in front
+/// of the window, has it too.
+void MainWindow::offerManual()
+{
+    auto* const action = new QAction(texts::manualTitle(), this);
+    action->setObjectName(QStringLiteral("actionManual"));
+    action->setShortcut(Qt::Key_F1);
+    connect(action, &QAction::triggered, this, &MainWindow::openManual);
+    addAction(action);
+    formChoiceCoordinator->addAction(action);
 }
 
 void MainWindow::setTexts()

@@ -17,13 +17,14 @@ protected:
     std::unique_ptr<ScriptedDialogs> dialogs;
     std::unique_ptr<MainWindow> window;
 
-    /// Shows a new window.
-    void begin()
+    /// Shows a new window. manuals: where it looks for the manual.
+    void begin(const QStringList& manuals = {})
     {
         dialogs = std::make_unique<ScriptedDialogs>();
         WindowSeams seams;
         seams.portNames = [] { return QStringList(); };
         seams.dialogs = dialogs.get();
+        seams.manuals = manuals;
         window = std::make_unique<MainWindow>(seams);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
