@@ -1,7 +1,7 @@
 #include "benchmarks/FirstPaint.h"
 #include "benchmarks/PeakMemory.h"
+#include "widgets/scaledApplication.h"
 
-#include <QApplication>
 #include <QMainWindow>
 #include <QStyleFactory>
 
@@ -10,7 +10,7 @@
 /// An empty window of the program's style: the reference for the time to the first paint and for memory.
 int main(int argc, char* argv[])
 {
-    QApplication application(argc, argv);
+    const auto application = scaledApplication(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QMainWindow window;
     const FirstPaint firstPaint(&window);

@@ -6,8 +6,8 @@
 #include "benchmarks/Units.h"
 #include "simulator/UnitSimulator.h"
 #include "ui/window/MainWindow.h"
+#include "widgets/scaledApplication.h"
 
-#include <QApplication>
 #include <QLabel>
 #include <QTabWidget>
 #include <QTableView>
@@ -18,7 +18,7 @@
 
 int main(int argc, char* argv[])
 {
-    QApplication application(argc, argv);
+    const auto application = scaledApplication(argc, argv);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     UnitSimulator unit(units::installation(32767));
     MainWindow window({[&] { return QStringList{unit.portName()}; }, {}, nullptr});

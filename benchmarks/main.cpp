@@ -1,7 +1,7 @@
 #include "benchmarks/Figures.h"
 #include "widgets/Look.h"
+#include "widgets/scaledApplication.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -37,7 +37,7 @@ void print(const Figure& figure)
 /// missed. The debug stream is silent, as it is for an engineer who starts the program from the desktop.
 int main(int argc, char* argv[])
 {
-    QApplication application(argc, argv);
+    const auto application = scaledApplication(argc, argv);
     // As the main window sets them: the forms are measured in the program's look.
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(look::applicationFont());

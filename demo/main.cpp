@@ -6,8 +6,8 @@
 #include "simulator/UnitSimulator.h"
 #include "ui/window/MainWindow.h"
 #include "widgets/Dialogs.h"
+#include "widgets/scaledApplication.h"
 
-#include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
@@ -82,8 +82,7 @@ int runForPictures(MainWindow& window, ChainWatch& watch, const QDir& target)
 
 int run(int argc, char* argv[])
 {
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    const QApplication application(argc, argv);
+    const auto application = scaledApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("hubn-manager-demo"));
     QCoreApplication::setApplicationVersion(QStringLiteral("2.1"));
 
@@ -104,7 +103,7 @@ int run(int argc, char* argv[])
     const QCommandLineOption debug(
         QStringLiteral("debug"), QStringLiteral("Print the program's diagnostic lines too, every packet among them."));
     parser.addOptions({screenshots, faultOption, debug});
-    parser.process(application);
+    parser.process(*application);
     if (!parser.isSet(debug)) {
         QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     }

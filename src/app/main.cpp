@@ -1,14 +1,12 @@
 #include "link/endProcess.h"
 #include "ui/window/MainWindow.h"
-
-#include <QApplication>
+#include "widgets/scaledApplication.h"
 
 int main(int argc, char* argv[])
 {
     int exitCode = 0;
     {
-        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-        const QApplication application(argc, argv);
+        const auto application = scaledApplication(argc, argv);
         MainWindow window;
         window.showMaximized();
         exitCode = QApplication::exec();
