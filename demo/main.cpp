@@ -6,6 +6,7 @@
 #include "simulator/UnitSimulator.h"
 #include "ui/window/MainWindow.h"
 #include "widgets/Dialogs.h"
+#include "widgets/ScreenRoom.h"
 #include "widgets/scaledApplication.h"
 
 #include <QCommandLineParser>
@@ -74,7 +75,7 @@ int runForPictures(MainWindow& window, ChainWatch& watch, const QDir& target)
         fault = fault.isEmpty() ? pictureFault : fault;
         QCoreApplication::quit();
     });
-    window.resize(pictureSize);
+    window.resize(pictureSize.boundedTo(screenRoom::forContents(&window).size()));
     window.show();
     QApplication::exec();
     return fault.isEmpty() ? 0 : complain(fault);

@@ -3,6 +3,7 @@
 #include "texts/texts.h"
 #include "ui_Loading.h"
 #include "widgets/Look.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QColor>
 #include <QKeyEvent>
@@ -41,6 +42,7 @@ Loading::Loading(QWidget* parent)
       ui(std::make_unique<Ui::Loading>()), load(new FirmwareLoad(this))
 {
     ui->setupUi(this);
+    screenRoom::keep(this);
     setWindowTitle(texts::firmwareTitle());
     setAttribute(Qt::WA_DeleteOnClose);
     ui->labelFileName->setElideMode(Qt::ElideMiddle);

@@ -5,6 +5,7 @@
 #include "texts/texts.h"
 #include "ui_FormChoiceCoordinator.h"
 #include "widgets/Look.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -14,7 +15,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
-#include <QStyle>
 #include <QWindow>
 
 #include <algorithm>
@@ -56,8 +56,7 @@ FormChoiceCoordinator::FormChoiceCoordinator(CoordinatorSeams seams, Transmitter
     setWindowModality(Qt::ApplicationModal);
     // The main window's closing ends the application also while this form is open, and this one's never does.
     setAttribute(Qt::WA_QuitOnClose, false);
-    setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(),
-                                    QGuiApplication::primaryScreen()->availableGeometry()));
+    screenRoom::centre(this, size(), QGuiApplication::primaryScreen()->availableGeometry());
     ui->buttonChoicePort->setText(texts::buttonSelect());
     setUpTable();
     connectLink();
@@ -162,14 +161,17 @@ void FormChoiceCoordinator::addRow(Port* port)
     table->setCellWidget(index, ColumnControls, frame);
 }
 
-/// Makes the table as wide as its columns, so that no empty strip stands beside them.
+/// Makes the table as wide as its columns, so that no empty strip stands beside them; where the form is narrower than
+/// that, the table scrolls.
 void FormChoiceCoordinator::fitTable()
 {
     QTableWidget* const table = ui->tableWidget;
     const int frame = 2 * table->frameWidth();
     const bool overflows = table->verticalHeader()->length() > table->height() - frame - headerHeight;
     const int scrollBar = overflows ? table->verticalScrollBar()->sizeHint().width() : 0;
-    table->setFixedWidth(table->horizontalHeader()->length() + frame + scrollBar);
+    const QMargins margins = layout()->contentsMargins();
+    const int room = width() - margins.left() - margins.right();
+    table->setFixedWidth(qMin(table->horizontalHeader()->length() + frame + scrollBar, room));
 }
 
 template <typename Field>

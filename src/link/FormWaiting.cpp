@@ -3,12 +3,12 @@
 #include "texts/texts.h"
 #include "ui_FormWaiting.h"
 #include "widgets/Look.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QProgressBar>
 #include <QScreen>
-#include <QStyle>
 #include <QTimer>
 
 #include <chrono>
@@ -84,7 +84,7 @@ void FormWaiting::showEvent(QShowEvent* event)
     if (!event->spontaneous()) {
         const QScreen* const place =
             parentWidget() != nullptr ? parentWidget()->window()->screen() : QGuiApplication::primaryScreen();
-        setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(), place->availableGeometry()));
+        screenRoom::centre(this, size(), place->availableGeometry());
     }
     Form::showEvent(event);
 }

@@ -1,15 +1,31 @@
 #include "widgets/Dialogs.h"
 
+#include "widgets/ScreenRoom.h"
+
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 
+namespace
+{
+
+/// The name that the user chooses in a dialog; empty if there is none.
+QString chosenFile(QFileDialog& dialog)
+{
+    screenRoom::keep(&dialog);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+} // namespace
+
 Dialogs::~Dialogs() = default;
 
 QString Dialogs::openFileName(QWidget* parent, const QString& caption, const QString& filter)
 {
-    return QFileDialog::getOpenFileName(parent, caption, QDir::currentPath(), filter);
+    QFileDialog dialog(parent, caption, QDir::currentPath(), filter);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    return chosenFile(dialog);
 }
 
 QString Dialogs::saveFileName(QWidget* parent, const QString& caption, const QString& filter)
@@ -18,7 +34,7 @@ QString Dialogs::saveFileName(QWidget* parent, const QString& caption, const QSt
     QFileDialog dialog(parent, caption, QDir::currentPath(), filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(QFileInfo(filter).suffix());
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    return chosenFile(dialog);
 }
 
 void Dialogs::critical(QWidget* parent, const QString& title, const QString& text)

@@ -1,7 +1,10 @@
 #include "widgets/Form.h"
 
+#include "widgets/ScreenRoom.h"
+
 Form::Form(QWidget* parent, Qt::WindowFlags flags) : QWidget(parent, flags)
 {
+    screenRoom::keep(this);
 }
 
 void Form::setVisible(bool visible)

@@ -2,6 +2,7 @@
 
 #include "eventlog/EventFields.h"
 #include "texts/texts.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -70,6 +71,7 @@ EventView::EventView(const QAbstractItemModel& log, int row, QWidget* parent) : 
     setObjectName(QStringLiteral("eventView"));
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    screenRoom::keep(this);
     const QList<EventField> fields = fieldsOfEvent(log, row);
     setWindowTitle(texts::eventTitle().arg(fields.first().value));
 

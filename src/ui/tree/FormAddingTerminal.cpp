@@ -4,6 +4,7 @@
 #include "texts/texts.h"
 #include "ui_FormAddingTerminal.h"
 #include "widgets/Look.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -14,7 +15,6 @@
 #include <QScreen>
 #include <QShowEvent>
 #include <QSpinBox>
-#include <QStyle>
 
 #include <algorithm>
 #include <utility>
@@ -105,7 +105,7 @@ void FormAddingTerminal::placeOverWindow()
     }
     const QWidget* window = parentWidget()->window();
     const QRect room = window->frameGeometry() & window->screen()->availableGeometry();
-    setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(), room));
+    screenRoom::centre(this, size(), room);
 }
 
 void FormAddingTerminal::keyPressEvent(QKeyEvent* event)

@@ -148,6 +148,8 @@ private:
     void offerTerminalTypes();
     void setUpScriptLists();
     void setUpDocks();
+    void fitToScreen();
+    void giveDocksWidths();
     void setUpLog();
     void setTexts();
     void connectActions();

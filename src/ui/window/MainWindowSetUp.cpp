@@ -17,12 +17,12 @@
 #include "ui/window/StatusBar.h"
 #include "ui_MainWindow.h"
 #include "widgets/Look.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDockWidget>
 #include <QScreen>
-#include <QStyle>
 #include <QStyleFactory>
 
 namespace
@@ -32,7 +32,9 @@ constexpr QSize normalSize(1023, 806);
 constexpr int hiddenTab = 1;
 constexpr int treeWidth = 266;
 constexpr int editorWidth = 415;
-constexpr int widthForDocks = 1000; ///< of a window in which both docks and the tabs have their room
+constexpr int usableEditorWidth = 240; ///< at least, where the screen has room
+constexpr int leastEditorWidth = 130;  ///< where it hasn't
+constexpr int widthForDocks = 1000;    ///< of a window in which both docks and the tabs have their room
 
 QString versionSuffix()
 {
@@ -88,8 +90,8 @@ void MainWindow::setUpWindow()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(look::applicationFont());
-    setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, normalSize,
-                                    QGuiApplication::primaryScreen()->availableGeometry()));
+    screenRoom::keep(this);
+    screenRoom::centre(this, normalSize, QGuiApplication::primaryScreen()->availableGeometry());
     offerTerminalTypes();
     packetLogger = std::make_unique<PacketLogger>(ui->tableLogger, ui->pushButtonStopLog, ui->pushButtonClearLog,
                                                   ui->checkBoxPeriodicRequest);
@@ -101,6 +103,7 @@ void MainWindow::setUpWindow()
     ui->tabWidget->setCurrentIndex(0);
     setUpDocks();
     statusSections->install(ui->statusbar);
+    fitToScreen(); // before a showing has the layout ask for more
     setUpLog();
 }
 
@@ -148,12 +151,33 @@ void MainWindow::setUpDocks()
 void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
-    // Widths that are asked for before the window is laid out are lost, and in a narrow window they are cut. Once they
-    // were given, what the user makes of them counts.
-    if (!docksHaveWidths && width() >= widthForDocks) {
-        docksHaveWidths = true;
-        resizeDocks({dockTree, dockScript}, {treeWidth, editorWidth}, Qt::Horizontal);
+    fitToScreen();
+    giveDocksWidths();
+}
+
+/// What can give way to the rest on a small screen.
+void MainWindow::fitToScreen()
+{
+    constexpr int separators = 20;
+    const int room = screenRoom::forContents(this).width();
+    const int others = treeRelay->minimumSizeHint().width() + centralWidget()->minimumSizeHint().width() + separators;
+    settingScript->setMinimumWidth(qBound(leastEditorWidth, room - others, usableEditorWidth));
+    statusSections->setRoom(room);
+}
+
+/// Widths that are asked for before the window is laid out are lost, and in a narrow window they are cut. Once they
+/// were given, what the user makes of them counts.
+void MainWindow::giveDocksWidths()
+{
+    const int room = screenRoom::forContents(this).width();
+    if (docksHaveWidths || width() < qMin(widthForDocks, room)) {
+        return;
     }
+    docksHaveWidths = true;
+    // On a screen that hasn't room for all, the tabs come first.
+    const int forDocks = qMax(0, width() - widthForDocks + treeWidth + editorWidth);
+    const int tree = forDocks < treeWidth + editorWidth ? treeRelay->minimumSizeHint().width() : treeWidth;
+    resizeDocks({dockTree, dockScript}, {tree, qMin(forDocks - tree, editorWidth)}, Qt::Horizontal);
 }
 
 void MainWindow::setUpLog()

@@ -17,6 +17,11 @@ namespace
 {
 
 constexpr int lampSize = 24; ///< on the screen; leaves room for names of ports such as "ttyUSB10"
+constexpr int portWidth = 90;
+constexpr int coordinatorWidth = 250;
+constexpr int resultWidth = 500;      ///< at least, where the screen has room
+constexpr int leastResultWidth = 100; ///< where it hasn't
+constexpr int betweenSections = 30;   ///< of all gaps together, with something to spare
 
 template <typename Label = QLabel>
 Label* newLabel(const QString& objectName, const QString& text = {})
@@ -71,7 +76,7 @@ StatusBar::StatusBar()
       labelCoordinator(newLabel(QStringLiteral("labelCoordinator"), bold(texts::statusNotConnected()))),
       labelSerial(newLabel(QStringLiteral("labelSerial"), texts::noValue())),
       labelVersion(newLabel(QStringLiteral("labelVersion"), texts::noValue())),
-      labelResult(newLabel(QStringLiteral("labelResult"))),
+      labelResult(newLabel<ElidedLabel>(QStringLiteral("labelResult"))),
       labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue()))
 {
     labelIconPort->setPixmap(QPixmap(lampIcon(LampNotConnected)));
@@ -82,8 +87,26 @@ void StatusBar::install(QStatusBar* bar)
     bar->setSizeGripEnabled(false);
     bar->addWidget(portSection());
     bar->addWidget(coordinatorSection());
-    bar->addWidget(timeSection());
-    bar->addWidget(resultSection(), 1);
+    sectionTime = timeSection();
+    bar->addWidget(sectionTime);
+    sectionResult = resultSection();
+    bar->addWidget(sectionResult, 1);
+}
+
+void StatusBar::setRoom(int width)
+{
+    room = width;
+    fitResult();
+}
+
+/// The time says more when there is one, and its section grows.
+void StatusBar::fitResult()
+{
+    if (sectionResult == nullptr) {
+        return; // not in its bar yet
+    }
+    const int rest = room - portWidth - coordinatorWidth - sectionTime->sizeHint().width() - betweenSections;
+    sectionResult->setMinimumWidth(qBound(leastResultWidth, rest, resultWidth));
 }
 
 QFrame* StatusBar::portSection() const
@@ -98,7 +121,7 @@ QFrame* StatusBar::portSection() const
     labelPortName->setElideMode(Qt::ElideMiddle);
 
     QFrame* section = newSection(QStringLiteral("sectionPort"));
-    section->setFixedWidth(90);
+    section->setFixedWidth(portWidth);
     auto* layout = newLayout<QGridLayout>(section);
     layout->setContentsMargins(1, 2, 1, 2);
     layout->setSpacing(2);
@@ -118,7 +141,7 @@ QFrame* StatusBar::coordinatorSection() const
     labelCoordinator->setStyleSheet(QStringLiteral("QLabel { border-right: 1px solid black; }"));
 
     QFrame* section = newSection(QStringLiteral("sectionCoordinator"));
-    section->setFixedWidth(250);
+    section->setFixedWidth(coordinatorWidth);
     auto* layout = newLayout<QGridLayout>(section);
     layout->addWidget(labelCoordinator, 0, 0, 2, 1);
     layout->addWidget(new QLabel(texts::statusVersion()), 0, 1);
@@ -143,9 +166,10 @@ QFrame* StatusBar::resultSection() const
     labelResult->setWordWrap(true);
     // Results name files, and a file's name is no markup.
     labelResult->setTextFormat(Qt::PlainText);
+    labelResult->setElideMode(Qt::ElideMiddle);
 
     QFrame* section = newSection(QStringLiteral("sectionResult"));
-    section->setMinimumWidth(500);
+    section->setMinimumWidth(resultWidth);
     newLayout<QVBoxLayout>(section)->addWidget(labelResult);
     return section;
 }
@@ -169,11 +193,24 @@ void StatusBar::showPort(uchar lamp, const QString& portName, const QString& bau
 void StatusBar::showDeviceTime(const QString& time)
 {
     labelDeviceTime->setText(time);
+    fitResult();
 }
 
 void StatusBar::showResult(const QString& result)
 {
     labelResult->setText(result);
+    fitLines();
+}
+
+/// A result of many words gets more lines than the other sections have, where the screen has room for it.
+void StatusBar::fitLines()
+{
+    constexpr int mostLines = 4;
+    const QFontMetrics metrics = labelResult->fontMetrics();
+    const int width = qMax(labelResult->width(), leastResultWidth);
+    const int whole = metrics.boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap, result()).height();
+    const bool hasRoom = sectionResult != nullptr && sectionResult->minimumWidth() == resultWidth;
+    labelResult->setMinimumHeight(hasRoom ? qMin(whole, mostLines * metrics.lineSpacing()) : 0);
 }
 
 QString StatusBar::result() const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QWidget>
 
 class ElidedLabel;
 class QFrame;
@@ -30,6 +30,9 @@ public:
 
     void install(QStatusBar* bar);
 
+    /// The width that there is for a window. Where it is too small for all sections, the result gives way.
+    void setRoom(int width);
+
     /// The address may be noCoordinator.
     void showPort(uchar lamp, const QString& portName, const QString& baudrate, uchar address, const QString& serial,
                   const QString& version);
@@ -43,6 +46,8 @@ private:
     QFrame* coordinatorSection() const;
     QFrame* timeSection() const;
     QFrame* resultSection() const;
+    void fitResult();
+    void fitLines();
 
     QLabel* labelIconPort;
     QLabel* labelBaudrate;
@@ -50,6 +55,9 @@ private:
     QLabel* labelCoordinator;
     QLabel* labelSerial;
     QLabel* labelVersion;
-    QLabel* labelResult;
+    ElidedLabel* labelResult;
     QLabel* labelDeviceTime;
+    QFrame* sectionTime = nullptr;
+    QFrame* sectionResult = nullptr;
+    int room = QWIDGETSIZE_MAX;
 };

@@ -45,6 +45,8 @@ private slots:
     void coordinatorIsShownByItsAddress();
     void timeAndResultAreShownAsTheyAre();
     void aLongResultWraps();
+    void nameWithoutAPlaceToBreakIsElidedInTheMiddle();
+    void resultGivesWayWhereTheScreenHasNoRoom();
 
 private:
     QLabel* label(const char* name) const
@@ -251,6 +253,39 @@ void tst_StatusBar::aLongResultWraps()
     status->showResult(QStringLiteral("many words ").repeated(60));
     QTest::qWait(0);
     QCOMPARE(window->width(), width);
+    const QLabel* const shown = label("labelResult");
+    QTRY_VERIFY(shown->height() >= 4 * shown->fontMetrics().lineSpacing());
+    status->showResult(QStringLiteral("few words"));
+    QTRY_VERIFY(shown->height() < 4 * shown->fontMetrics().lineSpacing());
+}
+
+void tst_StatusBar::nameWithoutAPlaceToBreakIsElidedInTheMiddle()
+{
+    const int width = window->minimumSizeHint().width();
+    const QString name = QStringLiteral("/a/path/without/any/place/to/break/it").repeated(20);
+    status->showResult(name);
+    QCoreApplication::processEvents();
+    QCOMPARE(window->minimumSizeHint().width(), width);
+    QLabel* const shown = label("labelResult");
+    QHelpEvent hover(QEvent::ToolTip, QPoint(2, 2), shown->mapToGlobal(QPoint(2, 2)));
+    QApplication::sendEvent(shown, &hover);
+    QVERIFY(QToolTip::text().remove(QChar(0x200B)).contains(name));
+    QToolTip::hideText();
+}
+
+void tst_StatusBar::resultGivesWayWhereTheScreenHasNoRoom()
+{
+    QFrame* const result = section("sectionResult");
+    status->setRoom(640);
+    status->showDeviceTime(QStringLiteral("12:00:00 01.02.2026, WED"));
+    QCoreApplication::processEvents();
+    QVERIFY(result->minimumWidth() >= 80);
+    QVERIFY(window->minimumSizeHint().width() <= 640);
+    status->setRoom(900);
+    const int some = result->minimumWidth();
+    QVERIFY(some > 100 && some < 500);
+    status->setRoom(1366);
+    QCOMPARE(result->minimumWidth(), 500);
 }
 
 QTEST_MAIN(tst_StatusBar)

@@ -1,0 +1,189 @@
+#include "widgets/ScreenRoom.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QLayout>
+#include <QScreen>
+#include <QStyle>
+#include <QWidget>
+#include <QWindow>
+
+#include <optional>
+
+namespace
+{
+
+constexpr QMargins thickFrame(6, 36, 6, 6);
+
+QMargins frameOf(const QWidget* window)
+{
+    const QRect inner = window->geometry();
+    const QRect outer = window->frameGeometry();
+    if (inner == outer) {
+        return thickFrame;
+    }
+    return {inner.left() - outer.left(), inner.top() - outer.top(), outer.right() - inner.right(),
+            outer.bottom() - inner.bottom()};
+}
+
+/// Of the size, moved and cut as little as it takes to lie in the room.
+QRect within(QRect rect, const QRect& room)
+{
+    rect.setSize(rect.size().boundedTo(room.size()));
+    rect.moveRight(qMin(rect.right(), room.right()));
+    rect.moveBottom(qMin(rect.bottom(), room.bottom()));
+    rect.moveLeft(qMax(rect.left(), room.left()));
+    rect.moveTop(qMax(rect.top(), room.top()));
+    return rect;
+}
+
+/// Whether a window has a place of its own on the screen.
+bool isNormal(const QWidget* window)
+{
+    return (window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized)) == 0;
+}
+
+class Keeper : public QObject
+{
+public:
+    explicit Keeper(QWidget* keptWindow) : QObject(keptWindow), window(keptWindow)
+    {
+        window->installEventFilter(this);
+        // Until the window is shown, its layout may ask for more than it will want in the end, and have it grow.
+        if (window->minimumSize() != window->maximumSize()) {
+            window->setMinimumSize(1, 1);
+        }
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void begin();
+    void settle();
+    void leaveLeastSizeToLayout();
+    void fit();
+
+    QWidget* window;
+    std::optional<QSize> fixedSize; ///< that was set for the window
+    bool isBegun = false;
+    bool isSqueezed = false; ///< its layout has less room than it wants
+    int settlings = 0;       ///< how often its manager may still be about to place it
+    QSize sizeBefore;        ///< in the state that it leaves, which it may keep for a moment
+    QMetaObject::Connection roomChanged;
+};
+
+bool Keeper::eventFilter(QObject* watched, QEvent* event)
+{
+    constexpr int mostSettlings = 8;
+    switch (event->type()) {
+    case QEvent::Show:
+        if (!event->spontaneous() && window->windowHandle() != nullptr) {
+            begin();
+            fit();
+            sizeBefore = QSize();
+            settlings = mostSettlings;
+        }
+        break;
+    case QEvent::WindowStateChange:
+        sizeBefore = window->size();
+        settlings = mostSettlings;
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+        settle();
+        break;
+    case QEvent::WindowActivate:
+        settle();
+        settlings = 0; // from now on it is the user who moves it
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+/// At the first showing, when the window has got its sizes.
+void Keeper::begin()
+{
+    if (isBegun) {
+        return;
+    }
+    isBegun = true;
+    if (window->minimumSize() == window->maximumSize()) {
+        fixedSize = window->minimumSize();
+    } else if (window->layout() != nullptr) {
+        leaveLeastSizeToLayout();
+    }
+    const auto follow = [this](const QScreen* screen) {
+        disconnect(roomChanged);
+        roomChanged = connect(screen, &QScreen::availableGeometryChanged, this, &Keeper::fit);
+    };
+    follow(window->screen());
+    connect(window->windowHandle(), &QWindow::screenChanged, this, [this, follow](const QScreen* screen) {
+        follow(screen);
+        fit();
+    });
+}
+
+/// The frame that a manager gives a window isn't known before the window is on the screen.
+void Keeper::settle()
+{
+    if (settlings > 0 && window->isVisible() && isNormal(window) && window->size() != sizeBefore) {
+        --settlings;
+        fit();
+    }
+}
+
+void Keeper::leaveLeastSizeToLayout()
+{
+    window->setMinimumSize(0, 0);
+    window->layout()->invalidate();
+    window->layout()->activate();
+}
+
+void Keeper::fit()
+{
+    const QRect room = screenRoom::forContents(window);
+    if (fixedSize) {
+        window->setFixedSize(fixedSize->boundedTo(room.size()));
+    } else {
+        const QSize least = window->layout() != nullptr ? window->layout()->totalMinimumSize() : QSize();
+        const QSize possible = least.boundedTo(room.size());
+        if (possible != least) {
+            window->setMinimumSize(possible);
+        } else if (isSqueezed) {
+            leaveLeastSizeToLayout();
+        }
+        isSqueezed = possible != least;
+    }
+    if (isNormal(window) && !room.contains(window->geometry())) {
+        window->setGeometry(within(window->geometry(), room));
+    }
+}
+
+} // namespace
+
+namespace screenRoom
+{
+
+QRect forContents(const QWidget* window)
+{
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("offscreen") || platform == QLatin1String("minimal")) {
+        return QRect(QPoint(-QWIDGETSIZE_MAX, -QWIDGETSIZE_MAX), QPoint(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+    }
+    return window->screen()->availableGeometry().marginsRemoved(frameOf(window));
+}
+
+void centre(QWidget* window, const QSize& size, const QRect& place)
+{
+    const QRect wanted = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, place);
+    window->setGeometry(within(wanted, forContents(window)));
+}
+
+void keep(QWidget* window)
+{
+    new Keeper(window);
+}
+
+} // namespace screenRoom
