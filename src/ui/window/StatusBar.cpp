@@ -8,6 +8,7 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QPixmap>
 #include <QStatusBar>
@@ -67,6 +68,13 @@ QString lampIcon(uchar lamp)
     }
 }
 
+/// Of an icon there is a larger picture for screens of more pixels, which a bare pixmap doesn't know.
+QPixmap lampPicture(uchar lamp)
+{
+    constexpr QSize pictureSize(32, 32);
+    return QIcon(lampIcon(lamp)).pixmap(pictureSize);
+}
+
 } // namespace
 
 StatusBar::StatusBar()
@@ -79,7 +87,7 @@ StatusBar::StatusBar()
       labelResult(newLabel<ElidedLabel>(QStringLiteral("labelResult"))),
       labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue()))
 {
-    labelIconPort->setPixmap(QPixmap(lampIcon(LampNotConnected)));
+    labelIconPort->setPixmap(lampPicture(LampNotConnected));
 }
 
 void StatusBar::install(QStatusBar* bar)
@@ -177,7 +185,7 @@ QFrame* StatusBar::resultSection() const
 void StatusBar::showPort(uchar lamp, const QString& portName, const QString& baudrate, uchar address,
                          const QString& serial, const QString& version)
 {
-    labelIconPort->setPixmap(QPixmap(lampIcon(lamp)));
+    labelIconPort->setPixmap(lampPicture(lamp));
     QFont font = labelPortName->font();
     font.setBold(true);
     labelPortName->setFont(font); // the label measures by its font, not by the text's format
