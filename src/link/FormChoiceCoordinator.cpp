@@ -6,6 +6,7 @@
 #include "ui_FormChoiceCoordinator.h"
 #include "widgets/Look.h"
 #include "widgets/ScreenRoom.h"
+#include "widgets/WholeTextTips.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -85,6 +86,8 @@ void FormChoiceCoordinator::setUpTable()
     table->horizontalHeader()->setHighlightSections(false);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     table->verticalHeader()->setDefaultSectionSize(rowHeight);
+    table->setTextElideMode(Qt::ElideMiddle); // names of ports differ at their ends
+    table->setItemDelegate(new WholeTextTips(table));
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     table->viewport()->installEventFilter(this);
 }

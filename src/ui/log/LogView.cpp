@@ -2,6 +2,7 @@
 
 #include "domain/debugLine.h"
 #include "eventlog/LogTable.h"
+#include "widgets/WholeTextTips.h"
 
 #include <QAbstractItemView>
 #include <QHeaderView>
@@ -36,6 +37,7 @@ void setUpHeaders(const QTableView& view)
 
 LogView::LogView(QTableView* tableView) : view(tableView)
 {
+    view->setItemDelegate(new WholeTextTips(view));
 }
 
 void LogView::setUp(SqlModel* newModel)

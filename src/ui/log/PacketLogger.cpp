@@ -1,6 +1,7 @@
 #include "ui/log/PacketLogger.h"
 
 #include "texts/texts.h"
+#include "widgets/WholeTextTips.h"
 
 #include <QByteArray>
 #include <QCheckBox>
@@ -90,6 +91,7 @@ PacketLogger::PacketLogger(QTableWidget* packetTable, QPushButton* stop, QPushBu
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setWordWrap(false);
+    table->setItemDelegate(new WholeTextTips(table));
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     // Rows of one fixed height: a row costs no measuring of texts.
     table->verticalHeader()->hide();
