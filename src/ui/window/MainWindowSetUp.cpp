@@ -14,6 +14,7 @@
 #include "ui/window/ConfigurationFiles.h"
 #include "ui/window/FirmwareLoading.h"
 #include "ui/window/MainWindow.h"
+#include "ui/window/PanelWidths.h"
 #include "ui/window/StatusBar.h"
 #include "ui_MainWindow.h"
 #include "widgets/Look.h"
@@ -146,6 +147,7 @@ void MainWindow::setUpDocks()
     settingScript->setFont(plain);
     dockScript->setWidget(settingScript);
     addDockWidget(Qt::RightDockWidgetArea, dockScript);
+    new PanelWidths(this, {dockTree, dockScript});
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
