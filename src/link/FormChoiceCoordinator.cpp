@@ -38,6 +38,7 @@ enum Column
 };
 
 constexpr std::array<int, ColumnCount> columnWidths{67, 69, 104, 82, 82, 223, 167};
+constexpr int leastStateWidth = 112;
 constexpr int headerHeight = 50;
 // Two lines of a state, and the buttons with some air around them.
 constexpr int rowHeight = 44;
@@ -87,6 +88,7 @@ void FormChoiceCoordinator::setUpTable()
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     table->verticalHeader()->setDefaultSectionSize(rowHeight);
     table->setTextElideMode(Qt::ElideMiddle); // names of ports differ at their ends
+    table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     table->setItemDelegate(new WholeTextTips(table));
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     table->viewport()->installEventFilter(this);
@@ -164,8 +166,8 @@ void FormChoiceCoordinator::addRow(Port* port)
     table->setCellWidget(index, ColumnControls, frame);
 }
 
-/// Makes the table as wide as its columns, so that no empty strip stands beside them; where the form is narrower than
-/// that, the table scrolls.
+/// Makes the table as wide as its columns, so that no empty strip stands beside them. Where the form is narrower than
+/// that, the state gives way, which then takes more lines, and for the rest the table scrolls.
 void FormChoiceCoordinator::fitTable()
 {
     QTableWidget* const table = ui->tableWidget;
@@ -174,6 +176,11 @@ void FormChoiceCoordinator::fitTable()
     const int scrollBar = overflows ? table->verticalScrollBar()->sizeHint().width() : 0;
     const QMargins margins = layout()->contentsMargins();
     const int room = width() - margins.left() - margins.right();
+    const int missing = table->horizontalHeader()->length() + frame + scrollBar - room;
+    if (missing > 0) {
+        const int width = table->columnWidth(ColumnState);
+        table->setColumnWidth(ColumnState, qBound(qMin(leastStateWidth, width), width - missing, width));
+    }
     table->setFixedWidth(qMin(table->horizontalHeader()->length() + frame + scrollBar, room));
 }
 

@@ -35,6 +35,11 @@ Tree_Relay_Widget::~Tree_Relay_Widget()
     clearNodes();
 }
 
+void Tree_Relay_Widget::setLeastWidth(int width)
+{
+    ui->treeWidget->setMinimumWidth(width);
+}
+
 void Tree_Relay_Widget::fullUpdateTree(bool focusHeadUnit)
 {
     if (!m_info) {

@@ -39,6 +39,8 @@ public:
     /// is if asked for; where the current terminal is gone, the nearest one in front of it that is still there.
     void fullUpdateTree(bool focusHeadUnit);
 
+    void setLeastWidth(int width); ///< of the tree, which scrolls where that is less than its rows take
+
     /// Takes away the nodes whose groups have gone from the model. All is then as after fullUpdateTree(false), at a
     /// small part of its cost: the other nodes keep their widgets, and the tree stays where it was scrolled to.
     void removeGoneNodes();

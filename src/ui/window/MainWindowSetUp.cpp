@@ -33,9 +33,14 @@ constexpr QSize normalSize(1023, 806);
 constexpr int hiddenTab = 1;
 constexpr int treeWidth = 266;
 constexpr int editorWidth = 415;
-constexpr int usableEditorWidth = 240; ///< at least, where the screen has room
-constexpr int leastEditorWidth = 130;  ///< where it hasn't
-constexpr int widthForDocks = 1000;    ///< of a window in which both docks and the tabs have their room
+constexpr int narrowTabsWidth = 285; ///< of the tabs in a narrower one
+
+// At least, where the screen has room, and where it hasn't.
+constexpr int usableTreeWidth = 200;
+constexpr int leastTreeWidth = 140;
+constexpr int usableEditorWidth = 240;
+constexpr int leastEditorWidth = 130;
+constexpr int widthForDocks = 1000; ///< of a window in which both docks and the tabs have their room
 
 QString versionSuffix()
 {
@@ -162,8 +167,10 @@ void MainWindow::fitToScreen()
 {
     constexpr int separators = 20;
     const int room = screenRoom::forContents(this).width();
-    const int others = treeRelay->minimumSizeHint().width() + centralWidget()->minimumSizeHint().width() + separators;
-    settingScript->setMinimumWidth(qBound(leastEditorWidth, room - others, usableEditorWidth));
+    const int forDocks = room - centralWidget()->minimumSizeHint().width() - separators;
+    const int tree = qBound(leastTreeWidth, forDocks - usableEditorWidth, usableTreeWidth);
+    treeRelay->setLeastWidth(tree);
+    settingScript->setMinimumWidth(qBound(leastEditorWidth, forDocks - tree, usableEditorWidth));
     statusSections->setRoom(room);
 }
 
@@ -177,7 +184,7 @@ void MainWindow::giveDocksWidths()
     }
     docksHaveWidths = true;
     // On a screen that hasn't room for all, the tabs come first.
-    const int forDocks = qMax(0, width() - widthForDocks + treeWidth + editorWidth);
+    const int forDocks = qMax(0, width() - narrowTabsWidth);
     const int tree = forDocks < treeWidth + editorWidth ? treeRelay->minimumSizeHint().width() : treeWidth;
     resizeDocks({dockTree, dockScript}, {tree, qMin(forDocks - tree, editorWidth)}, Qt::Horizontal);
 }
