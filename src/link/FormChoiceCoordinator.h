@@ -131,12 +131,14 @@ protected:
     void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void setUpTable();
     void connectLink();
     void connectOperations();
     void addRow(Port* port);
+    void setTabOrderOfRow(int index);
     void fitTable();
     void selectRow(const Port* port);
     void sendStatus(PortStatus status);

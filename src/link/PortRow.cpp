@@ -5,9 +5,11 @@
 #include "texts/texts.h"
 #include "widgets/Look.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTableWidgetItem>
 
 namespace
@@ -72,6 +74,10 @@ void PortRow::refresh() const
     itemState->setText(traits.text);
     itemState->setToolTip(info.trouble ? info.trouble->whatIsWrong() + QLatin1Char('\n') + info.trouble->whatToDo()
                                        : QString());
+    if (!traits.showControls && cellWidget->isAncestorOf(QApplication::focusWidget())) {
+        // Left to itself, the focus would go to the next row's button, which the next key would press.
+        itemState->tableWidget()->setFocus();
+    }
     cellWidget->setVisible(traits.showControls);
     // A style sheet takes its time, so it is set only when it has to be.
     const QString caption = info.connected ? texts::buttonDisconnect() : texts::buttonConnect();

@@ -170,7 +170,12 @@ void LogFindBar::enterField()
 
 void LogFindBar::setTabOrderBefore(QWidget* widget)
 {
-    QList<QWidget*> order = {text, addresses, hasFirstDay, firstDay, hasLastDay, lastDay};
+    // The widget keeps its place, and the bar comes in front of it.
+    QWidget* before = widget->previousInFocusChain();
+    while (before->focusPolicy() == Qt::NoFocus && before != widget) {
+        before = before->previousInFocusChain();
+    }
+    QList<QWidget*> order = {before, text, addresses, hasFirstDay, firstDay, hasLastDay, lastDay};
     for (const KindButton& entry : kindButtons) {
         order.append(kinds.value(entry.kind));
     }

@@ -38,6 +38,7 @@ void setUpHeaders(const QTableView& view)
 LogView::LogView(QTableView* tableView) : view(tableView)
 {
     view->setItemDelegate(new WholeTextTips(view));
+    view->setTabKeyNavigation(false); // or Tab would never leave it
 }
 
 void LogView::setUp(SqlModel* newModel)

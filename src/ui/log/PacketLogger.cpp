@@ -92,6 +92,7 @@ PacketLogger::PacketLogger(QTableWidget* packetTable, QPushButton* stop, QPushBu
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setWordWrap(false);
     table->setItemDelegate(new WholeTextTips(table));
+    table->setTabKeyNavigation(false); // or Tab would never leave it
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     // Rows of one fixed height: a row costs no measuring of texts.
     table->verticalHeader()->hide();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QList>
 
 class QWidget;
 
@@ -17,6 +18,9 @@ public:
 
     void setRowHeight(int height);
     QSize naturalSize() const; ///< the least width and the height that the content asks for, at some cost
+
+    /// What in it takes keys, in the order in which the eye goes.
+    QList<QWidget*> controls() const;
 
     void reveal();
     void setVisible(bool visible) override;

@@ -12,6 +12,10 @@
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace
 {
 
@@ -80,7 +84,42 @@ QPushButton* NodeTree::addButtonRow(const QString& text)
     button->setMinimumHeight(35);
     layout->addWidget(button);
     setItemWidget(item, 0, frame);
+    rowButton = button;
+    setTabStops();
     return button;
+}
+
+void NodeTree::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QTreeWidget::currentChanged(current, previous);
+    setTabStops();
+}
+
+void NodeTree::setTabStops()
+{
+    for (const QPointer<QWidget>& stop : std::as_const(tabStops)) {
+        if (stop) {
+            stop->setFocusPolicy(Qt::ClickFocus);
+        }
+    }
+    tabStops.clear();
+    QTreeWidgetItem* const current = currentItem();
+    const bool isTerminal = current != nullptr && current->childCount() > 0;
+    for (QTreeWidgetItem* const item : {current, isTerminal ? current->child(0) : nullptr}) {
+        if (const auto* const frame = qobject_cast<NodeFrame*>(itemWidget(item, 0))) {
+            const QList<QWidget*> controls = frame->controls();
+            std::copy(controls.cbegin(), controls.cend(), std::back_inserter(tabStops));
+        }
+    }
+    QWidget* before = this;
+    for (const QPointer<QWidget>& stop : std::as_const(tabStops)) {
+        stop->setFocusPolicy(Qt::StrongFocus);
+        setTabOrder(before, stop);
+        before = stop;
+    }
+    if (rowButton) {
+        setTabOrder(before, rowButton);
+    }
 }
 
 void NodeTree::updateEditorGeometries()

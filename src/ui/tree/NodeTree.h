@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPointer>
 #include <QTreeWidget>
 
 class QPushButton;
@@ -8,6 +9,9 @@ struct GroupNode;
 
 /// A tree whose rows are live widgets: it reveals the frames (NodeFrame) that are in view, and those only. Rows may
 /// hold other widgets as well; they are shown at once. A gap below each row keeps the frames apart.
+///
+/// Tab leads from the tree to the controls of the output that is worked on, that of the current row or the first one of
+/// the current terminal, then to the button row, and out: with hundreds of outputs nobody wants to pass them all.
 class NodeTree : public QTreeWidget
 {
     Q_OBJECT
@@ -27,9 +31,14 @@ public:
     QPushButton* addButtonRow(const QString& text);
 
 protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void updateEditorGeometries() override;
     void scrollContentsBy(int dx, int dy) override;
 
 private:
     void revealFramesInView();
+    void setTabStops();
+
+    QList<QPointer<QWidget>> tabStops; ///< the controls of the output that is worked on
+    QPointer<QPushButton> rowButton;
 };

@@ -95,6 +95,7 @@ QLineEdit* makeNameEdit(NodeFrame* frame)
     auto* edit = new QLineEdit(frame);
     edit->setObjectName(QStringLiteral("edit"));
     setNodeFont(edit);
+    edit->setFocusPolicy(Qt::ClickFocus); // the tree makes those of the current row stops of Tab
     edit->hide();
     frame->layout()->addWidget(edit);
     return edit;
@@ -130,6 +131,7 @@ QComboBox* makeStateCombo(QFrame* parent, const RelayInformationPtr& relay, cons
 {
     auto* combo = new StateCombo(parent);
     combo->setObjectName(QStringLiteral("comboStartState"));
+    combo->setFocusPolicy(Qt::ClickFocus);
     setNodeFont(combo);
     for (const ParamItemPtr& state : outputStates) {
         const int row = combo->count();
@@ -153,6 +155,7 @@ void addSettings(OutputNode& node, const ParamItems& outputStates)
     node.comboStartState = makeStateCombo(settings, node.relay, outputStates);
     node.checkReturn = new QCheckBox(settings);
     node.checkReturn->setObjectName(QStringLiteral("checkReturn"));
+    node.checkReturn->setFocusPolicy(Qt::ClickFocus);
     setNodeFont(node.checkReturn);
     node.checkReturn->setChecked(node.relay && node.relay->returnStartState);
 

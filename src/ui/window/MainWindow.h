@@ -152,6 +152,7 @@ private:
     void giveDocksWidths();
     void setUpLog();
     void setTexts();
+    void setUpFocus();
     void connectActions();
     void connectCoordinatorInfo();
     void connectEditors();

@@ -88,6 +88,7 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
     connectFiles();
     connectFirmware();
     offerManual();
+    setUpFocus();
     showReplacedModel();
     formChoiceCoordinator->show();
 }

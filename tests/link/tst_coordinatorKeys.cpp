@@ -1,0 +1,103 @@
+#include "FormRecorder.h"
+#include "support/Eventually.h"
+#include "support/threadedTestMain.h"
+#include "texts/texts.h"
+
+#include <QtTest>
+
+#include <memory>
+
+/// The coordinator form without a mouse, over two ports that can't be opened.
+class tst_coordinatorKeys : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void returnInTheTableChoosesItsRow();
+    void escapeClosesTheForm();
+    void tabLeadsThroughTheControlsOfEachRowToTheButton();
+    void returnPressesTheButtonThatHasTheFocus();
+    void aKeyThatIsHeldDownPressesOnce();
+    void theTableTakesTheFocusOfControlsThatHide();
+
+private:
+    static void press(Qt::Key key)
+    {
+        QTest::keyClick(QApplication::focusWidget(), key);
+    }
+
+    std::unique_ptr<FormRecorder> recorder;
+};
+
+void tst_coordinatorKeys::init()
+{
+    recorder = std::make_unique<FormRecorder>(QStringList{portA, portB});
+    recorder->form.show();
+    recorder->form.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&recorder->form));
+    EVENTUALLY(recorder->firmwareButton(0)->isVisible() && recorder->firmwareButton(1)->isVisible());
+    recorder->take();
+}
+
+void tst_coordinatorKeys::cleanup()
+{
+    recorder.reset();
+}
+
+void tst_coordinatorKeys::returnInTheTableChoosesItsRow()
+{
+    QCOMPARE(QApplication::focusWidget(), recorder->table());
+    recorder->table()->setCurrentCell(0, 0);
+    press(Qt::Key_Down);
+    QCOMPARE(recorder->table()->currentRow(), 1);
+    press(Qt::Key_Return);
+    QVERIFY(!recorder->form.isVisible());
+    QVERIFY(recorder->has(QStringLiteral("status 2 ") + portB));
+}
+
+void tst_coordinatorKeys::escapeClosesTheForm()
+{
+    press(Qt::Key_Escape);
+    QVERIFY(!recorder->form.isVisible());
+    QCOMPARE(recorder->take(), QStringList(QStringLiteral("enable 0")));
+}
+
+void tst_coordinatorKeys::tabLeadsThroughTheControlsOfEachRowToTheButton()
+{
+    const QList<QWidget*> stops = {recorder->connectButton(0),  recorder->firmwareButton(0), recorder->connectButton(1),
+                                   recorder->firmwareButton(1), recorder->select(),          recorder->table()};
+    for (const QWidget* const stop : stops) {
+        press(Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), stop);
+    }
+}
+
+void tst_coordinatorKeys::returnPressesTheButtonThatHasTheFocus()
+{
+    recorder->connectButton(1)->setFocus();
+    press(Qt::Key_Return);
+    QVERIFY(recorder->has(QStringLiteral("open ") + portB));
+    QVERIFY(recorder->form.isVisible());
+}
+
+void tst_coordinatorKeys::aKeyThatIsHeldDownPressesOnce()
+{
+    QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), true);
+    QApplication::sendEvent(recorder->table(), &repeated);
+    QVERIFY(recorder->form.isVisible());
+}
+
+void tst_coordinatorKeys::theTableTakesTheFocusOfControlsThatHide()
+{
+    recorder->connectButton(0)->setFocus();
+    press(Qt::Key_Space);
+    recorder->form.sl_setStatePort(recorder->transmitters.at(0), StateConnecting);
+    QVERIFY(!recorder->showsControls(0));
+    QCOMPARE(QApplication::focusWidget(), recorder->table());
+}
+
+HUBN_THREADED_TEST_MAIN(tst_coordinatorKeys)
+#include "tst_coordinatorKeys.moc"
