@@ -8,7 +8,9 @@
 #include "widgets/ScreenRoom.h"
 #include "widgets/WholeTextTips.h"
 
+#include <QAction>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -93,6 +95,11 @@ void FormChoiceCoordinator::setUpTable()
     table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     table->setItemDelegate(new WholeTextTips(table));
     table->setTabKeyNavigation(false); // or Tab would never leave it
+    auto* const copy = new QAction(table);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, &FormChoiceCoordinator::copyRow);
+    table->addAction(copy);
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     table->viewport()->installEventFilter(this);
 }
@@ -198,6 +205,19 @@ void FormChoiceCoordinator::fitTable()
         table->setColumnWidth(ColumnState, qBound(qMin(leastStateWidth, width), width - missing, width));
     }
     table->setFixedWidth(qMin(table->horizontalHeader()->length() + frame + scrollBar, room));
+}
+
+/// All that the current row tells, for a spreadsheet or a report of a fault.
+void FormChoiceCoordinator::copyRow() const
+{
+    const int row = ui->tableWidget->currentRow();
+    QStringList cells;
+    for (int column = 0; row >= 0 && column < ColumnControls; ++column) {
+        cells.append(ui->tableWidget->item(row, column)->text().simplified());
+    }
+    if (!cells.isEmpty()) {
+        QGuiApplication::clipboard()->setText(cells.join(QLatin1Char('\t')));
+    }
 }
 
 template <typename Field>

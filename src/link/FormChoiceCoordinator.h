@@ -140,6 +140,7 @@ private:
     void addRow(Port* port);
     void setTabOrderOfRow(int index);
     void fitTable();
+    void copyRow() const;
     void selectRow(const Port* port);
     void sendStatus(PortStatus status);
 

@@ -3,6 +3,7 @@
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
 
+#include <QClipboard>
 #include <QtTest>
 
 #include <memory>
@@ -22,6 +23,7 @@ private slots:
     void returnPressesTheButtonThatHasTheFocus();
     void aKeyThatIsHeldDownPressesOnce();
     void theTableTakesTheFocusOfControlsThatHide();
+    void ctrlCCopiesTheWholeRow();
 
 private:
     static void press(Qt::Key key)
@@ -97,6 +99,15 @@ void tst_coordinatorKeys::theTableTakesTheFocusOfControlsThatHide()
     recorder->form.sl_setStatePort(recorder->transmitters.at(0), StateConnecting);
     QVERIFY(!recorder->showsControls(0));
     QCOMPARE(QApplication::focusWidget(), recorder->table());
+}
+
+void tst_coordinatorKeys::ctrlCCopiesTheWholeRow()
+{
+    recorder->table()->setCurrentCell(1, 2);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             portB + QStringLiteral("\t-\t-\t-\t-\t") + recorder->state(1).simplified());
+    QVERIFY(!recorder->state(1).isEmpty());
 }
 
 HUBN_THREADED_TEST_MAIN(tst_coordinatorKeys)

@@ -49,6 +49,8 @@ public:
 public slots:
     void addSelected();    ///< the scripts selected in the list of all become active for the output
     void removeSelected(); ///< those selected among the active ones no longer are
+    void moveSelectedUp(); ///< by one row, among the active ones; those that stand on top stay there
+    void moveSelectedDown();
 
     void allCurrentChanged(QListWidgetItem* current);
     void activeCurrentChanged(QListWidgetItem* current);
@@ -58,6 +60,7 @@ public slots:
 signals:
     void scriptChosen(const QSharedPointer<ScriptInfo>& script); ///< the script to edit
     void outputChanged();                                        ///< adding or removing was asked for, even in vain
+    void renameWanted();                                         ///< of the script that is chosen
     void editedColorChanged(const QString& rgba);                ///< "rgba(r, g, b, a)" of the script in the editor
 
 private:
@@ -80,6 +83,8 @@ private:
     };
     using Entries = QList<ScriptEntry>;
 
+    void setUpKeys();
+    void moveSelected(int step);
     void rebuildActive();
     void keepActiveRows(int count);
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);

@@ -104,6 +104,12 @@ void Setting_Script_Widget::setUpFields()
     }
 }
 
+void Setting_Script_Widget::enterName()
+{
+    ui->lineEditNameScript->setFocus(Qt::ShortcutFocusReason);
+    ui->lineEditNameScript->selectAll();
+}
+
 void Setting_Script_Widget::setStateColor(const QString& color)
 {
     look::applyStyleSheet(ui->labelNumScript, QStringLiteral("background-color: %1;").arg(color));

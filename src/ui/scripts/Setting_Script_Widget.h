@@ -49,6 +49,8 @@ public:
         return script;
     }
 
+    void enterName(); ///< gives the name the keys, with all of its text selected
+
     /// Paints the number of the script in the colour of its row in the lists, a text such as "rgba(0, 255, 17, 150)".
     void setStateColor(const QString& color);
 

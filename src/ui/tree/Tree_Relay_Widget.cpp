@@ -5,6 +5,7 @@
 #include "ui/tree/NodeTree.h"
 #include "ui_Tree_Relay_Widget.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDebug>
@@ -28,6 +29,11 @@ Tree_Relay_Widget::Tree_Relay_Widget(QSharedPointer<RelayInfo> info, QWidget* pa
 {
     ui->setupUi(this);
     connect(ui->treeWidget, &QWidget::customContextMenuRequested, this, &Tree_Relay_Widget::sl_prepareMenu);
+    auto* const rename = new QAction(this);
+    rename->setShortcut(Qt::Key_F2);
+    rename->setShortcutContext(Qt::WidgetShortcut); // a name that is being edited isn't begun anew
+    connect(rename, &QAction::triggered, this, &Tree_Relay_Widget::renameCurrent);
+    ui->treeWidget->addAction(rename);
 }
 
 Tree_Relay_Widget::~Tree_Relay_Widget()

@@ -77,6 +77,7 @@ private:
     NodePlace placeOfEdit(const QObject* edit) const;
     const OutputNode* senderOutput(const QObject* control) const;
 
+    void renameCurrent();
     void storeExpanded();
     void passCurrentGroupOn();
     void endRename();

@@ -51,6 +51,17 @@ void Tree_Relay_Widget::sl_prepareMenu(const QPoint& pos)
     menu.exec(ui->treeWidget->viewport()->mapToGlobal(pos));
 }
 
+void Tree_Relay_Widget::renameCurrent()
+{
+    const QTreeWidgetItem* const item = ui->treeWidget->currentItem();
+    const NodePlace place = treeNodes::find(nodes, [item](const auto& node) { return node.item == item; });
+    renameGroup = place.node;
+    renameOutput = place.output;
+    menuKeyHeld = false;
+    ui->treeWidget->scrollToItem(item); // its frame may not have been shown yet
+    sl_RunRename();
+}
+
 void Tree_Relay_Widget::sl_RunRename()
 {
     const NodeName name = treeNodes::nameAt(nodes, {renameGroup, renameOutput});

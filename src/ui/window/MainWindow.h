@@ -153,6 +153,8 @@ private:
     void setUpLog();
     void setTexts();
     void setUpFocus();
+    void setUpShortcuts();
+    void setUpTabShortcuts();
     void connectActions();
     void connectCoordinatorInfo();
     void connectEditors();

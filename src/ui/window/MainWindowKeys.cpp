@@ -5,8 +5,12 @@
 #include "ui_MainWindow.h"
 #include "widgets/FocusInSight.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QShortcut>
 #include <QTreeWidget>
+
+#include <functional>
 
 /// Tab goes as the eye does: the tree, the lists and what else the tabs hold, the script editor.
 void MainWindow::setUpFocus()
@@ -15,4 +19,49 @@ void MainWindow::setUpFocus()
     setTabOrder(tree, ui->tabWidget); // with all that it holds
     tree->setFocus();
     connect(qApp, &QApplication::focusChanged, this, [](QWidget*, QWidget* now) { focus::bringIntoSight(now); });
+}
+
+/// The keys of the menus: the platform's own where it has one for the purpose; with Ctrl and Shift what goes to the
+/// unit for good or is rare, so that no slip does it.
+void MainWindow::setUpShortcuts()
+{
+    struct Keys
+    {
+        QAction* action;
+        QList<QKeySequence> keys;
+    };
+    const Keys rows[] = {
+        {ui->actionSelectCoordinator, {Qt::CTRL + Qt::SHIFT + Qt::Key_C}},
+        {ui->actionFirmware, {Qt::CTRL + Qt::SHIFT + Qt::Key_F}},
+        {ui->actionSyncTime, {Qt::CTRL + Qt::SHIFT + Qt::Key_T}},
+        {ui->actionRead, QKeySequence::keyBindings(QKeySequence::Refresh)},
+        {ui->actionWrite, {Qt::CTRL + Qt::SHIFT + Qt::Key_D}},
+        {ui->actionLoad, QKeySequence::keyBindings(QKeySequence::Open)},
+        {ui->actionSave, QKeySequence::keyBindings(QKeySequence::Save)},
+        {ui->actionFactorySetting, {Qt::CTRL + Qt::SHIFT + Qt::Key_R}},
+        {ui->actionReadLog, {Qt::CTRL + Qt::Key_L}},
+        {ui->actionLoadLog, {Qt::CTRL + Qt::SHIFT + Qt::Key_O}},
+        {ui->actionSaveLog, {Qt::CTRL + Qt::SHIFT + Qt::Key_S}},
+    };
+    for (const Keys& row : rows) {
+        row.action->setShortcuts(row.keys);
+        row.action->setAutoRepeat(false);
+    }
+    setUpTabShortcuts();
+}
+
+/// The next and the previous tab from anywhere in the window, and each by its number.
+void MainWindow::setUpTabShortcuts()
+{
+    QTabWidget* const tabs = ui->tabWidget;
+    const auto add = [this, tabs](const QKeySequence& key, const std::function<int()>& wanted) {
+        connect(new QShortcut(key, this), &QShortcut::activated, tabs,
+                [tabs, wanted] { tabs->setCurrentIndex(wanted()); });
+    };
+    const int count = tabs->count();
+    add(QKeySequence::NextChild, [tabs, count] { return (tabs->currentIndex() + 1) % count; });
+    add(QKeySequence::PreviousChild, [tabs, count] { return (tabs->currentIndex() + count - 1) % count; });
+    for (int index = 0; index < count; ++index) {
+        add(Qt::ALT + (Qt::Key_1 + index), [index] { return index; });
+    }
 }

@@ -89,6 +89,7 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
     connectFirmware();
     offerManual();
     setUpFocus();
+    setUpShortcuts();
     showReplacedModel();
     formChoiceCoordinator->show();
 }
@@ -246,6 +247,7 @@ void MainWindow::connectEditors()
 
     connect(scriptLists, &ScriptLists::scriptChosen, this, &MainWindow::sig_changeScript);
     connect(scriptLists, &ScriptLists::outputChanged, this, &MainWindow::sig_changeStateRelay);
+    connect(scriptLists, &ScriptLists::renameWanted, settingScript, &Setting_Script_Widget::enterName);
     connect(scriptLists, &ScriptLists::editedColorChanged, this, &MainWindow::showColorOfEditedScript);
 }
 

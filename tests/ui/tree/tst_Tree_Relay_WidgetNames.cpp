@@ -50,6 +50,8 @@ private slots:
     void renameWithoutANodeDoesNothing();
     void doubleClickRenamesAnOutput();
     void doubleClickOnATerminalDoesNothing();
+    void f2RenamesWhatIsCurrent();
+    void f2InTheNameItselfKeepsIt();
     void nameFollowsEachKey();
     void enterEndsRenaming_data();
     void enterEndsRenaming();
@@ -91,6 +93,38 @@ void tst_Tree_Relay_WidgetNames::startRename(QTreeWidgetItem* item)
     tree->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(tree.get()));
     tree->sl_RunRename();
+}
+
+void tst_Tree_Relay_WidgetNames::f2RenamesWhatIsCurrent()
+{
+    addTerminal(3, 2);
+    build();
+    list->setFocus();
+    for (QTreeWidgetItem* const item : {groupItem(1), outputItem(0, 7), outputItem(0, 0)}) {
+        list->setCurrentItem(item);
+        QTest::keyClick(list, Qt::Key_F2);
+        QCOMPARE(QApplication::focusWidget(), edit(item));
+        QTest::keyClicks(edit(item), QStringLiteral("!"));
+        QTest::keyClick(edit(item), Qt::Key_Return);
+        QVERIFY(label(item)->text().contains(QLatin1Char('!')));
+        QVERIFY(edit(item)->isHidden());
+        QCOMPARE(QApplication::focusWidget(), list);
+    }
+}
+
+void tst_Tree_Relay_WidgetNames::f2InTheNameItselfKeepsIt()
+{
+    build();
+    list->setFocus();
+    list->setCurrentItem(outputItem(0, 0));
+    QTest::keyClick(list, Qt::Key_F2);
+    QLineEdit* const name = edit(outputItem(0, 0));
+    name->setText(QStringLiteral("Fan"));
+    QTest::keyClick(name, Qt::Key_F2);
+    QTest::keyClick(name, Qt::Key_Home);
+    QTest::keyClick(name, Qt::Key_Delete);
+    QCOMPARE(name->text(), QStringLiteral("an"));
+    QCOMPARE(label(outputItem(0, 0))->text(), QStringLiteral("1. an"));
 }
 
 void tst_Tree_Relay_WidgetNames::goneNodeEndsTheRenamingOfAnother()
