@@ -44,6 +44,7 @@ Loading::Loading(QWidget* parent)
     ui->setupUi(this);
     screenRoom::keep(this);
     setWindowTitle(texts::firmwareTitle());
+    ui->progressBar->setAccessibleName(texts::firmwareTitle());
     setAttribute(Qt::WA_DeleteOnClose);
     ui->labelFileName->setElideMode(Qt::ElideMiddle);
     connect(load, &FirmwareLoad::requestReady, this, &Loading::sig_SendMessage);

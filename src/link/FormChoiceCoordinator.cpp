@@ -14,8 +14,8 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QPainter>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -100,6 +100,7 @@ void FormChoiceCoordinator::setUpTable()
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this, &FormChoiceCoordinator::copyRow);
     table->addAction(copy);
+    table->setAccessibleName(texts::actionSelectCoordinator());
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     table->viewport()->installEventFilter(this);
 }

@@ -30,6 +30,7 @@ FormWaiting::FormWaiting(QWidget* parent)
     setFont(look::applicationFont());
     ui->setupUi(this);
     setWindowTitle(texts::busyTitle());
+    ui->progressBar->setAccessibleName(texts::busyTitle());
     setWindowModality(Qt::ApplicationModal);
     // It is no window whose being open keeps the application alive.
     setAttribute(Qt::WA_QuitOnClose, false);

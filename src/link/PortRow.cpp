@@ -55,10 +55,22 @@ PortRow::PortRow(Port* shownPort)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing);
     checkBoxCheck->setFont(look::applicationFont());
+    nameControls();
     layout->addWidget(checkBoxCheck, 0, Qt::AlignCenter);
     layout->addWidget(buttonConnect, 0, Qt::AlignCenter);
     layout->addWidget(buttonFirmware, 0, Qt::AlignCenter);
     buttonFirmware->hide();
+}
+
+/// Each row has the same controls; what tells them apart is the port.
+void PortRow::nameControls() const
+{
+    const auto name = [this](QAbstractButton* control) {
+        control->setAccessibleName(control->text() + QLatin1Char(' ') + port->name());
+    };
+    name(checkBoxCheck);
+    name(buttonConnect);
+    name(buttonFirmware);
 }
 
 void PortRow::refresh() const
@@ -84,6 +96,7 @@ void PortRow::refresh() const
     if (buttonConnect->text() != caption) {
         buttonConnect->setText(caption);
         buttonConnect->setStyleSheet(info.connected ? disconnectStyle() : QStringLiteral("background-color: green"));
+        nameControls();
     }
     checkBoxCheck->setVisible(info.connected);
     checkBoxCheck->setChecked(info.watched);

@@ -18,6 +18,8 @@ struct PortRow
     /// Shows what has changed.
     void refresh() const;
 
+    void nameControls() const;
+
     Port* port;
     QTableWidgetItem* itemPortName;
     QTableWidgetItem* itemBaudrate;

@@ -78,6 +78,7 @@ EventView::EventView(const QAbstractItemModel& log, int row, QWidget* parent) : 
     auto* const layout = new QVBoxLayout(this);
     auto* const area = new QScrollArea(this);
     area->setFrameShape(QFrame::NoFrame);
+    area->setAccessibleName(windowTitle());
     area->setWidgetResizable(true);
     area->setWidget(makeTable(fields));
     area->setMinimumWidth(area->widget()->sizeHint().width() + area->verticalScrollBar()->sizeHint().width());

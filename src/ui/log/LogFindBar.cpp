@@ -70,6 +70,7 @@ QWidget* LogFindBar::makeField()
     QHBoxLayout* const layout = rowLayout(row);
     text->setObjectName(QStringLiteral("lineEditFind"));
     text->setPlaceholderText(texts::findField());
+    text->setAccessibleName(texts::findField());
     text->setMaxLength(longestText);
     text->setClearButtonEnabled(true);
     connect(text, &QLineEdit::textChanged, this, &LogFindBar::changed);
@@ -77,6 +78,7 @@ QWidget* LogFindBar::makeField()
     addresses->setObjectName(QStringLiteral("lineEditFindAddresses"));
     addresses->setPlaceholderText(texts::findAddresses());
     addresses->setToolTip(texts::findAddressesHint());
+    addresses->setAccessibleName(texts::findAddressesHint());
     addresses->setMaxLength(longestText);
     connect(addresses, &QLineEdit::textChanged, this, [this] {
         showWhetherAddressesMakeSense();
@@ -88,6 +90,7 @@ QWidget* LogFindBar::makeField()
     close->setAutoRaise(true);
     close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
     close->setToolTip(texts::findClose());
+    close->setAccessibleName(texts::findClose());
     connect(close, &QToolButton::clicked, this, &LogFindBar::closeWanted);
     layout->addWidget(close);
     return row;
@@ -110,6 +113,7 @@ QDateEdit* LogFindBar::makeDate(QCheckBox* box, const QString& name)
 {
     auto* const date = new QDateEdit(this);
     date->setObjectName(name);
+    date->setAccessibleName(box->text());
     date->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
     date->setCalendarPopup(true);
     date->setEnabled(false);

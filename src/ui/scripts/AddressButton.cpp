@@ -1,5 +1,7 @@
 #include "ui/scripts/AddressButton.h"
 
+#include "texts/texts.h"
+
 namespace
 {
 
@@ -27,6 +29,17 @@ QString addressButtonStyle(const AddressButton& button)
 {
     return QLatin1String("QPushButton{") + background(button) + QLatin1String("border-radius: 11px; ") +
            border(button) + QLatin1String("} QToolTip {background-color: #F4F4F4; border-style: none;}");
+}
+
+QString addressButtonMeaning(const AddressButton& button)
+{
+    const QString chosen = button.selected ? texts::spokenAddressChosen() : texts::spokenAddressNotChosen();
+    QString terminal = texts::spokenAddressFree();
+    if (button.terminal || button.address == 0) {
+        const QString name = button.terminal ? button.terminal->label : texts::spokenAddressHeadUnit();
+        terminal = (button.compatible ? texts::spokenAddressFits() : texts::spokenAddressUnfit()).arg(name);
+    }
+    return chosen + QLatin1String(", ") + terminal;
 }
 
 QString addressButtonToolTip(const ConnectedTerminal& terminal)

@@ -23,5 +23,8 @@ struct AddressButton
 /// type and red if it doesn't. The head unit always has a ring.
 QString addressButtonStyle(const AddressButton& button);
 
+/// What the colours tell, in words.
+QString addressButtonMeaning(const AddressButton& button);
+
 /// Name and model numbers of a reported terminal, as rich text.
 QString addressButtonToolTip(const ConnectedTerminal& terminal);

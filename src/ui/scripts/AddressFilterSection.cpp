@@ -37,6 +37,8 @@ void AddressFilterSection::addButton(const QString& text, int address, int index
     entry.button = new PicturedButton(text, ui.F_Address);
     entry.address = quint8(address);
     entry.index = quint8(index);
+    entry.button->setAccessibleName(address == 0 ? texts::spokenAddressHeadUnit()
+                                                 : texts::spokenAddress().arg(address));
     entry.button->setFixedHeight(diameter);
     if (address == 0) {
         entry.button->setObjectName(QStringLiteral("ButtonAddressHUBN"));
@@ -73,7 +75,7 @@ void AddressFilterSection::addressClicked(const QObject* button)
     for (AddressButton& entry : addressButtons) {
         if (entry.button == button && editing()) {
             entry.selected = !entry.selected;
-            look::applyStyleSheet(entry.button, addressButtonStyle(entry));
+            paintButton(entry);
             script->addressFilter[entry.index] = entry.selected;
         }
     }
@@ -86,6 +88,12 @@ void AddressFilterSection::refresh()
         entry.terminal = model.findConnectedTerminal(entry.address);
         entry.compatible = !entry.terminal || !script || scriptRules::passesTypeFilter(*script, *entry.terminal);
         entry.button->setToolTip(entry.terminal ? addressButtonToolTip(*entry.terminal) : QString());
-        look::applyStyleSheet(entry.button, addressButtonStyle(entry));
+        paintButton(entry);
     }
+}
+
+void AddressFilterSection::paintButton(const AddressButton& entry)
+{
+    look::applyStyleSheet(entry.button, addressButtonStyle(entry));
+    entry.button->setAccessibleDescription(addressButtonMeaning(entry));
 }

@@ -25,6 +25,7 @@ protected:
     void showScript() override;
 
 private:
+    static void paintButton(const AddressButton& entry);
     void addButton(const QString& text, int address, int index);
 
     const RelayInfo& model;

@@ -3,6 +3,7 @@
 #include "model/RelayInfo.h"
 #include "texts/texts.h"
 #include "ui_Setting_Script_Widget.h"
+#include "widgets/Spoken.h"
 
 GeneralSection::GeneralSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent)
     : ScriptSection(form, parent), lists{{form.comboModeWorkRelay, &ScriptInfo::mode,
@@ -15,6 +16,10 @@ GeneralSection::GeneralSection(const Ui::Setting_Script_Widget& form, const Rela
               {ui.titleMode, texts::editorMode()},
               {ui.labelTitleDelay, texts::editorDelay()},
               {ui.labelTitleDuration, texts::editorDuration()}});
+    spoken::nameBy(ui.lineEditNameScript, ui.titleName);
+    spoken::nameBy(ui.comboModeWorkRelay, ui.titleMode);
+    spoken::nameBy(ui.comboDelay, ui.labelTitleDelay);
+    spoken::nameBy(ui.comboDuration, ui.labelTitleDuration);
 }
 
 void GeneralSection::showScript()

@@ -4,6 +4,9 @@
 #include "ui/pickers/SpecialDateFrame.h"
 #include "ui/pickers/SpecialTimeFrame.h"
 #include "ui_Setting_Script_Widget.h"
+#include "widgets/Spoken.h"
+
+#include <initializer_list>
 
 namespace
 {
@@ -15,6 +18,15 @@ Frame* addTo(QFrame* place, Frame* frame)
     layout->setContentsMargins({});
     layout->addWidget(frame);
     return frame;
+}
+
+/// Names the fields of a picker by what begins or ends there; its arrows are called as their fields are.
+void nameParts(const QList<QWidget*>& fields, const QLabel* caption, std::initializer_list<QString> names)
+{
+    int i = 0;
+    for (const QString& name : names) {
+        spoken::call(fields.at(i++), name.arg(spoken::name(caption->text())));
+    }
 }
 
 /// Shows as much of a date as the picker can; the month first, since it decides which days there are.
@@ -57,8 +69,20 @@ PeriodsSection::PeriodsSection(const Ui::Setting_Script_Widget& form, QObject* p
     for (int i = 1; i < stops.size(); ++i) {
         QWidget::setTabOrder(stops.at(i - 1), stops.at(i));
     }
+    nameFields();
     timeSwitched();
     dateSwitched();
+}
+
+void PeriodsSection::nameFields()
+{
+    const QString hour = texts::spokenHour();
+    const QString minute = texts::spokenMinute();
+    nameParts(timeBegin->fields(), ui.titleStart, {hour, hour, minute, minute});
+    nameParts(timeEnd->fields(), ui.titleEnd, {hour, hour, minute, minute});
+    const QString day = texts::spokenDay();
+    nameParts(dateBegin->fields(), ui.titleStart, {day, day, texts::spokenMonth()});
+    nameParts(dateEnd->fields(), ui.titleEnd, {day, day, texts::spokenMonth()});
 }
 
 void PeriodsSection::showScript()

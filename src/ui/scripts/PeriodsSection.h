@@ -42,6 +42,8 @@ protected:
     void showScript() override;
 
 private:
+    void nameFields();
+
     const QList<QCheckBox*> dayBoxes;
     SpecialTimeFrame* const timeBegin;
     SpecialTimeFrame* const timeEnd;

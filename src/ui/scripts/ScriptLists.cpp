@@ -2,6 +2,7 @@
 
 #include "model/RelayInfo.h"
 #include "model/tables.h"
+#include "texts/texts.h"
 #include "ui/scripts/ScriptSummary.h"
 #include "widgets/ElidedLabel.h"
 #include "widgets/Look.h"
@@ -42,12 +43,21 @@ QString rowColor(const ScriptInfo& script)
     return look::rgba(script.notActive || !script.mode ? unsetColor() : script.mode->background);
 }
 
-void showRow(QLabel* label, const QString& text, const QString& color)
+/// What the colour tells, in words.
+QString rowMeaning(const ScriptInfo& script)
+{
+    return script.notActive || !script.mode ? texts::placeholderNotActive() : script.mode->name;
+}
+
+/// The item itself shows nothing, but it is what a screen reader tells of.
+void showRow(QListWidgetItem* item, QLabel* label, const ScriptInfo& script, const QString& text)
 {
     const QString sheet =
-        QStringLiteral("QLabel{background-color: %1;} QToolTip {background-color: #F4F4F4}").arg(color);
+        QStringLiteral("QLabel{background-color: %1;} QToolTip {background-color: #F4F4F4}").arg(rowColor(script));
     label->setText(text);
     look::applyStyleSheet(label, sheet);
+    item->setData(Qt::AccessibleTextRole, text.simplified());
+    item->setData(Qt::AccessibleDescriptionRole, rowMeaning(script));
 }
 
 /// Gives a row that is being dragged the look of its label, which the list itself doesn't draw.
@@ -139,7 +149,7 @@ void ScriptLists::rebuildActive()
             ScriptEntry& entry = activeScriptEntries[row];
             entry.script = script;
             entry.label->setToolTip(QString());
-            showRow(entry.label, indentedRowText(*script), rowColor(*script));
+            showRow(entry.item, entry.label, *script, indentedRowText(*script));
         } else {
             activeScriptEntries.append(makeEntry(active, script, indentedRowText(*script)));
         }
@@ -175,10 +185,9 @@ ScriptLists::ScriptEntry ScriptLists::makeEntry(QListWidget* list, const ScriptI
 {
     auto* label = new ElidedLabel;
     label->setContentsMargins(rowPadding, rowPadding, rowPadding, rowPadding);
-    showRow(label, text, rowColor(*script));
     label->installEventFilter(this);
-
     auto* item = new QListWidgetItem;
+    showRow(item, label, *script, text);
     item->setSizeHint({0, label->minimumSizeHint().height()});
     list->addItem(item);
     list->setItemWidget(item, label);
@@ -213,10 +222,9 @@ void ScriptLists::refreshStates(const ScriptInfoPtr& edited)
             if (!entry.script || !entry.script->mode) {
                 continue;
             }
-            const QString color = rowColor(*entry.script);
-            showRow(entry.label, indentedRowText(*entry.script), color);
+            showRow(entry.item, entry.label, *entry.script, indentedRowText(*entry.script));
             if (entries == &allScriptEntries && entry.script == edited) {
-                emit editedColorChanged(color);
+                emit editedColorChanged(rowColor(*entry.script));
             }
         }
     }

@@ -4,6 +4,7 @@
 #include "texts/texts.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
+#include "widgets/Spoken.h"
 
 #include <QCoreApplication>
 #include <QMouseEvent>
@@ -49,6 +50,11 @@ TriggerSection::TriggerSection(const Ui::Setting_Script_Widget& form, const Rela
     for (const FamilyControls& family : families) {
         fill(family.list, scriptRules::linkedStates(allStates, family.kind));
     }
+    spoken::nameBy(ui.comboStateChannel, ui.titleStateChannel);
+    spoken::nameBy(ui.listStateDevice, ui.titleStateDevice);
+    spoken::call(ui.comboBoxPNB, texts::statePanicButton());
+    spoken::call(ui.comboBoxAnalog, texts::stateAnalog());
+    ui.spinBoxOtherStateChannel->setAccessibleName(texts::spokenOtherState());
     makeChannelButtons();
     fillTerminalStates();
     showFurtherControls(StateKind::NotActive);
@@ -61,6 +67,7 @@ void TriggerSection::makeChannelButtons()
     for (int channel = 1; channel <= 4; ++channel) {
         auto* button = new QPushButton(QString::number(channel), ui.F_NumChannel);
         button->setObjectName(QStringLiteral("buttonChannel%1").arg(channel));
+        button->setAccessibleName(texts::spokenChannel().arg(channel));
         button->setFixedSize(44, 22);
         ui.layoutNumChannel->addWidget(button);
         QWidget::setTabOrder(before, button);
@@ -211,6 +218,8 @@ void TriggerSection::showChannels()
                                   : script->numberChannels.value(channel) ? channelOn
                                                                           : channelOff;
         look::applyStyleSheet(channelWidgets.at(channel), channelSheet(channelButtons.at(channel)));
+        channelWidgets.at(channel)->setAccessibleDescription(
+            channelButtons.at(channel) == channelOn ? texts::spokenChannelOn() : texts::spokenChannelOff());
     }
 }
 

@@ -6,6 +6,7 @@
 #include "ui/scripts/PlainPartsStyle.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
+#include "widgets/Spoken.h"
 
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
@@ -44,6 +45,11 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
               {ui.checkBoxSound, texts::featureSound()},
               {ui.checkBoxExternalPower, texts::featureExternalPower()},
               {ui.checkBoxBattery, texts::featureReservePower()}});
+    spoken::call(ui.comboBoxSelectType, texts::editorFilterByType());
+    spoken::nameBy(ui.spinBoxClass, ui.titleClass);
+    spoken::nameBy(ui.spinBoxVersion, ui.titleVersion);
+    spoken::nameBy(ui.spinBoxType, ui.titleType);
+    spoken::nameBy(ui.spinBoxCharacteristic, ui.titleDescription);
     setUpNumbers();
     fillTypes();
     ui.F_ManualType->setEnabled(false);

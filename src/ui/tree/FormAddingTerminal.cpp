@@ -5,6 +5,7 @@
 #include "ui_FormAddingTerminal.h"
 #include "widgets/Look.h"
 #include "widgets/ScreenRoom.h"
+#include "widgets/Spoken.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -64,6 +65,13 @@ void FormAddingTerminal::setTexts()
     ui->labelOutput3->setText(texts::addTerminalOutput3());
     ui->labelOutput4->setText(texts::addTerminalOutput4());
     ui->labelTitleaddress->setText(texts::addTerminalAddress());
+    spoken::nameBy(ui->comboBoxTerminals, ui->labelChoice);
+    spoken::nameBy(ui->lineEditTerminal, ui->labelName);
+    spoken::nameBy(ui->spinBoxOutputs, ui->labelNum);
+    spoken::nameBy(ui->comboBoxAddress, ui->labelTitleaddress);
+    for (const OutputRow& row : std::as_const(outputs)) {
+        spoken::nameBy(row.edit, row.label);
+    }
     ui->pushButton->setText(texts::buttonAdd());
     ui->pushButtonClose->setText(texts::buttonCancel());
 }

@@ -5,6 +5,7 @@
 #include "ui/tree/NodeFrame.h"
 #include "widgets/ElidedLabel.h"
 #include "widgets/Look.h"
+#include "widgets/Spoken.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -58,6 +59,26 @@ QString groupBackground(const GroupRelayPtr& group)
                                      : QStringLiteral("rgba(255, 255, 255, 100)");
 }
 
+/// What the item tells where it can't be seen: it shows nothing, its frame does.
+void describe(QTreeWidgetItem* item, const QString& title, const QString& meaning)
+{
+    item->setData(0, Qt::AccessibleTextRole, title);
+    item->setData(0, Qt::AccessibleDescriptionRole, meaning);
+}
+
+void describe(const GroupNode& node)
+{
+    describe(node.item, groupTitle(*node.group),
+             node.group->connected ? texts::spokenTerminalReported() : texts::spokenTerminalNotReported());
+}
+
+void describe(const OutputNode& node)
+{
+    const int scripts = node.relay->activatedScripts.size();
+    describe(node.item, outputTitle(*node.relay),
+             scripts > 0 ? texts::spokenOutputScripts().arg(scripts) : texts::spokenOutputNoScripts());
+}
+
 QString outputBackground(const RelayInformation& relay)
 {
     return relay.activatedScripts.isEmpty() ? QStringLiteral("rgba(187, 187, 187, 150)")
@@ -90,10 +111,11 @@ QLabel* makeNameLabel(NodeFrame* frame, const QString& text)
     return label;
 }
 
-QLineEdit* makeNameEdit(NodeFrame* frame)
+QLineEdit* makeNameEdit(NodeFrame* frame, const QString& spokenName)
 {
     auto* edit = new QLineEdit(frame);
     edit->setObjectName(QStringLiteral("edit"));
+    edit->setAccessibleName(spokenName);
     setNodeFont(edit);
     edit->setFocusPolicy(Qt::ClickFocus); // the tree makes those of the current row stops of Tab
     edit->hide();
@@ -132,6 +154,7 @@ QComboBox* makeStateCombo(QFrame* parent, const RelayInformationPtr& relay, cons
     auto* combo = new StateCombo(parent);
     combo->setObjectName(QStringLiteral("comboStartState"));
     combo->setFocusPolicy(Qt::ClickFocus);
+    spoken::call(combo, spoken::name(texts::outputInitialState()));
     setNodeFont(combo);
     for (const ParamItemPtr& state : outputStates) {
         const int row = combo->count();
@@ -157,6 +180,7 @@ void addSettings(OutputNode& node, const ParamItems& outputStates)
     node.checkReturn->setObjectName(QStringLiteral("checkReturn"));
     node.checkReturn->setFocusPolicy(Qt::ClickFocus);
     setNodeFont(node.checkReturn);
+    node.checkReturn->setAccessibleName(spoken::name(texts::outputReturnToInitialState()));
     node.checkReturn->setChecked(node.relay && node.relay->returnStartState);
 
     auto* layout = new QGridLayout(settings);
@@ -193,7 +217,7 @@ GroupNode makeGroupNode(const GroupRelayPtr& group, QWidget* viewport)
     node.item = new QTreeWidgetItem;
     node.frame = makeFrame(viewport, groupBackground(group));
     node.label = makeNameLabel(node.frame, groupTitle(*group));
-    node.edit = makeNameEdit(node.frame);
+    node.edit = makeNameEdit(node.frame, texts::treeRenameTerminal());
     return node;
 }
 
@@ -204,7 +228,7 @@ OutputNode makeOutputNode(const RelayInformationPtr& relay, const ParamItems& ou
     node.item = new QTreeWidgetItem(group.item);
     node.frame = makeFrame(group.frame->parentWidget(), relay ? outputBackground(*relay) : QString());
     node.label = makeNameLabel(node.frame, relay ? outputTitle(*relay) : QString());
-    node.edit = makeNameEdit(node.frame);
+    node.edit = makeNameEdit(node.frame, texts::treeRenameOutput());
     addSettings(node, outputStates);
     return node;
 }
@@ -258,11 +282,15 @@ QString titleAt(const QList<GroupNode>& nodes, const NodePlace& place)
 void paintGroup(const GroupNode& node)
 {
     paint(node.frame, groupBackground(node.group));
+    if (node.group) {
+        describe(node);
+    }
 }
 
 void paintOutput(const OutputNode& node)
 {
     paint(node.frame, outputBackground(*node.relay));
+    describe(node);
 }
 
 void paintStartState(QComboBox* combo, int index)

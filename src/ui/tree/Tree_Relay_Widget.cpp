@@ -34,6 +34,7 @@ Tree_Relay_Widget::Tree_Relay_Widget(QSharedPointer<RelayInfo> info, QWidget* pa
     rename->setShortcutContext(Qt::WidgetShortcut); // a name that is being edited isn't begun anew
     connect(rename, &QAction::triggered, this, &Tree_Relay_Widget::renameCurrent);
     ui->treeWidget->addAction(rename);
+    ui->treeWidget->setAccessibleName(texts::headingOutputs());
 }
 
 Tree_Relay_Widget::~Tree_Relay_Widget()

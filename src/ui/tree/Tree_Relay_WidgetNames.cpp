@@ -154,5 +154,7 @@ void Tree_Relay_Widget::storeName(const NodePlace& place, const NodeName& name)
 {
     *name.text = name.edit->text();
     name.label->setText(treeNodes::titleAt(nodes, place));
+    const GroupNode& node = nodes.at(place.node);
+    place.output < 0 ? treeNodes::paintGroup(node) : treeNodes::paintOutput(node.outputs.at(place.output));
     emit sig_changeNameDevOrOutput();
 }

@@ -19,6 +19,7 @@
 #include "ui_MainWindow.h"
 #include "widgets/DockTitle.h"
 #include "widgets/Look.h"
+#include "widgets/Spoken.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -151,6 +152,7 @@ void MainWindow::sl_RefreshNameDevOrOutput()
         outputTitle(currentGroup->name, currentGroup->address, currentRelay->name, currentRelay->number);
     ui->labelTitleParamRelay->setText(title);
     ui->labelTitleActivateScript->setText(texts::listActiveScriptsFor() + QLatin1Char('\n') + title);
+    spoken::nameBy(ui->listWidgetActivateScript, ui->labelTitleActivateScript);
 }
 
 void MainWindow::sl_changeTitleSettingScript(const QString& name)

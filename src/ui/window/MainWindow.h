@@ -155,6 +155,7 @@ private:
     void setUpFocus();
     void setUpShortcuts();
     void setUpTabShortcuts();
+    void setUpSpokenNames();
     void connectActions();
     void connectCoordinatorInfo();
     void connectEditors();

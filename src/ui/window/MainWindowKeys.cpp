@@ -1,16 +1,20 @@
-// The window without a mouse.
+// The window without a mouse, and to a screen reader.
 
+#include "texts/texts.h"
 #include "ui/tree/Tree_Relay_Widget.h"
 #include "ui/window/MainWindow.h"
 #include "ui_MainWindow.h"
 #include "widgets/FocusInSight.h"
+#include "widgets/Spoken.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QPushButton>
 #include <QShortcut>
 #include <QTreeWidget>
 
 #include <functional>
+#include <utility>
 
 /// Tab goes as the eye does: the tree, the lists and what else the tabs hold, the script editor.
 void MainWindow::setUpFocus()
@@ -63,5 +67,21 @@ void MainWindow::setUpTabShortcuts()
     add(QKeySequence::PreviousChild, [tabs, count] { return (tabs->currentIndex() + count - 1) % count; });
     for (int index = 0; index < count; ++index) {
         add(Qt::ALT + (Qt::Key_1 + index), [index] { return index; });
+    }
+}
+
+void MainWindow::setUpSpokenNames()
+{
+    spoken::nameBy(ui->listWidgetActivateScript, ui->labelTitleActivateScript);
+    spoken::nameBy(ui->listWidgetAllScript, ui->labelTitleAllScript);
+    spoken::nameBy(ui->textEditComment, ui->labelTitleComment);
+    ui->tableViewLogEvents->setAccessibleName(texts::tabLogEvents());
+    ui->tableLogger->setAccessibleName(texts::spokenPackets());
+    ui->tabWidget->tabBar()->setAccessibleName(texts::spokenTabs());
+    ui->tabWidget->tabBar()->setAccessibleTabName(ui->tabWidget->indexOf(ui->tabLogger), texts::spokenPackets());
+    for (const auto& [button, text] : {std::pair(ui->pushButtonAddScript, texts::spokenAddScripts()),
+                                       std::pair(ui->pushButtonDeleteScript, texts::spokenRemoveScripts())}) {
+        button->setAccessibleName(text);
+        button->setToolTip(text);
     }
 }

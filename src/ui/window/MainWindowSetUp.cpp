@@ -90,6 +90,7 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
     offerManual();
     setUpFocus();
     setUpShortcuts();
+    setUpSpokenNames();
     showReplacedModel();
     formChoiceCoordinator->show();
 }

@@ -75,6 +75,26 @@ QPixmap lampPicture(uchar lamp)
     return QIcon(lampIcon(lamp)).pixmap(pictureSize);
 }
 
+/// What the lamp's colour tells, in words.
+QString lampMeaning(uchar lamp)
+{
+    switch (lamp) {
+    case StatusBar::LampNotConnected:
+        return texts::spokenPortLost();
+    case StatusBar::LampConnected:
+        return texts::spokenPortWatched();
+    default:
+        return texts::spokenPortNotWatched();
+    }
+}
+
+void showLamp(QLabel* label, uchar lamp)
+{
+    label->setPixmap(lampPicture(lamp));
+    label->setAccessibleName(lampMeaning(lamp));
+    label->setToolTip(lampMeaning(lamp));
+}
+
 } // namespace
 
 StatusBar::StatusBar()
@@ -87,7 +107,7 @@ StatusBar::StatusBar()
       labelResult(newLabel<ElidedLabel>(QStringLiteral("labelResult"))),
       labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue()))
 {
-    labelIconPort->setPixmap(lampPicture(LampNotConnected));
+    showLamp(labelIconPort, LampNotConnected);
 }
 
 void StatusBar::install(QStatusBar* bar)
@@ -185,7 +205,7 @@ QFrame* StatusBar::resultSection() const
 void StatusBar::showPort(uchar lamp, const QString& portName, const QString& baudrate, uchar address,
                          const QString& serial, const QString& version)
 {
-    labelIconPort->setPixmap(lampPicture(lamp));
+    showLamp(labelIconPort, lamp);
     QFont font = labelPortName->font();
     font.setBold(true);
     labelPortName->setFont(font); // the label measures by its font, not by the text's format
