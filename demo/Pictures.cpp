@@ -131,7 +131,7 @@ void Pictures::addFirmwareSteps()
         button("ButtonAbort")->click(); // aborts, and closes once aborted
     };
     // From the event loop: the dialog has one of its own, in which the further steps are done.
-    QAction* const load = window.findChild<QAction*>(QStringLiteral("actionFirmware"));
+    auto* const load = window.findChild<QAction*>(QStringLiteral("actionFirmware"));
     steps.emplace_back([load] { QTimer::singleShot(0, load, &QAction::trigger); });
     steps.emplace_back([dialog] { return dialog() != nullptr; }, [picture] { picture(QStringLiteral("firmware")); });
     steps.emplace_back([button] { return button("ButtonRepeat") != nullptr && button("ButtonRepeat")->isVisible(); },
