@@ -1,5 +1,6 @@
 #include "widgets/ScreenRoom.h"
 
+#include <QElapsedTimer>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QLayout>
@@ -7,6 +8,7 @@
 #include <QStyle>
 #include <QWidget>
 #include <QWindow>
+#include <QWindowStateChangeEvent>
 
 #include <optional>
 
@@ -14,6 +16,7 @@ namespace
 {
 
 constexpr QMargins thickFrame(6, 36, 6, 6);
+constexpr Qt::WindowStates filling = Qt::WindowMaximized | Qt::WindowFullScreen;
 
 QMargins frameOf(const QWidget* window)
 {
@@ -40,7 +43,7 @@ QRect within(QRect rect, const QRect& room)
 /// Whether a window has a place of its own on the screen.
 bool isNormal(const QWidget* window)
 {
-    return (window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized)) == 0;
+    return (window->windowState() & (filling | Qt::WindowMinimized)) == 0;
 }
 
 class Keeper : public QObject
@@ -68,7 +71,8 @@ private:
     bool isBegun = false;
     bool isSqueezed = false; ///< its layout has less room than it wants
     int settlings = 0;       ///< how often its manager may still be about to place it
-    QSize sizeBefore;        ///< in the state that it leaves, which it may keep for a moment
+    QElapsedTimer sinceChange;
+    QSize sizeBefore; ///< in the state that it leaves, which it may keep for a moment
     QMetaObject::Connection roomChanged;
 };
 
@@ -82,11 +86,15 @@ bool Keeper::eventFilter(QObject* watched, QEvent* event)
             fit();
             sizeBefore = QSize();
             settlings = mostSettlings;
+            sinceChange.start();
         }
         break;
     case QEvent::WindowStateChange:
-        sizeBefore = window->size();
-        settlings = mostSettlings;
+        if ((static_cast<QWindowStateChangeEvent*>(event)->oldState() & filling) != 0) {
+            sizeBefore = window->size();
+            settlings = mostSettlings;
+            sinceChange.start();
+        }
         break;
     case QEvent::Move:
     case QEvent::Resize:
@@ -94,7 +102,6 @@ bool Keeper::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::WindowActivate:
         settle();
-        settlings = 0; // from now on it is the user who moves it
         break;
     default:
         break;
@@ -128,7 +135,9 @@ void Keeper::begin()
 /// The frame that a manager gives a window isn't known before the window is on the screen.
 void Keeper::settle()
 {
-    if (settlings > 0 && window->isVisible() && isNormal(window) && window->size() != sizeBefore) {
+    constexpr int longest = 3000; // after that it is the user who moves the window
+    if (settlings > 0 && !sinceChange.hasExpired(longest) && window->isVisible() && isNormal(window) &&
+        window->size() != sizeBefore) {
         --settlings;
         fit();
     }
