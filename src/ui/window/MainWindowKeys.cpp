@@ -4,6 +4,7 @@
 #include "ui/tree/Tree_Relay_Widget.h"
 #include "ui/window/MainWindow.h"
 #include "ui_MainWindow.h"
+#include "widgets/FocusFrame.h"
 #include "widgets/FocusInSight.h"
 #include "widgets/Spoken.h"
 
@@ -22,6 +23,7 @@ void MainWindow::setUpFocus()
     auto* const tree = treeRelay->findChild<QTreeWidget*>();
     setTabOrder(tree, ui->tabWidget); // with all that it holds
     tree->setFocus();
+    new FocusFrame(this);
     connect(qApp, &QApplication::focusChanged, this, [](QWidget*, QWidget* now) { focus::bringIntoSight(now); });
 }
 

@@ -1,0 +1,105 @@
+#include "widgets/FocusFrame.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFileDialog>
+#include <QPainter>
+#include <QRegion>
+#include <QSplitter>
+#include <QWidget>
+
+namespace
+{
+
+/// Dark enough to stand out from the grey of windows, the white of fields and the green, yellow and red of rows.
+QColor lineColor()
+{
+    return {0, 72, 186};
+}
+
+class Line : public QWidget
+{
+public:
+    explicit Line(QWidget* parent) : QWidget(parent)
+    {
+        setObjectName(QStringLiteral("focusFrame"));
+        setFocusPolicy(Qt::NoFocus);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter(this).fillRect(rect(), lineColor());
+    }
+};
+
+/// A splitter takes each child for a pane of its own, and the windows that Qt brings show their focus themselves.
+bool canBeFramed(const QWidget* control)
+{
+    return control != nullptr && control->parentWidget() != nullptr && !control->isWindow() &&
+           qobject_cast<QSplitter*>(control->parentWidget()) == nullptr &&
+           qobject_cast<QFileDialog*>(control->window()) == nullptr;
+}
+
+} // namespace
+
+FocusFrame::FocusFrame(QObject* parent) : QObject(parent)
+{
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { moveTo(now); });
+}
+
+FocusFrame::~FocusFrame()
+{
+    delete frame;
+}
+
+void FocusFrame::moveTo(QWidget* control)
+{
+    if (framed) {
+        framed->removeEventFilter(this);
+    }
+    const bool byMouse = QGuiApplication::mouseButtons() != Qt::NoButton;
+    framed = canBeFramed(control) && !byMouse ? control : nullptr;
+    if (framed) {
+        framed->installEventFilter(this);
+    }
+    fit();
+}
+
+void FocusFrame::fit()
+{
+    if (!framed || !framed->isVisible()) {
+        if (frame) {
+            frame->hide();
+        }
+        return;
+    }
+    QWidget* const parent = framed->parentWidget();
+    if (!frame) {
+        frame = new Line(parent);
+    } else if (frame->parentWidget() != parent) {
+        frame->setParent(parent);
+    }
+    frame->setGeometry(framed->geometry().adjusted(-width, -width, width, width) & parent->rect());
+    const QRect whole = frame->rect();
+    frame->setMask(QRegion(whole) - QRegion(whole.adjusted(width, width, -width, -width)));
+    frame->raise();
+    frame->show();
+}
+
+bool FocusFrame::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::Show:
+    case QEvent::Hide:
+    case QEvent::ParentChange:
+        fit();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class QWidget;
+
+/// A clear frame around the control that has the focus, whatever its style sheet makes of it.
+///
+/// One for the program, on the GUI thread; it follows the application's focus by itself. The frame is a widget of the
+/// control's own parent, so that it is scrolled and cut off as the control is; it lies beside the control where there
+/// is room, takes no mouse, and covers nothing but its own thin line. A control that was clicked has none: who has
+/// chosen it by the mouse knows where he is.
+class FocusFrame : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit FocusFrame(QObject* parent = nullptr);
+    ~FocusFrame() override;
+    Q_DISABLE_COPY_MOVE(FocusFrame)
+
+    static constexpr int width = 2; ///< of the line, in pixels
+
+    /// Keeps the frame at its control.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void moveTo(QWidget* control);
+    void fit();
+
+    QPointer<QWidget> framed;
+    QPointer<QWidget> frame; ///< goes with whichever parent it has
+};
