@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QPalette>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTableWidgetItem>
@@ -96,6 +97,10 @@ void PortRow::refresh() const
     if (buttonConnect->text() != caption) {
         buttonConnect->setText(caption);
         buttonConnect->setStyleSheet(info.connected ? disconnectStyle() : QStringLiteral("background-color: green"));
+        QPalette colors = buttonConnect->palette();
+        // Black on this green has a contrast of 4.1 only.
+        colors.setColor(QPalette::ButtonText, info.connected ? Qt::black : Qt::white);
+        buttonConnect->setPalette(colors);
         nameControls();
     }
     checkBoxCheck->setVisible(info.connected);

@@ -45,7 +45,9 @@ QWidget* makeTable(const QList<EventField>& fields)
         QLabel* const name = makeLabel(field.name, table);
         QLabel* const value = makeLabel(field.value, table);
         QLabel* const meaning = makeLabel(field.meaning, table);
-        name->setForegroundRole(QPalette::PlaceholderText);
+        QPalette grey = name->palette();
+        grey.setColor(QPalette::WindowText, QColor(96, 96, 96));
+        name->setPalette(grey);
         value->setObjectName(QStringLiteral("labelValue%1").arg(row));
         meaning->setObjectName(QStringLiteral("labelMeaning%1").arg(row));
         layout->addWidget(name, row, ColumnName);

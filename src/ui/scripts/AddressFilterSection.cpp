@@ -3,11 +3,9 @@
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "texts/texts.h"
-#include "ui/scripts/PicturedButton.h"
+#include "ui/scripts/CrossedButton.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
-
-#include <QPushButton>
 
 namespace
 {
@@ -34,7 +32,7 @@ AddressFilterSection::AddressFilterSection(const Ui::Setting_Script_Widget& form
 void AddressFilterSection::addButton(const QString& text, int address, int index)
 {
     AddressButton entry;
-    entry.button = new PicturedButton(text, ui.F_Address);
+    entry.button = new CrossedButton(text, ui.F_Address);
     entry.address = quint8(address);
     entry.index = quint8(index);
     entry.button->setAccessibleName(address == 0 ? texts::spokenAddressHeadUnit()
@@ -95,5 +93,6 @@ void AddressFilterSection::refresh()
 void AddressFilterSection::paintButton(const AddressButton& entry)
 {
     look::applyStyleSheet(entry.button, addressButtonStyle(entry));
+    entry.button->setCrossed((entry.terminal || entry.address == 0) && !entry.compatible);
     entry.button->setAccessibleDescription(addressButtonMeaning(entry));
 }

@@ -8,10 +8,10 @@
 #include <QSharedPointer>
 #include <QString>
 
-class QLabel;
 class QListWidget;
 class QListWidgetItem;
 class RelayInfo;
+class ScriptLabel;
 
 /// The two lists of the first tab: all scripts of the model, and those that may drive the output chosen in the tree,
 /// in their order. The user adds and removes scripts between the two, drags the active ones into another order, and
@@ -68,7 +68,7 @@ private:
     struct ScriptEntry
     {
         QListWidgetItem* item = nullptr;
-        QLabel* label = nullptr; ///< the row's item widget
+        ScriptLabel* label = nullptr; ///< the row's item widget
         ScriptInfoPtr script;
 
         bool has(const QListWidgetItem* part) const

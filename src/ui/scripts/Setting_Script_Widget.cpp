@@ -4,6 +4,7 @@
 #include "ui/pickers/SpecialDateFrame.h"
 #include "ui/pickers/SpecialTimeFrame.h"
 #include "ui/scripts/AddressFilterSection.h"
+#include "ui/scripts/CrossedButton.h"
 #include "ui/scripts/GeneralSection.h"
 #include "ui/scripts/PeriodsSection.h"
 #include "ui/scripts/TriggerSection.h"

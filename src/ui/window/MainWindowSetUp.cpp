@@ -23,6 +23,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDockWidget>
+#include <QPalette>
 #include <QScreen>
 #include <QStyleFactory>
 
@@ -98,6 +99,11 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
 void MainWindow::setUpWindow()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    // White on the style's own blue has a contrast of 3.7 only.
+    QPalette colors = QApplication::palette();
+    colors.setColor(QPalette::Highlight, QColor(40, 122, 176));
+    colors.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(colors);
     QApplication::setFont(look::applicationFont());
     screenRoom::keep(this);
     screenRoom::centre(this, normalSize, QGuiApplication::primaryScreen()->availableGeometry());
