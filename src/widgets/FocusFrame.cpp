@@ -46,7 +46,7 @@ bool canBeFramed(const QWidget* control)
 
 FocusFrame::FocusFrame(QObject* parent) : QObject(parent)
 {
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { moveTo(now); });
+    connect(qApp, &QApplication::focusChanged, this, &FocusFrame::follow);
 }
 
 FocusFrame::~FocusFrame()
@@ -54,13 +54,16 @@ FocusFrame::~FocusFrame()
     delete frame;
 }
 
-void FocusFrame::moveTo(QWidget* control)
+void FocusFrame::follow(const QWidget* old, QWidget* now)
 {
     if (framed) {
         framed->removeEventFilter(this);
     }
     const bool byMouse = QGuiApplication::mouseButtons() != Qt::NoButton;
-    framed = canBeFramed(control) && !byMouse ? control : nullptr;
+    const bool moved = old != nullptr; // and hasn't come with the window
+    const bool shown =
+        canBeFramed(now) && !byMouse && (moved || now->window()->testAttribute(Qt::WA_KeyboardFocusChange));
+    framed = shown ? now : nullptr;
     if (framed) {
         framed->installEventFilter(this);
     }

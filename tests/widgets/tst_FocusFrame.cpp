@@ -17,6 +17,8 @@ private slots:
     void init();
     void cleanup();
 
+    void aWindowThatOpensHasNoFrame();
+    void onceTabWasPressedTheWindowComesBackWithTheFrame();
     void theControlWithTheFocusIsFramed();
     void aCombosStyleSheetDoesNotHideTheFrame();
     void theFrameFollowsItsControl();
@@ -41,6 +43,7 @@ private:
     QWidget* page = nullptr;
     QLineEdit* edit = nullptr;
     QComboBox* combo = nullptr;
+    bool isShownFromTheStart = false;
 };
 
 void tst_FocusFrame::init()
@@ -58,12 +61,33 @@ void tst_FocusFrame::init()
     window->show();
     window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    isShownFromTheStart = line() != nullptr;
+    combo->setFocus();
+    edit->setFocus();
 }
 
 void tst_FocusFrame::cleanup()
 {
     window.reset();
     frame.reset();
+}
+
+void tst_FocusFrame::aWindowThatOpensHasNoFrame()
+{
+    QVERIFY(!isShownFromTheStart);
+    QApplication::setActiveWindow(nullptr);
+    QApplication::setActiveWindow(window.get());
+    QVERIFY(edit->hasFocus());
+    QVERIFY(!line()->isVisible());
+}
+
+void tst_FocusFrame::onceTabWasPressedTheWindowComesBackWithTheFrame()
+{
+    QTest::keyClick(edit, Qt::Key_Tab);
+    QApplication::setActiveWindow(nullptr);
+    QVERIFY(!line()->isVisible());
+    QApplication::setActiveWindow(window.get());
+    QVERIFY(isFramed(combo));
 }
 
 void tst_FocusFrame::theControlWithTheFocusIsFramed()
@@ -122,6 +146,7 @@ void tst_FocusFrame::aClickBringsNoFrame()
 
 void tst_FocusFrame::theFrameOutlivesNeitherItsControlNorItsParent()
 {
+    QTest::keyClick(edit, Qt::Key_Tab);
     edit->setFocus();
     delete edit;
     QVERIFY(line() == nullptr || !line()->isVisible() || isFramed(combo));
