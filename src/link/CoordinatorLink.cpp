@@ -10,7 +10,6 @@
 #include "texts/texts.h"
 
 #include <QDebug>
-#include <QSerialPortInfo>
 
 #include <algorithm>
 #include <chrono>
@@ -36,27 +35,23 @@ PortStatus statusOf(const PortInfo& port)
 } // namespace
 
 CoordinatorLink::CoordinatorLink(CoordinatorSeams linkSeams, Transmitter::BootParser bootParser, QObject* parent)
-    : QObject(parent), seams(std::move(linkSeams)), parseBootAnswer(std::move(bootParser)), timerPortList(this),
-      timerNothingSent(this), terminalSearch(new TerminalSearch(this)),
-      configurationReading(new ConfigurationReading(this)), configurationWriting(new ConfigurationWriting(this)),
+    : QObject(parent), clock(std::move(linkSeams.now)), timerNothingSent(this),
+      terminalSearch(new TerminalSearch(this)), configurationReading(new ConfigurationReading(this)),
+      configurationWriting(new ConfigurationWriting(this)),
       logReading(new LogReading(this)), operations{terminalSearch, configurationReading, configurationWriting,
-                                                   logReading}
+                                                   logReading},
+      portList(std::move(linkSeams.portNames), std::move(bootParser), this)
 {
     qRegisterMetaType<StatePort>("StatePort");
     connectOperations();
-    connect(&timerPortList, &QTimer::timeout, this, &CoordinatorLink::updatePortList);
+    connect(&portList, &PortList::added, this, &CoordinatorLink::addPort);
+    connect(&portList, &PortList::updated, this, &CoordinatorLink::portListUpdated);
     timerNothingSent.setSingleShot(true);
     timerNothingSent.setInterval(nothingSentTime);
     connect(&timerNothingSent, &QTimer::timeout, this, &CoordinatorLink::busyHidden);
 }
 
-CoordinatorLink::~CoordinatorLink()
-{
-    for (Port* const port : std::as_const(portList)) {
-        port->stop();
-    }
-    qDeleteAll(portList);
-}
+CoordinatorLink::~CoordinatorLink() = default;
 
 void CoordinatorLink::connectOperations()
 {
@@ -87,40 +82,16 @@ void CoordinatorLink::connectOperations()
 
 void CoordinatorLink::start()
 {
-    timerPortList.start(std::chrono::seconds(1));
-    updatePortList();
+    portList.start();
 }
 
 void CoordinatorLink::updatePortList()
 {
-    const QStringList names = portNames();
-    for (const QString& name : names) {
-        const bool known =
-            std::any_of(portList.cbegin(), portList.cend(), [&name](const Port* port) { return port->name() == name; });
-        if (!known) {
-            addPort(name);
-        }
-    }
-    emit portListUpdated();
+    portList.update();
 }
 
-QStringList CoordinatorLink::portNames() const
+void CoordinatorLink::addPort(Port* port)
 {
-    if (seams.portNames) {
-        return seams.portNames();
-    }
-    QStringList names;
-    const QList<QSerialPortInfo> infos = QSerialPortInfo::availablePorts();
-    for (const QSerialPortInfo& info : infos) {
-        names.append(info.portName());
-    }
-    return names;
-}
-
-void CoordinatorLink::addPort(const QString& name)
-{
-    auto* const port = new Port(name, parseBootAnswer, this);
-    portList.append(port);
     port->setSearchRepeated(current == nullptr);
     connect(port, &Port::statusDue, this, [this, port] {
         if (port == current) {
@@ -137,19 +108,16 @@ void CoordinatorLink::addPort(const QString& name)
     });
     connect(port, &Port::answered, this, [this, port](const message& answer) { takeAnswer(port, answer); });
     emit portAdded(port);
-    port->start();
 }
 
 const QVector<Port*>& CoordinatorLink::ports() const
 {
-    return portList;
+    return portList.ports();
 }
 
 Port* CoordinatorLink::portOf(const Transmitter* worker) const
 {
-    const auto found = std::find_if(portList.cbegin(), portList.cend(),
-                                    [worker](const Port* port) { return port->worker() == worker; });
-    return found != portList.cend() ? *found : nullptr;
+    return portList.portOf(worker);
 }
 
 // The current port.
@@ -198,12 +166,7 @@ void CoordinatorLink::use(Port& port)
 
 void CoordinatorLink::keepOnly(const Port& port)
 {
-    timerPortList.stop();
-    for (Port* const other : std::as_const(portList)) {
-        if (other != &port) {
-            other->stop();
-        }
-    }
+    portList.keepOnly(port);
 }
 
 void CoordinatorLink::setChoosingFirst(bool on)
@@ -222,7 +185,7 @@ void CoordinatorLink::setCurrent(Port& port)
     chosenBaudrate = port.info().baudrate;
     connect(port.worker(), &Transmitter::sig_SendRequestInForm, this, &CoordinatorLink::requestShown);
     connect(port.worker(), &Transmitter::sig_SendAnswerInForm, this, &CoordinatorLink::answerShown);
-    for (Port* const other : std::as_const(portList)) {
+    for (Port* const other : ports()) {
         other->setSearchRepeated(false);
     }
     for (DeviceOperation* const operation : operations) {
@@ -374,7 +337,7 @@ void CoordinatorLink::setDeviceTime()
 
 QDateTime CoordinatorLink::now() const
 {
-    return seams.now ? seams.now() : QDateTime::currentDateTime();
+    return clock ? clock() : QDateTime::currentDateTime();
 }
 
 void CoordinatorLink::readLog()

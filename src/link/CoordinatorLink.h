@@ -2,6 +2,7 @@
 
 #include "domain/terminals.h"
 #include "link/Port.h"
+#include "link/PortList.h"
 #include "link/message.h"
 
 #include <QByteArrayList>
@@ -191,9 +192,8 @@ signals:
 
 private:
     void connectOperations();
-    QStringList portNames() const;
     QDateTime now() const;
-    void addPort(const QString& name);
+    void addPort(Port* port);
     void setCurrent(Port& port);
     void tellCurrent();
     void setFirmwarePort(Port* port);
@@ -204,10 +204,7 @@ private:
     void sendAtRate(message request);
     void resend(message answer);
 
-    const CoordinatorSeams seams;
-    const Transmitter::BootParser parseBootAnswer;
-    QVector<Port*> portList;
-    QTimer timerPortList;
+    const std::function<QDateTime()> clock;
     Port* current = nullptr;
     quint8 chosenAddress = noCoordinator;
     int chosenBaudrate = 1200;
@@ -222,4 +219,5 @@ private:
     ConfigurationWriting* configurationWriting;
     LogReading* logReading;
     const std::array<DeviceOperation*, 4> operations;
+    PortList portList; ///< the first to go, as its ports know the others
 };
