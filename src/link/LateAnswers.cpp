@@ -22,11 +22,6 @@ bool isOfSearch(const message& request)
     return request.requestType() == P::Search_Address || request.requestType() == P::Search_Broadcast;
 }
 
-bool isOfWatch(const message& request)
-{
-    return request.requestType() == P::Check_Coordinator || request.requestType() == P::Read_Time;
-}
-
 bool isResend(const message& request)
 {
     return request.attempts() < message::fullAttempts;
@@ -126,7 +121,7 @@ void LateAnswers::passTime(Moment now)
 bool LateAnswers::isOwedToOthers(const message& request) const
 {
     // A continuing question for the log has the same bytes each time, and another answer.
-    const bool isSameQuestion = isResend(request) || isOfWatch(request);
+    const bool isSameQuestion = isResend(request) || P::isOfWatch(request);
     return std::any_of(owed.cbegin(), owed.cend(), [&request, isSameQuestion](const Owed& answer) {
         return !isSameQuestion || answer.request != request.request();
     });

@@ -6,24 +6,8 @@
 #include <QThread>
 #include <QTimer>
 
-#include <algorithm>
+#include <chrono>
 #include <utility>
-
-namespace
-{
-
-bool hasSmallerPriority(const message& left, const message& right)
-{
-    return left.priority() < right.priority();
-}
-
-bool isPeriodic(const message& mess)
-{
-    return mess.requestType() == protocol_HUBN_NX_Q::Read_Time ||
-           mess.requestType() == protocol_HUBN_NX_Q::Check_Coordinator;
-}
-
-} // namespace
 
 Transmitter::Transmitter(QObject* parent) : QObject(parent)
 {
@@ -65,6 +49,7 @@ void Transmitter::sl_initialization(Transmitter* receiver, const QString& namePo
     }
     Q_ASSERT(QThread::currentThread() == thread());
     port = new QSerialPort(this);
+    errors.emplace(*port);
     timerAnswer = new QTimer;
     timerAnswer->setInterval(answerTimeout);
     timerAnswer->setTimerType(Qt::PreciseTimer);
@@ -132,10 +117,7 @@ void Transmitter::sl_AddRequestInQueue(Transmitter* receiver, const message& mes
     if (mess.isEmpty() || (mess.requestType() == 0 && mess.bootType() == 0)) {
         return;
     }
-    if (std::find(queue.cbegin(), queue.cend(), mess) == queue.cend()) {
-        queue.push_back(mess);
-        std::push_heap(queue.begin(), queue.end(), hasSmallerPriority);
-    }
+    queue.add(mess);
     sl_SendNextRequest();
 }
 
@@ -145,7 +127,7 @@ void Transmitter::sl_SendNextRequest()
     // A loop, since on an unusable port each request fails in turn and the queue may be long.
     forever
     {
-        if (queue.empty()) {
+        if (queue.isEmpty()) {
             timerNextRequest->stop();
         } else {
             timerNextRequest->start();
@@ -161,10 +143,9 @@ void Transmitter::sl_SendNextRequest()
     }
 }
 
-void Transmitter::sl_onPacketWritten(int n)
+void Transmitter::sl_onPacketWritten(int /*n*/)
 {
     Q_ASSERT(QThread::currentThread() == thread());
-    Q_UNUSED(n)
     timerAnswer->start();
 }
 
@@ -232,45 +213,21 @@ void Transmitter::sl_onPortError(QSerialPort::SerialPortError error)
     case QSerialPort::ReadError:
         current.markPortFailed();
         logLine("): ERROR WRITE / READ !");
-        // A line that hung up reports nothing but read errors, and does so without end. Asked for its signals it says
-        // that it is gone; a living one takes no notice.
-        if (port->isOpen()) {
-            port->pinoutSignals();
-        }
+        errors->askWhetherGone();
         break;
     default:
         break;
     }
 }
 
-/// Acts on what the port reports, unless it is a misunderstanding: clearing the buffers can take bytes whose arrival
-/// was announced already. The read that follows finds none, and Qt tells that as the error of whatever call failed
-/// last.
+/// Acts on what the port reports, unless it is a misunderstanding, which may have kept bytes from being heard of.
 void Transmitter::takePortError(QSerialPort::SerialPortError error)
 {
-    const bool isOfReading = error == QSerialPort::ResourceError || error == QSerialPort::ReadError;
-    if (isOfReading && !isWriting && port->isOpen() && !isGone()) {
-        return;
-    }
-    sl_onPortError(error);
-}
-
-/// Whether the device behind the open port has gone.
-bool Transmitter::isGone()
-{
-    const QSignalBlocker blocker(port);
-    // After an error the port doesn't listen any more; this makes it do so again.
-    port->setReadBufferSize(port->readBufferSize());
-    port->clearError();
-    const bool canRead = port->waitForReadyRead(0) || port->error() == QSerialPort::TimeoutError;
-    // A line that hung up lets itself be read without end. Asked for its signals it says that it is gone.
-    port->clearError();
-    port->pinoutSignals();
-    const bool gone = !canRead || port->error() == QSerialPort::ResourceError;
-    if (!gone && port->bytesAvailable() > 0) {
+    if (!errors->isMisunderstanding(error)) {
+        sl_onPortError(error);
+    } else if (port->bytesAvailable() > 0) {
         QMetaObject::invokeMethod(this, &Transmitter::sl_onDataReceived, Qt::QueuedConnection);
     }
-    return gone;
 }
 
 void Transmitter::setState(StatePort newState)
@@ -302,27 +259,13 @@ bool Transmitter::applyOpeningSettings()
 /// Makes the first request that may go out the current one; false if there is none.
 bool Transmitter::takeNext()
 {
-    if (queue.empty()) {
-        return false;
-    }
-    if (!isHeldBack(queue.front())) {
-        std::pop_heap(queue.begin(), queue.end(), hasSmallerPriority);
-        current = std::move(queue.back());
-        queue.pop_back();
-        return true;
-    }
-    const auto held =
-        std::partition(queue.begin(), queue.end(), [this](const message& mess) { return !isHeldBack(mess); });
-    const auto next = std::max_element(queue.begin(), held, hasSmallerPriority);
-    const bool isFree = next != held;
-    if (isFree) {
+    std::optional<message> next = queue.take([this](const message& mess) { return isHeldBack(mess); });
+    if (next) {
         current = std::move(*next);
-        queue.erase(next);
-    } else if (const auto end = lateAnswers->waitEnd()) {
+    } else if (const auto end = !queue.isEmpty() && lateAnswers ? lateAnswers->waitEnd() : std::nullopt) {
         timerQuiet->start(std::chrono::ceil<std::chrono::milliseconds>(*end - LateAnswers::Clock::now()));
     }
-    std::make_heap(queue.begin(), queue.end(), hasSmallerPriority);
-    return isFree;
+    return next.has_value();
 }
 
 /// Whether a request has to wait for late answers to others. On an unusable port none does: it fails or repairs it.
@@ -357,12 +300,12 @@ void Transmitter::sendCurrent()
     // Late bytes of an earlier exchange are none of this request's answer.
     port->clear();
     currentSent = LateAnswers::Clock::now();
-    isWriting = true;
+    errors->setWriting(true);
     port->write(current.request());
     // Straight away: the event loop would write it only after all that follows here.
     port->flush();
-    isWriting = false;
-    emit sig_SendRequestInForm(QDateTime::currentDateTime(), current.request(), isPeriodic(current));
+    errors->setWriting(false);
+    emit sig_SendRequestInForm(QDateTime::currentDateTime(), current.request(), protocol_HUBN_NX_Q::isOfWatch(current));
     logLine("): request: ") << current.request().toHex();
     timerAnswer->start();
 }
@@ -440,7 +383,8 @@ void Transmitter::endCurrent(FinishMode mode)
         lateAnswers->ended(current, currentSent);
     }
     emit sig_SendAnswer(this, current);
-    emit sig_SendAnswerInForm(QDateTime::currentDateTime(), current.rawAnswer(), isPeriodic(current));
+    emit sig_SendAnswerInForm(QDateTime::currentDateTime(), current.rawAnswer(),
+                              protocol_HUBN_NX_Q::isOfWatch(current));
     current = message();
 }
 

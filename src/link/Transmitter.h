@@ -1,6 +1,8 @@
 #pragma once
 
 #include "link/LateAnswers.h"
+#include "link/PortErrors.h"
+#include "link/RequestQueue.h"
 #include "link/StatePort.h"
 #include "link/message.h"
 
@@ -9,7 +11,6 @@
 #include <QObject>
 #include <QSerialPort>
 
-#include <deque>
 #include <functional>
 #include <optional>
 
@@ -90,7 +91,6 @@ private:
 
     void setState(StatePort newState);
     void takePortError(QSerialPort::SerialPortError error);
-    bool isGone();
     void releaseLostPort();
     bool applyOpeningSettings();
     bool takeNext();
@@ -109,8 +109,9 @@ private:
 
     QSerialPort* port = nullptr;
     StatePort state = StateConnecting;
-    std::deque<message> queue; ///< a binary max-heap on the priority, as std::push_heap keeps it
-    message current;           ///< the request in flight; empty means none
+    std::optional<PortErrors> errors; ///< of the port
+    RequestQueue queue;
+    message current; ///< the request in flight; empty means none
     QTimer* timerAnswer = nullptr;
     QTimer* timerNextRequest = nullptr;
     quint16 answerTimeout = 120;       ///< ms
@@ -119,5 +120,4 @@ private:
     std::optional<LateAnswers> lateAnswers;
     LateAnswers::Moment currentSent; ///< when the request in flight was written
     QTimer* timerQuiet = nullptr;    ///< ends a wait for late answers
-    bool isWriting = false;          ///< errors of the port are those of writing
 };

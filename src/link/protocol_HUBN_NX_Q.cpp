@@ -253,6 +253,11 @@ const char* protocol_HUBN_NX_Q::failureLabel(int type)
     return formOfType(type).failure;
 }
 
+bool protocol_HUBN_NX_Q::isOfWatch(const message& request)
+{
+    return request.requestType() == Read_Time || request.requestType() == Check_Coordinator;
+}
+
 message protocol_HUBN_NX_Q::parseAnswer(message answer)
 {
     constexpr int greatestCode = 11;

@@ -72,6 +72,9 @@ public:
     static QString requestName(int type);
     static const char* failureLabel(int type);
 
+    /// Whether a request is one of those that the once-a-second watch sends.
+    static bool isOfWatch(const message& request);
+
     /// The data of a request, which is what follows its command.
     static QByteArray requestData(const QByteArray& frame);
 
