@@ -14,7 +14,6 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
@@ -23,7 +22,6 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
 #include <utility>
 
 namespace
@@ -176,18 +174,6 @@ void FormChoiceCoordinator::addRow(Port* port)
     layout->addWidget(row->cellWidget);
     table->setCellWidget(index, ColumnControls, frame);
     setTabOrderOfRow(index);
-}
-
-/// From the table through the controls of its rows to the button below it.
-void FormChoiceCoordinator::setTabOrderOfRow(int index)
-{
-    const PortRow* const row = portRows.at(index);
-    QWidget* before = index > 0 ? static_cast<QWidget*>(portRows.at(index - 1)->buttonFirmware) : ui->tableWidget;
-    for (QWidget* const control : std::initializer_list<QWidget*>{row->checkBoxCheck, row->buttonConnect,
-                                                                  row->buttonFirmware, ui->buttonChoicePort}) {
-        setTabOrder(before, control);
-        before = control;
-    }
 }
 
 /// Makes the table as wide as its columns, so that no empty strip stands beside them. Where the form is narrower than
@@ -414,21 +400,6 @@ void FormChoiceCoordinator::resizeEvent(QResizeEvent* event)
     Form::resizeEvent(event);
     layout()->activate();
     fitTable();
-}
-
-/// Return presses the button that has the focus, and chooses anywhere else.
-void FormChoiceCoordinator::keyPressEvent(QKeyEvent* event)
-{
-    if (event->matches(QKeySequence::Cancel)) {
-        close();
-    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        auto* const button = qobject_cast<QPushButton*>(focusWidget());
-        if (!event->isAutoRepeat()) {
-            (button != nullptr ? button : ui->buttonChoicePort)->click();
-        }
-    } else {
-        Form::keyPressEvent(event);
-    }
 }
 
 void FormChoiceCoordinator::closeEvent(QCloseEvent* event)

@@ -21,7 +21,8 @@ QString lookOf(const QPushButton& button, const QStyleOptionButton& option)
                .arg(button.height())
                .arg(button.devicePixelRatioF())
                .arg(option.text) +
-           button.font().key() + button.parentWidget()->styleSheet() + button.styleSheet();
+           button.font().key() + (button.isWindow() ? QString() : button.parentWidget()->styleSheet()) +
+           button.styleSheet();
 }
 
 } // namespace

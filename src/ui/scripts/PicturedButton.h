@@ -14,7 +14,7 @@ class PicturedButton : public QPushButton
     Q_OBJECT
 
 public:
-    PicturedButton(const QString& text, QWidget* parent);
+    explicit PicturedButton(const QString& text, QWidget* parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
