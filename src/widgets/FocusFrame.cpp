@@ -46,7 +46,7 @@ bool canBeFramed(const QWidget* control)
 
 FocusFrame::FocusFrame(QObject* parent) : QObject(parent)
 {
-    connect(qApp, &QApplication::focusChanged, this, &FocusFrame::follow);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { follow(now); });
 }
 
 FocusFrame::~FocusFrame()
@@ -54,15 +54,13 @@ FocusFrame::~FocusFrame()
     delete frame;
 }
 
-void FocusFrame::follow(const QWidget* old, QWidget* now)
+void FocusFrame::follow(QWidget* now)
 {
     if (framed) {
         framed->removeEventFilter(this);
     }
     const bool byMouse = QGuiApplication::mouseButtons() != Qt::NoButton;
-    const bool moved = old != nullptr; // and hasn't come with the window
-    const bool shown =
-        canBeFramed(now) && !byMouse && (moved || now->window()->testAttribute(Qt::WA_KeyboardFocusChange));
+    const bool shown = canBeFramed(now) && !byMouse && now->window()->testAttribute(Qt::WA_KeyboardFocusChange);
     framed = shown ? now : nullptr;
     if (framed) {
         framed->installEventFilter(this);

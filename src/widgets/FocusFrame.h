@@ -9,9 +9,9 @@ class QWidget;
 ///
 /// One for the program, on the GUI thread; it follows the application's focus by itself. The frame is a widget of the
 /// control's own parent, so that it is scrolled and cut off as the control is; it lies beside the control where there
-/// is room, takes no mouse, and covers nothing but its own thin line. A control that was clicked has
-/// none, nor has what gets the focus when a window opens, until Tab was pressed there: who works by the mouse sees the
-/// window as it always was.
+/// is room, takes no mouse, and covers nothing but its own thin line. A control that was clicked has none, and a window
+/// in which nobody has pressed Tab yet, or a key that leads to a control, shows none: who works by the mouse sees it as
+/// it always was.
 class FocusFrame : public QObject
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void follow(const QWidget* old, QWidget* now);
+    void follow(QWidget* now);
     void fit();
 
     QPointer<QWidget> framed;
