@@ -4,6 +4,7 @@
 #include "link/PortRow.h"
 #include "texts/texts.h"
 #include "ui_FormChoiceCoordinator.h"
+#include "widgets/EmptyTableText.h"
 #include "widgets/Look.h"
 #include "widgets/ScreenRoom.h"
 #include "widgets/WholeTextTips.h"
@@ -14,7 +15,6 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -100,7 +100,7 @@ void FormChoiceCoordinator::setUpTable()
     table->addAction(copy);
     table->setAccessibleName(texts::actionSelectCoordinator());
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
-    table->viewport()->installEventFilter(this);
+    new EmptyTableText(table, texts::portsNone());
 }
 
 void FormChoiceCoordinator::connectLink()
@@ -369,21 +369,6 @@ void FormChoiceCoordinator::sl_HideFormWaiting()
 }
 
 // The window.
-
-/// Writes into the empty table what to plug in.
-bool FormChoiceCoordinator::eventFilter(QObject* watched, QEvent* event)
-{
-    QWidget* const viewport = ui->tableWidget->viewport();
-    if (event->type() == QEvent::Paint && watched == viewport && ui->tableWidget->rowCount() == 0) {
-        constexpr int margin = 20;
-        QPainter painter(viewport);
-        painter.setFont(look::applicationFont());
-        painter.setPen(viewport->palette().color(QPalette::Text));
-        painter.drawText(viewport->rect().adjusted(margin, margin, -margin, -margin),
-                         Qt::AlignCenter | Qt::TextWordWrap, texts::portsNone());
-    }
-    return Form::eventFilter(watched, event);
-}
 
 void FormChoiceCoordinator::showEvent(QShowEvent* event)
 {

@@ -127,7 +127,6 @@ signals:
     void sig_sendAnswerFirmWare(const message& answer);
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;

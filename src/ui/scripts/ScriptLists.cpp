@@ -3,6 +3,7 @@
 #include "model/RelayInfo.h"
 #include "model/tables.h"
 #include "texts/texts.h"
+#include "ui/scripts/DraggedRowDelegate.h"
 #include "ui/scripts/ScriptLabel.h"
 #include "ui/scripts/ScriptSummary.h"
 #include "widgets/Look.h"
@@ -13,10 +14,8 @@
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QListWidgetItem>
-#include <QPainter>
 #include <QPalette>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <utility>
@@ -68,27 +67,6 @@ void setSelectionColor(QWidget* list)
     list->setPalette(colors);
 }
 
-/// Gives a row that is being dragged the look of its label, which the list itself doesn't draw.
-class RowDelegate : public QStyledItemDelegate
-{
-public:
-    explicit RowDelegate(QListWidget* parentList) : QStyledItemDelegate(parentList), list(parentList)
-    {
-    }
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
-    {
-        QStyledItemDelegate::paint(painter, option, index);
-        QWidget* label = list->indexWidget(index);
-        if (label != nullptr && painter->device()->devType() == QInternal::Pixmap) {
-            painter->drawPixmap(option.rect.topLeft(), label->grab());
-        }
-    }
-
-private:
-    QListWidget* list;
-};
-
 } // namespace
 
 bool ScriptLists::ScriptEntry::has(const QObject* part) const
@@ -102,7 +80,7 @@ ScriptLists::ScriptLists(QSharedPointer<RelayInfo> info, QListWidget* allList, Q
     all->setSelectionMode(QAbstractItemView::ExtendedSelection);
     active->setSelectionMode(QAbstractItemView::ExtendedSelection);
     active->setDragDropMode(QAbstractItemView::InternalMove);
-    active->setItemDelegate(new RowDelegate(active));
+    active->setItemDelegate(new DraggedRowDelegate(active));
     active->installEventFilter(this);
     setSelectionColor(all);
     setSelectionColor(active);
