@@ -79,6 +79,7 @@ void MainWindow::setUpSpokenNames()
     spoken::nameBy(ui->textEditComment, ui->labelTitleComment);
     ui->tableViewLogEvents->setAccessibleName(texts::tabLogEvents());
     ui->tableLogger->setAccessibleName(texts::spokenPackets());
+    ui->tabWidget->setAccessibleName(texts::spokenTabs());
     ui->tabWidget->tabBar()->setAccessibleName(texts::spokenTabs());
     ui->tabWidget->tabBar()->setAccessibleTabName(ui->tabWidget->indexOf(ui->tabLogger), texts::spokenPackets());
     for (const auto& [button, text] : {std::pair(ui->pushButtonAddScript, texts::spokenAddScripts()),
