@@ -573,8 +573,6 @@ void tst_FormChoiceCoordinator::ticksOfAPortsTimerReachThePort()
     QCOMPARE(tick(&FormChoiceCoordinator::sl_tryFirstConnectCoordinator), QStringList());
 }
 
-// Firmware.
-
 void tst_FormChoiceCoordinator::theFirmwareButtonRunsALoadOnItsPort()
 {
     FormRecorder recorder({portA, portB});

@@ -2,7 +2,6 @@
 #include "ui/scripts/ShownEditor.h"
 
 #include <QRadioButton>
-#include <QSignalSpy>
 
 /// What triggers a script, as the editor shows and edits it: channel state, channels and terminal states.
 class tst_TriggerSection : public QObject
@@ -44,20 +43,12 @@ private slots:
     void combosArePaintedInTheColourOfTheirRow();
     void combosWithoutTheValueAreRed();
 
-    void clickOnBoxTextOrSpaceFlipsOnce_data();
-    void clickOnBoxTextOrSpaceFlipsOnce();
-    void everyOfManyFastClicksCounts_data();
-    void everyOfManyFastClicksCounts();
-    void fastClicksOnDifferentStatesAllCount();
-    void checkedStatesAreStoredInTableOrder();
     void terminalStateAloneMakesAScriptActive();
     void scriptWithoutTriggerIsReportedAsNotActive();
     void everyTriggerEditIsReported_data();
     void everyTriggerEditIsReported();
 
 private:
-    void clickState(int row, bool onBox);
-
     std::unique_ptr<ShownEditor> shown;
 };
 
@@ -434,101 +425,6 @@ void tst_TriggerSection::combosWithoutTheValueAreRed()
     QCOMPARE(shown->combo("comboStateChannel")->styleSheet(), red);
     QVERIFY(!shown->script()->stateChannel);
     QVERIFY(!shown->script()->numberChannels.isEmpty());
-}
-
-void tst_TriggerSection::clickState(int row, bool onBox)
-{
-    QListWidget* list = shown->states();
-    const QRect rect = list->visualItemRect(list->item(row));
-    const QPoint box(rect.left() + 9, rect.center().y());
-    const QPoint text(rect.left() + 120, rect.center().y());
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, onBox ? box : text);
-}
-
-void tst_TriggerSection::clickOnBoxTextOrSpaceFlipsOnce_data()
-{
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QString>("by");
-    for (int row = 0; row < 6; ++row) {
-        for (const char* by : {"box", "text", "space"}) {
-            QTest::addRow("%s of row %d", by, row) << row << QString::fromLatin1(by);
-        }
-    }
-}
-
-void tst_TriggerSection::clickOnBoxTextOrSpaceFlipsOnce()
-{
-    QFETCH(const int, row);
-    QFETCH(const QString, by);
-    shown->open();
-    QListWidget* list = shown->states();
-    QCOMPARE(list->count(), 6);
-    int changes = 0;
-    const QObject listener;
-    connect(list, &QListWidget::itemChanged, &listener, [&changes] { ++changes; });
-    for (const Qt::CheckState expected : {Qt::Checked, Qt::Unchecked, Qt::Checked}) {
-        if (by == QLatin1String("space")) {
-            list->setCurrentRow(row);
-            QTest::keyClick(list, Qt::Key_Space);
-        } else {
-            clickState(row, by == QLatin1String("box"));
-        }
-        QCOMPARE(list->item(row)->checkState(), expected);
-        QCOMPARE(shown->script()->stateTerminal.size(), expected == Qt::Checked ? 1 : 0);
-    }
-    QCOMPARE(changes, 3);
-    QCOMPARE(shown->script()->stateTerminal.first(), shown->model->terminalStateAt(row));
-    QCOMPARE(int(shown->record().at(4)), int(shown->model->terminalStateAt(row)->code));
-}
-
-void tst_TriggerSection::everyOfManyFastClicksCounts_data()
-{
-    QTest::addColumn<bool>("onBox");
-    QTest::newRow("box") << true;
-    QTest::newRow("text") << false;
-}
-
-/// A user's second quick click reaches a list as a double click; here it is one click more.
-void tst_TriggerSection::everyOfManyFastClicksCounts()
-{
-    QFETCH(const bool, onBox);
-    shown->open();
-    QListWidget* list = shown->states();
-    const QRect rect = list->visualItemRect(list->item(2));
-    const QPoint point(rect.left() + (onBox ? 9 : 120), rect.center().y());
-    for (int click = 1; click <= 20; ++click) {
-        if (click % 2 == 0) {
-            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, point);
-            QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, point);
-        } else {
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, point);
-        }
-        QCOMPARE(list->item(2)->checkState(), click % 2 == 1 ? Qt::Checked : Qt::Unchecked);
-        QCOMPARE(shown->script()->stateTerminal.size(), click % 2);
-    }
-}
-
-void tst_TriggerSection::fastClicksOnDifferentStatesAllCount()
-{
-    shown->open();
-    for (int row = 0; row < 6; ++row) {
-        clickState(row, row % 2 == 0);
-    }
-    QCOMPARE(shown->script()->stateTerminal, shown->model->terminalStates());
-    QCOMPARE(int(shown->record().at(4)), 0x7E);
-}
-
-void tst_TriggerSection::checkedStatesAreStoredInTableOrder()
-{
-    QListWidget* list = shown->states();
-    for (const int row : {4, 0, 2}) {
-        list->item(row)->setCheckState(Qt::Checked);
-    }
-    const ParamItems expected = {shown->model->terminalStateAt(0), shown->model->terminalStateAt(2),
-                                 shown->model->terminalStateAt(4)};
-    QCOMPARE(shown->script()->stateTerminal, expected);
-    list->item(0)->setCheckState(Qt::Unchecked);
-    QCOMPARE(shown->script()->stateTerminal, expected.mid(1));
 }
 
 void tst_TriggerSection::terminalStateAloneMakesAScriptActive()
