@@ -28,6 +28,7 @@ void tst_UnitSession::initTestCase()
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     commandLine.addOptions(
         {{QStringLiteral("port"), {}, QStringLiteral("name")}, {QStringLiteral("simulated-unit"), {}}});
+    QVERIFY(commandLine.parse({QStringLiteral("hubn-tool")}));
 }
 
 void tst_UnitSession::whoUsesAPortLeavesTheOthersToOtherPrograms()

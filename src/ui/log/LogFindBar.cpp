@@ -168,7 +168,7 @@ LogFilter LogFindBar::filter() const
 
 void LogFindBar::enterField()
 {
-    text->setFocus(Qt::ShortcutFocusReason);
+    text->setFocus(Qt::OtherFocusReason);
     text->selectAll();
 }
 
