@@ -98,8 +98,6 @@ bool Keeper::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::Move:
     case QEvent::Resize:
-        settle();
-        break;
     case QEvent::WindowActivate:
         settle();
         break;
@@ -179,7 +177,7 @@ QRect forContents(const QWidget* window)
 {
     const QString platform = QGuiApplication::platformName();
     if (platform == QLatin1String("offscreen") || platform == QLatin1String("minimal")) {
-        return QRect(QPoint(-QWIDGETSIZE_MAX, -QWIDGETSIZE_MAX), QPoint(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+        return {QPoint(-QWIDGETSIZE_MAX, -QWIDGETSIZE_MAX), QPoint(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX)};
     }
     return window->screen()->availableGeometry().marginsRemoved(frameOf(window));
 }

@@ -68,7 +68,7 @@ void MainWindow::setUpTabShortcuts()
     add(QKeySequence::NextChild, [tabs, count] { return (tabs->currentIndex() + 1) % count; });
     add(QKeySequence::PreviousChild, [tabs, count] { return (tabs->currentIndex() + count - 1) % count; });
     for (int index = 0; index < count; ++index) {
-        add(Qt::ALT + (Qt::Key_1 + index), [index] { return index; });
+        add(int(Qt::ALT) + int(Qt::Key_1) + index, [index] { return index; });
     }
 }
 
