@@ -186,10 +186,15 @@ void FormChoiceCoordinator::fitTable()
     const int scrollBar = overflows ? table->verticalScrollBar()->sizeHint().width() : 0;
     const QMargins margins = layout()->contentsMargins();
     const int room = width() - margins.left() - margins.right();
+    const int width = table->columnWidth(ColumnState);
     const int missing = table->horizontalHeader()->length() + frame + scrollBar - room;
+    const int possible = qMax(qMin(leastStateWidth, width), width - missing);
     if (missing > 0) {
-        const int width = table->columnWidth(ColumnState);
-        table->setColumnWidth(ColumnState, qBound(qMin(leastStateWidth, width), width - missing, width));
+        isStateSqueezed = true;
+        table->setColumnWidth(ColumnState, possible);
+    } else if (isStateSqueezed) {
+        table->setColumnWidth(ColumnState, qMin(columnWidths[ColumnState], possible));
+        isStateSqueezed = possible < columnWidths[ColumnState];
     }
     table->setFixedWidth(qMin(table->horizontalHeader()->length() + frame + scrollBar, room));
 }

@@ -151,4 +151,5 @@ private:
     std::unique_ptr<Ui::FormChoiceCoordinator> ui;
     QVector<PortRow*> portRows; ///< in order of discovery
     FormWaiting* formWaiting;
+    bool isStateSqueezed = false; ///< the state's column has given way to a narrow form
 };

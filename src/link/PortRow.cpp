@@ -87,7 +87,10 @@ void PortRow::refresh() const
     itemState->setText(traits.text);
     itemState->setToolTip(info.trouble ? info.trouble->whatIsWrong() + QLatin1Char('\n') + info.trouble->whatToDo()
                                        : QString());
-    if (!traits.showControls && cellWidget->isAncestorOf(QApplication::focusWidget())) {
+    const QWidget* const focus = QApplication::focusWidget();
+    const bool isGoing = !traits.showControls || focus == (info.connected ? static_cast<QWidget*>(buttonFirmware)
+                                                                          : static_cast<QWidget*>(checkBoxCheck));
+    if (isGoing && cellWidget->isAncestorOf(focus)) {
         // Left to itself, the focus would go to the next row's button, which the next key would press.
         itemState->tableWidget()->setFocus();
     }

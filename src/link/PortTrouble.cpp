@@ -106,7 +106,8 @@ qint64 processOfLock(const QString& portName, QString& program)
         qint64 process = 0;
         QString host;
         const QLockFile lock(QLatin1String(folder) + file);
-        if (lock.getLockInfo(&process, &host, &program) && (::kill(pid_t(process), 0) == 0 || errno == EPERM)) {
+        if (lock.getLockInfo(&process, &host, &program) && process > 0 &&
+            (::kill(pid_t(process), 0) == 0 || errno == EPERM)) {
             return process;
         }
     }

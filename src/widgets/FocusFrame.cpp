@@ -60,6 +60,9 @@ void FocusFrame::follow(QWidget* now)
         framed->removeEventFilter(this);
     }
     const bool byMouse = QGuiApplication::mouseButtons() != Qt::NoButton;
+    if (byMouse && now != nullptr) {
+        now->window()->setAttribute(Qt::WA_KeyboardFocusChange, false); // until the next Tab
+    }
     const bool shown = canBeFramed(now) && !byMouse && now->window()->testAttribute(Qt::WA_KeyboardFocusChange);
     framed = shown ? now : nullptr;
     if (framed) {

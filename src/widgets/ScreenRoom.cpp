@@ -64,6 +64,7 @@ private:
     void begin();
     void settle();
     void leaveLeastSizeToLayout();
+    void fitSizes();
     void fit();
 
     QWidget* window;
@@ -126,7 +127,7 @@ void Keeper::begin()
     follow(window->screen());
     connect(window->windowHandle(), &QWindow::screenChanged, this, [this, follow](const QScreen* screen) {
         follow(screen);
-        fit();
+        fitSizes(); // and not its place: a user is dragging it there
     });
 }
 
@@ -148,7 +149,7 @@ void Keeper::leaveLeastSizeToLayout()
     window->layout()->activate();
 }
 
-void Keeper::fit()
+void Keeper::fitSizes()
 {
     const QRect room = screenRoom::forContents(window);
     if (fixedSize) {
@@ -163,6 +164,12 @@ void Keeper::fit()
         }
         isSqueezed = possible != least;
     }
+}
+
+void Keeper::fit()
+{
+    fitSizes();
+    const QRect room = screenRoom::forContents(window);
     if (isNormal(window) && !room.contains(window->geometry())) {
         window->setGeometry(within(window->geometry(), room));
     }

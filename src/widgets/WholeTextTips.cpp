@@ -10,7 +10,7 @@ bool WholeTextTips::helpEvent(QHelpEvent* event, QAbstractItemView* view, const 
                               const QModelIndex& index)
 {
     const QString text = displayText(index.data(), option.locale);
-    if (event->type() != QEvent::ToolTip || text.isEmpty() || index.data(Qt::ToolTipRole).isValid()) {
+    if (event->type() != QEvent::ToolTip || text.isEmpty() || !index.data(Qt::ToolTipRole).toString().isEmpty()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
     const QRect inSight = option.rect & view->viewport()->rect();

@@ -271,12 +271,12 @@ void tst_keysOnly::checkScript()
     read.readScriptRecords(records);
     const ScriptInfo& script = *read.scripts().at(1);
     QCOMPARE(script.mode->name, texts::modePulsation1());
-    QCOMPARE(script.delay, read.delays().last());
-    QCOMPARE(script.duration, read.durations().last());
+    QCOMPARE(script.delay, read.delays().constLast());
+    QCOMPARE(script.duration, read.durations().constLast());
     QCOMPARE(script.stateChannel->name, texts::statePanicButton());
     QVERIFY(script.stateChannel->linked->code > 15); // a long press
     QCOMPARE(script.numberChannels, QList<bool>({true, false, true, false}));
-    QCOMPARE(script.stateTerminal, ParamItems({read.terminalStates().last()}));
+    QCOMPARE(script.stateTerminal, ParamItems({read.terminalStates().constLast()}));
     QCOMPARE(script.activateFilter, QList<bool>({true, true, true, true}));
     const TerminalType& type = *script.terminalFilter;
     QCOMPARE(QList<int>({type.terminalClass, type.version, type.type, type.characteristic}),

@@ -97,7 +97,7 @@ void tst_PortTrouble::withoutTheRightTheGroupIsNamed()
 {
     const group* const dialout = ::getgrnam("dialout");
     if (::geteuid() != 0 || dialout == nullptr) {
-        QSKIP("only root can make a port that may not be opened");
+        QSKIP("only root can make a port that may not be opened", );
     }
     const ForbiddenPort port(dialout->gr_gid, forGroup);
     QVERIFY(port.isMade);
@@ -114,7 +114,7 @@ void tst_PortTrouble::withoutTheRightTheGroupIsNamed()
 void tst_PortTrouble::aDeviceOfItsOwnerAloneHasNoGroupToJoin()
 {
     if (::geteuid() != 0) {
-        QSKIP("only root can make a port that may not be opened");
+        QSKIP("only root can make a port that may not be opened", );
     }
     const ForbiddenPort port(noGroup, forOwner);
     QVERIFY(port.isMade);
@@ -130,7 +130,7 @@ void tst_PortTrouble::aDeviceOfItsOwnerAloneHasNoGroupToJoin()
 void tst_PortTrouble::theGroupOfTheAdministratorIsNoneToJoin()
 {
     if (::geteuid() != 0) {
-        QSKIP("only root can make a port that may not be opened");
+        QSKIP("only root can make a port that may not be opened", );
     }
     const ForbiddenPort port(0, forGroup);
     QVERIFY(port.isMade);
@@ -158,7 +158,7 @@ void tst_PortTrouble::aMemberSinceTheLastLoginIsToLogInAgain()
 {
     const passwd* const nobody = ::getpwnam("nobody");
     if (::geteuid() != 0 || nobody == nullptr) {
-        QSKIP("only root can make a port that may not be opened");
+        QSKIP("only root can make a port that may not be opened", );
     }
     // The user is in this group by the database; the process is in that of root.
     const ForbiddenPort port(nobody->pw_gid, forGroup);
@@ -218,7 +218,7 @@ void tst_PortTrouble::aPortThatMayNotBeOpenedTellsIt()
 {
     const group* const dialout = ::getgrnam("dialout");
     if (::geteuid() != 0 || dialout == nullptr) {
-        QSKIP("only root can make a port that may not be opened");
+        QSKIP("only root can make a port that may not be opened", );
     }
     const ForbiddenPort port(dialout->gr_gid, forGroup);
     QVERIFY(port.isMade);

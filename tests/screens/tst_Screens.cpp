@@ -50,7 +50,7 @@ private:
     QWidget* busy();
     QWidget* addingTerminal();
     QWidget* loading();
-    QWidget* event();
+    QWidget* openedEvent();
     QWidget* fileDialog();
 
     std::unique_ptr<QWidget> further; ///< a form that the window doesn't own
@@ -220,7 +220,7 @@ QWidget* tst_Screens::loading()
     return dialog;
 }
 
-QWidget* tst_Screens::event()
+QWidget* tst_Screens::openedEvent()
 {
     QStandardItemModel log(1, logtable::columns().size());
     for (int column = 0; column < log.columnCount(); ++column) {
@@ -268,7 +268,7 @@ void tst_Screens::everyFormIsWithinTheScreen_data()
     add("busy", [this] { return busy(); });
     add("adding a terminal", [this] { return addingTerminal(); });
     add("loading", [this] { return loading(); });
-    add("event", [this] { return event(); });
+    add("event", [this] { return openedEvent(); });
     add("file", [this] { return fileDialog(); });
 }
 

@@ -100,7 +100,7 @@ void tst_unitCommands::aPortThatMayNotBeOpenedIsToldWithWhatToDo()
 {
     const QByteArray device = "/dev/" + unit->portName().toLatin1();
     if (::geteuid() != 0) {
-        QSKIP("only root can make a port that may not be opened");
+        QSKIP("only root can make a port that may not be opened", );
     }
     QCOMPARE(::chmod(device.constData(), S_IRUSR | S_IWUSR), 0);
     const OrdinaryUser user;

@@ -5,6 +5,8 @@
 #include <QPixmapCache>
 #include <QStyleOptionButton>
 
+#include <cmath>
+
 namespace
 {
 
@@ -32,8 +34,13 @@ PicturedButton::PicturedButton(const QString& text, QWidget* parent) : QPushButt
     setIconSize(QSize(1, 1)); // it has no icon, and asking the style sheet for the size costs more than all else
 }
 
-void PicturedButton::paintEvent(QPaintEvent* /*event*/)
+void PicturedButton::paintEvent(QPaintEvent* event)
 {
+    const qreal ratio = devicePixelRatioF();
+    if (ratio != std::floor(ratio)) { // a picture would lie between the pixels of the screen
+        QPushButton::paintEvent(event);
+        return;
+    }
     QStyleOptionButton option;
     initStyleOption(&option);
     const QString look = lookOf(*this, option);

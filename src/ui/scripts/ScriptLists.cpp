@@ -110,44 +110,20 @@ void ScriptLists::rebuildActive(const QSharedPointer<RelayInformation>& output)
 void ScriptLists::rebuildActive()
 {
     const QSignalBlocker allBlocker(all);
-    const QList<ScriptInfoPtr> scripts = currentRelay ? currentRelay->activatedScripts : QList<ScriptInfoPtr>();
-    keepActiveRows(scripts.size());
-    for (int row = 0; row < scripts.size(); ++row) {
-        const ScriptInfoPtr& script = scripts.at(row);
-        if (row < activeScriptEntries.size()) {
-            ScriptEntry& entry = activeScriptEntries[row];
-            entry.script = script;
-            entry.label->setToolTip(QString());
-            showRow(entry.item, entry.label, *script, indentedRowText(*script));
-        } else {
-            activeScriptEntries.append(makeEntry(active, script, indentedRowText(*script)));
-        }
-    }
-    if (currentRelay) {
-        allCurrentChanged(all->currentItem());
-        allSelectionChanged();
-    }
-}
-
-/// The rows of one output stay for the next one's scripts, since making a row costs more than all else here. None of
-/// them is current or selected, as if they were new, and that isn't a choice which the other list has to follow.
-void ScriptLists::keepActiveRows(int count)
-{
-    const QSignalBlocker blocker(active);
-    bool inOrder = activeScriptEntries.size() == active->count();
-    for (int row = 0; inOrder && row < active->count(); ++row) {
-        inOrder = activeScriptEntries.at(row).item == active->item(row);
-    }
-    if (!inOrder) {
+    {
+        // The rows go all at once, which isn't a choice that the other list has to follow.
+        const QSignalBlocker activeBlocker(active);
         activeScriptEntries.clear();
         active->clear();
+    }
+    if (!currentRelay) {
         return;
     }
-    active->selectionModel()->clear();
-    active->scrollToTop();
-    while (active->count() > count) {
-        delete active->takeItem(active->count() - 1); // its entry goes with it: dropEntries()
+    for (const ScriptInfoPtr& script : std::as_const(currentRelay->activatedScripts)) {
+        activeScriptEntries.append(makeEntry(active, script, indentedRowText(*script)));
     }
+    allCurrentChanged(all->currentItem());
+    allSelectionChanged();
 }
 
 ScriptLists::ScriptEntry ScriptLists::makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text)

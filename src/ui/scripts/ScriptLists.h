@@ -86,7 +86,6 @@ private:
     void setUpKeys();
     void moveSelected(int step);
     void rebuildActive();
-    void keepActiveRows(int count);
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);
     template <typename Part>
     static const ScriptEntry* entryOf(const Entries& entries, const Part& part);

@@ -152,7 +152,8 @@ void MainWindow::sl_RefreshNameDevOrOutput()
         outputTitle(currentGroup->name, currentGroup->address, currentRelay->name, currentRelay->number);
     ui->labelTitleParamRelay->setText(title);
     ui->labelTitleActivateScript->setText(texts::listActiveScriptsFor() + QLatin1Char('\n') + title);
-    spoken::nameBy(ui->listWidgetActivateScript, ui->labelTitleActivateScript);
+    // No buddy of the list: a label that is one takes the "&" in a name for the mark of a key.
+    spoken::call(ui->listWidgetActivateScript, spoken::name(ui->labelTitleActivateScript->text()));
 }
 
 void MainWindow::sl_changeTitleSettingScript(const QString& name)

@@ -44,7 +44,7 @@ struct WindowSeams
     std::function<QStringList()> portNames; ///< names of the serial ports
     std::function<QDateTime()> now;         ///< local date and time
     Dialogs* dialogs = nullptr;             ///< file and message dialogs; outlives the window
-    QStringList manuals;                    ///< where the manual may be, the better place first
+    QStringList manuals = {};               ///< where the manual may be, the better place first
 };
 
 /// The program's one window and its hub: it creates the model, the forms and the editors, and joins them.

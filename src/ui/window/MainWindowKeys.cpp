@@ -10,12 +10,31 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QEvent>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTreeWidget>
 
 #include <functional>
 #include <utility>
+
+namespace
+{
+
+/// Keeps the keys of the window from it while a form is in front of it, also before that form is the active window.
+class NoKeysBehindForms : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        return (event->type() == QEvent::Shortcut && QApplication::activeModalWidget() != nullptr) ||
+               QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
 
 /// Tab goes as the eye does: the tree, the lists and what else the tabs hold, the script editor.
 void MainWindow::setUpFocus()
@@ -24,7 +43,12 @@ void MainWindow::setUpFocus()
     setTabOrder(tree, ui->tabWidget); // with all that it holds
     tree->setFocus();
     new FocusFrame(this);
-    connect(qApp, &QApplication::focusChanged, this, [](QWidget*, QWidget* now) { focus::bringIntoSight(now); });
+    connect(qApp, &QApplication::focusChanged, this, [](QWidget* old, QWidget* now) {
+        // A window that gets the focus back stays as it is scrolled: a click may be on its way there.
+        if (old != nullptr && now != nullptr && old->window() == now->window()) {
+            focus::bringIntoSight(now);
+        }
+    });
 }
 
 /// The keys of the menus: the platform's own where it has one for the purpose; with Ctrl and Shift what goes to the
@@ -49,9 +73,11 @@ void MainWindow::setUpShortcuts()
         {ui->actionLoadLog, {Qt::CTRL + Qt::SHIFT + Qt::Key_O}},
         {ui->actionSaveLog, {Qt::CTRL + Qt::SHIFT + Qt::Key_S}},
     };
+    auto* const guard = new NoKeysBehindForms(this);
     for (const Keys& row : rows) {
         row.action->setShortcuts(row.keys);
         row.action->setAutoRepeat(false);
+        row.action->installEventFilter(guard);
     }
     setUpTabShortcuts();
 }
@@ -74,7 +100,7 @@ void MainWindow::setUpTabShortcuts()
 
 void MainWindow::setUpSpokenNames()
 {
-    spoken::nameBy(ui->listWidgetActivateScript, ui->labelTitleActivateScript);
+    spoken::call(ui->listWidgetActivateScript, spoken::name(ui->labelTitleActivateScript->text()));
     spoken::nameBy(ui->listWidgetAllScript, ui->labelTitleAllScript);
     spoken::nameBy(ui->textEditComment, ui->labelTitleComment);
     ui->tableViewLogEvents->setAccessibleName(texts::tabLogEvents());

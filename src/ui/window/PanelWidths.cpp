@@ -11,6 +11,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -51,7 +52,7 @@ void PanelWidths::change(int step)
     const bool hasAny = std::any_of(docks.cbegin(), docks.cend(), hasFocus);
     QList<QDockWidget*> changed;
     QList<int> widths;
-    for (QDockWidget* const dock : docks) {
+    for (QDockWidget* const dock : std::as_const(docks)) {
         if (isBeside(dock) && (hasFocus(dock) || !hasAny)) {
             changed.append(dock);
             widths.append(dock->width() + step);

@@ -60,9 +60,8 @@ void tst_TerminalStates::clickOnBoxTextOrSpaceFlipsOnce()
     shown->open();
     QListWidget* list = shown->states();
     QCOMPARE(list->count(), 6);
-    int changes = 0;
-    const QObject listener;
-    connect(list, &QListWidget::itemChanged, &listener, [&changes] { ++changes; });
+    const auto changes = std::make_shared<int>(0);
+    connect(list, &QListWidget::itemChanged, this, [changes] { ++*changes; });
     for (const Qt::CheckState expected : {Qt::Checked, Qt::Unchecked, Qt::Checked}) {
         if (by == QLatin1String("space")) {
             list->setCurrentRow(row);
@@ -73,7 +72,7 @@ void tst_TerminalStates::clickOnBoxTextOrSpaceFlipsOnce()
         QCOMPARE(list->item(row)->checkState(), expected);
         QCOMPARE(shown->script()->stateTerminal.size(), expected == Qt::Checked ? 1 : 0);
     }
-    QCOMPARE(changes, 3);
+    QCOMPARE(*changes, 3);
     QCOMPARE(shown->script()->stateTerminal.first(), shown->model->terminalStateAt(row));
     QCOMPARE(int(shown->record().at(4)), int(shown->model->terminalStateAt(row)->code));
 }

@@ -65,7 +65,7 @@ private slots:
 void tst_scriptMarks::eachModeHasAMarkOfItsOwn()
 {
     const RelayInfo info;
-    const ScriptInfoPtr script = info.scripts().first();
+    const ScriptInfoPtr script = info.scripts().constFirst();
     QList<ScriptLabel::Mark> marks = {ScriptLabel::markOf(*script)};
     QCOMPARE(marks.first(), ScriptLabel::Mark::NotActive);
     script->notActive = false;

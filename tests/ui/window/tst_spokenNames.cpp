@@ -189,7 +189,7 @@ void tst_spokenNames::nodesOfTheTreeTellTextAndColour()
     tree->setCurrentItem(tree->topLevelItem(0)->child(1));
     get<QListWidget>("listWidgetAllScript")->setCurrentRow(4);
     window->sl_AddScriptInActivateList();
-    QCOMPARE(spokenRow(tree, 3).last(), QStringLiteral("scripts: 1"));
+    QCOMPARE(spokenRow(tree, 3).constLast(), QStringLiteral("scripts: 1"));
 }
 
 void tst_spokenNames::lampTellsItsColour()

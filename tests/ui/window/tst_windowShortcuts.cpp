@@ -124,11 +124,11 @@ void tst_windowShortcuts::eachActionOfTheMenusHasAKeyOfItsOwn_data()
 void tst_windowShortcuts::eachActionOfTheMenusHasAKeyOfItsOwn()
 {
     QFETCH(QByteArray, focus);
-    int triggered = 0;
+    const auto triggered = std::make_shared<int>(0);
     for (const char* const name : menuActions) {
         // What they do is told elsewhere.
         QObject::disconnect(action(name), &QAction::triggered, nullptr, nullptr);
-        connect(action(name), &QAction::triggered, this, [&triggered] { ++triggered; });
+        connect(action(name), &QAction::triggered, this, [triggered] { ++*triggered; });
     }
     for (const char* const name : menuActions) {
         const QList<QKeySequence> keys = action(name)->shortcuts();
@@ -136,11 +136,11 @@ void tst_windowShortcuts::eachActionOfTheMenusHasAKeyOfItsOwn()
         for (const QKeySequence& key : keys) {
             get<QWidget>(focus.constData())->setFocus();
             QSignalSpy spy(action(name), &QAction::triggered);
-            triggered = 0;
+            *triggered = 0;
             const int code = key[0];
             QTest::keyClick(QApplication::focusWidget(), Qt::Key(code & ~Qt::KeyboardModifierMask),
                             Qt::KeyboardModifiers(code & Qt::KeyboardModifierMask));
-            QVERIFY2(spy.size() == 1 && triggered == 1, name);
+            QVERIFY2(spy.size() == 1 && *triggered == 1, name);
         }
     }
 }
