@@ -1,7 +1,10 @@
 #include "ui/window/WindowTest.h"
 
 #include <QComboBox>
+#include <QDockWidget>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTreeWidget>
@@ -26,6 +29,7 @@ private slots:
     void tabLeavesEveryTable();
     void whatTabReachesInTheEditorIsInSight();
     void whatTabReachesInTheTreeIsInSight();
+    void aWindowThatComesBackStaysAsItWasScrolled();
 
 private:
     static QString step(Qt::Key key);
@@ -161,6 +165,21 @@ void tst_windowFocus::whatTabReachesInTheEditorIsInSight()
     tree()->setFocus();
     step(Qt::Key_Backtab);
     QVERIFY(!name->visibleRegion().contains(name->rect().center()));
+}
+
+/// A click that brings it back is on its way to what is under the mouse.
+void tst_windowFocus::aWindowThatComesBackStaysAsItWasScrolled()
+{
+    window->resize(window->width(), 500);
+    get<QWidget>("lineEditNameScript")->setFocus();
+    auto* const area = window->findChild<QDockWidget*>(QStringLiteral("dockScript"))->findChild<QScrollArea*>();
+    QScrollBar* const bar = area->verticalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 100);
+    bar->setValue(bar->maximum());
+    QApplication::setActiveWindow(nullptr);
+    QApplication::setActiveWindow(window.get());
+    QCOMPARE(QApplication::focusWidget(), get<QWidget>("lineEditNameScript"));
+    QCOMPARE(bar->value(), bar->maximum());
 }
 
 void tst_windowFocus::whatTabReachesInTheTreeIsInSight()
