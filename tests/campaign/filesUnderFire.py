@@ -133,10 +133,10 @@ class Fire:
         for litter in self.folder.glob(saving.file + ".*"):
             litter.unlink()
 
-    def callsThatMakeIt(self, saving):
+    def callsThatMakeIt(self, saving, refusals):
         for call in MAKING_CALLS:
             for number in range(1, self.calls(saving, call) + 1):
-                for fault in ["signal=KILL"] + [f"error={refusal}" for refusal in REFUSALS]:
+                for fault in ["signal=KILL"] + [f"error={refusal}" for refusal in refusals]:
                     self.tryOne(saving, f"{call} {number} {fault}",
                                 ["strace", "-f", "-o", "/dev/null", "-e", f"trace={call}",
                                  "-e", f"inject={call}:{fault}:when={number}"])
@@ -195,7 +195,7 @@ def main():
         fire = Fire(tool, folder)
         fire.learn(savings)
         for saving in savings:
-            fire.callsThatMakeIt(saving)
+            fire.callsThatMakeIt(saving, REFUSALS if whole else REFUSALS[:1])
             if whole:
                 fire.writes(saving, 40)
             if disks:
