@@ -16,10 +16,11 @@ EmptyTableText::EmptyTableText(QTableWidget* emptyTable, QString line)
 
 bool EmptyTableText::eventFilter(QObject* watched, QEvent* event)
 {
-    const QWidget* const viewport = table->viewport();
-    if (event->type() == QEvent::Paint && watched == viewport && table->rowCount() == 0) {
+    // Events come also while the table is being destroyed; it is only asked when it is painted.
+    if (event->type() == QEvent::Paint && table->rowCount() == 0) {
         constexpr int margin = 20;
-        QPainter painter(table->viewport());
+        QWidget* const viewport = table->viewport();
+        QPainter painter(viewport);
         painter.setFont(look::applicationFont());
         painter.setPen(viewport->palette().color(QPalette::Text));
         painter.drawText(viewport->rect().adjusted(margin, margin, -margin, -margin),
