@@ -5,12 +5,12 @@
 #include <QSharedPointer>
 #include <QString>
 
-class CrossedButton;
+class PicturedButton;
 
 /// One round button of the script editor's address filter, with all that its looks depend on.
 struct AddressButton
 {
-    CrossedButton* button = nullptr;
+    PicturedButton* button = nullptr;
     quint8 address = 0;            ///< terminal address; 0 is the head unit
     quint8 index = 0;              ///< position of the address in ScriptInfo::addressFilter
     bool selected = false;         ///< the address is in the filter

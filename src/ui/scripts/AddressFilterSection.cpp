@@ -3,7 +3,7 @@
 #include "model/RelayInfo.h"
 #include "model/ScriptRules.h"
 #include "texts/texts.h"
-#include "ui/scripts/CrossedButton.h"
+#include "ui/scripts/PicturedButton.h"
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
 
@@ -32,7 +32,7 @@ AddressFilterSection::AddressFilterSection(const Ui::Setting_Script_Widget& form
 void AddressFilterSection::addButton(const QString& text, int address, int index)
 {
     AddressButton entry;
-    entry.button = new CrossedButton(text, ui.F_Address);
+    entry.button = new PicturedButton(text, ui.F_Address);
     entry.address = quint8(address);
     entry.index = quint8(index);
     entry.button->setAccessibleName(address == 0 ? texts::spokenAddressHeadUnit()

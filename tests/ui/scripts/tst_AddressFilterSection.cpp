@@ -1,4 +1,4 @@
-#include "ui/scripts/CrossedButton.h"
+#include "ui/scripts/PicturedButton.h"
 #include "ui/scripts/ShownEditor.h"
 
 /// The filter by addresses, as the editor shows and edits it.
@@ -174,7 +174,7 @@ void tst_AddressFilterSection::ringsFollowTheTypeFilter()
     shown->spin("spinBoxCharacteristic")->setValue(filter.at(3));
     QCOMPARE(styleOf(7).contains(QLatin1String("rgb(0, 120, 0)")), fits);
     QCOMPARE(styleOf(7).contains(QLatin1String("rgb(120, 0, 0)")), !fits);
-    QCOMPARE(shown->find<CrossedButton>(QStringLiteral("ButtonAddress7"))->isCrossed(), !fits);
+    QCOMPARE(shown->find<PicturedButton>(QStringLiteral("ButtonAddress7"))->isCrossed(), !fits);
     shown->button("checkBoxType")->click();
     QVERIFY(styleOf(7).contains(QLatin1String("rgb(0, 120, 0)")));
 

@@ -151,10 +151,14 @@ void tst_PicturedButton::eachLookIsDrawnOnce()
     one.grab();
     QCOMPARE(style.drawn, 3);
     one.setEnabled(true);
+    one.setCrossed(true);
+    one.grab();
+    QCOMPARE(style.drawn, 4);
+    one.setCrossed(false);
     other.setText(QStringLiteral("3"));
     one.grab();
     other.grab();
-    QCOMPARE(style.drawn, 3);
+    QCOMPARE(style.drawn, 4);
 }
 
 QTEST_MAIN(tst_PicturedButton)

@@ -1,5 +1,5 @@
 #include "model/RelayInfo.h"
-#include "ui/scripts/CrossedButton.h"
+#include "ui/scripts/PicturedButton.h"
 #include "ui/scripts/ScriptLabel.h"
 #include "ui/scripts/ScriptLists.h"
 
@@ -106,7 +106,7 @@ void tst_scriptMarks::aMarkChangesNeitherTextNorHeight()
 
 void tst_scriptMarks::aCrossIsSeenWithoutColours()
 {
-    CrossedButton button(QStringLiteral("5"));
+    PicturedButton button(QStringLiteral("5"));
     button.resize(22, 22);
     const QImage plain = button.grab().toImage().convertToFormat(QImage::Format_Grayscale8);
     button.setCrossed(true);
