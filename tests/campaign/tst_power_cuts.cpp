@@ -50,18 +50,7 @@ void tst_power_cuts::aRepeatEndsInTheRightImage()
     UnitFault cut(UnitFault::LosePower);
     cut.onBoot(isLast ? lastBlock : fullBlock).from(isLast ? 1 : block).times(1).value(900);
     LoadingOverUnit over({cut});
-    over.show(image);
-    QVERIFY(over.waitForEnd());
-    QVERIFY(over.hasFailed());
-    QCOMPARE(barText(over.dialog), texts::firmwareNotResponding());
-    QVERIFY(!over.unit.state().firmwareComplete);
-    // Without power the first repeats fail as well.
-    for (int run = 0; run < 20 && over.hasFailed(); ++run) {
-        button(over.dialog, "ButtonRepeat")->click();
-        QVERIFY(over.waitForEnd());
-    }
-    QVERIFY(over.dialog.isNull());
-    QVERIFY(over.isComplete(image));
+    over.failAndRepeat(image);
 }
 
 HUBN_THREADED_TEST_MAIN(tst_power_cuts)

@@ -210,17 +210,7 @@ void tst_firmware::theUnitLosesItsPowerAndARepeatSucceeds()
 {
     const QByteArray image = randomImage(700);
     LoadingOverUnit over({UnitFault(UnitFault::LosePower).onBoot(5).from(3).times(1).value(900)});
-    over.show(image);
-    QVERIFY(over.waitForEnd());
-    QVERIFY(over.hasFailed());
-    QCOMPARE(barText(over.dialog), texts::firmwareNotResponding());
-    QVERIFY(!over.unit.state().firmwareComplete);
-    for (int run = 0; run < 20 && over.hasFailed(); ++run) {
-        button(over.dialog, "ButtonRepeat")->click();
-        QVERIFY(over.waitForEnd());
-    }
-    QVERIFY(over.dialog.isNull());
-    QVERIFY(over.isComplete(image));
+    over.failAndRepeat(image);
 }
 
 void tst_firmware::aRefusedBlockIsAWriteError()

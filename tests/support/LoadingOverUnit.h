@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QThread>
+#include <QtTest>
 
 /// What tests of firmware on its way to a simulated unit have in common.
 
@@ -81,6 +82,22 @@ public:
     {
         return dialog != nullptr && dialog->isVisible() &&
                button(dialog, "ButtonAbort")->text() == texts::buttonClose();
+    }
+    /// A load whose unit falls silent, and repeats until one ends in the right image: the first of them may fail as
+    /// well.
+    void failAndRepeat(const QByteArray& image)
+    {
+        show(image);
+        QVERIFY(waitForEnd());
+        QVERIFY(hasFailed());
+        QCOMPARE(barText(dialog), texts::firmwareNotResponding());
+        QVERIFY(!unit.state().firmwareComplete);
+        for (int run = 0; run < 20 && hasFailed(); ++run) {
+            button(dialog, "ButtonRepeat")->click();
+            QVERIFY(waitForEnd());
+        }
+        QVERIFY(dialog.isNull());
+        QVERIFY(isComplete(image));
     }
     bool isComplete(const QByteArray& image) const
     {
