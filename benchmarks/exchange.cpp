@@ -1,6 +1,7 @@
 // What one exchange costs apart from the wire: the time between two requests of a reading through worker and form, less
 // that of the same bytes in a loop of write, poll and read on a pseudo-terminal of the same kind.
 
+#include "benchmarks/BareLoop.h"
 #include "benchmarks/Figures.h"
 #include "benchmarks/Units.h"
 #include "link/FormChoiceCoordinator.h"
@@ -8,14 +9,8 @@
 #include "simulator/UnitSimulator.h"
 
 #include <QEventLoop>
-#include <QFile>
 
 #include <chrono>
-
-#include <fcntl.h>
-#include <poll.h>
-#include <termios.h>
-#include <unistd.h>
 
 namespace
 {
@@ -35,38 +30,6 @@ std::vector<double> intervals(const QVector<UnitRequest>& requests)
         }
     }
     return result;
-}
-
-/// Sends each request and waits for as many bytes as its answer has. Returns false if the line broke.
-bool pollLoop(const QString& portName, const QVector<UnitRequest>& pattern)
-{
-    const int line =
-        open(QFile::encodeName(portName.startsWith(QLatin1Char('/')) ? portName : QStringLiteral("/dev/") + portName)
-                 .constData(),
-             O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (line < 0) {
-        return false;
-    }
-    termios settings = {};
-    tcgetattr(line, &settings);
-    cfmakeraw(&settings);
-    cfsetspeed(&settings, B57600);
-    tcsetattr(line, TCSANOW, &settings);
-
-    bool good = true;
-    for (const UnitRequest& request : pattern) {
-        good = good && write(line, request.frame.constData(), size_t(request.frame.size())) > 0;
-        for (qint64 left = request.answer.size(); good && left > 0;) {
-            pollfd wait = {line, POLLIN, 0};
-            char buffer[512];
-            good = poll(&wait, 1, 1000) == 1;
-            const auto got = good ? read(line, buffer, sizeof buffer) : -1;
-            good = got > 0;
-            left -= got;
-        }
-    }
-    close(line);
-    return good;
 }
 
 std::vector<Figure> run()
@@ -98,7 +61,7 @@ std::vector<Figure> run()
     }
 
     UnitSimulator second(units::installation(0));
-    const bool good = pollLoop(second.portName(), pattern);
+    const bool good = bareLoop::run(second.portName(), pattern);
     const double loop = median(intervals(second.requests()));
     const double more = median(program) - loop;
     return {{QStringLiteral("one exchange without a wire, worker and form"),
