@@ -11,7 +11,6 @@
 
 #include <QEventLoop>
 #include <QHash>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <functional>
@@ -319,40 +318,33 @@ QStringList takeUnread(RelayInfo& model, const UnitReading& reading)
     return names;
 }
 
-QStringList lostInAFile(const UnitReading& reading)
+QStringList lostInAFile(const RelayInfo& read)
 {
-    Configuration read;
-    reading.fill(read.model);
     // A file has no day 31 and no December.
     Configuration kept;
-    const QTemporaryDir folder;
-    const QString file = folder.filePath(QStringLiteral("kept.cfg"));
-    if (read.model.saveToFile(file) != RelayInfo::FileOk || kept.model.loadFromFile(file) != RelayInfo::FileOk) {
-        return {QStringLiteral("there is no room for a file to compare with")};
-    }
+    kept.model.loadFileContents(read.fileContents());
     QStringList lost;
-    const auto differences = configurationDifferences(read.model, kept.model, Names::Compared);
+    const auto differences = configurationDifferences(read, kept.model, Names::Compared);
     for (const ConfigurationDifference& difference : differences) {
         lost.append(QStringLiteral("the file gives back another value: ") + inWords(difference));
     }
     return lost;
 }
 
-std::optional<SavedReading> saveReading(const UnitReading& reading, const QString& path, Console& console)
+std::optional<SavedReading> saveReading(RelayInfo& read, const UnitReading& reading, const QString& path,
+                                        Console& console)
 {
-    Configuration read;
-    reading.fill(read.model);
-    if (read.model.saveToFile(path) != RelayInfo::FileOk) {
+    if (read.saveToFile(path) != RelayInfo::FileOk) {
         console.error(QStringLiteral("%1 can't be written").arg(path));
         return {};
     }
     SavedReading saved;
-    const QList<GroupRelayPtr> groups = read.model.groups();
+    const QList<GroupRelayPtr> groups = read.groups();
     for (const GroupRelayPtr& group : groups) {
         saved.terminals += int(group->address != 0 && !group->outputs.isEmpty());
         saved.outputs += group->outputs.size();
     }
-    saved.untold = takeUnread(read.model, reading);
+    saved.untold = takeUnread(read, reading);
     if (!saved.untold.isEmpty()) {
         console.note(QStringLiteral("not told by the unit, so in the file as if nobody had set it: ") +
                      saved.untold.join(QLatin1String(", ")));

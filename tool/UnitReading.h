@@ -41,8 +41,8 @@ void tellFailures(const UnitReading& reading, Console& console);
 /// Takes the outputs that the unit told nothing of out of a model, and names them.
 QStringList takeUnread(RelayInfo& model, const UnitReading& reading);
 
-/// What a configuration file of it gives back differently when it is loaded, in words.
-QStringList lostInAFile(const UnitReading& reading);
+/// What a configuration file of a model gives back differently when it is loaded, in words.
+QStringList lostInAFile(const RelayInfo& read);
 
 /// What a configuration file holds of a reading.
 struct SavedReading
@@ -52,5 +52,7 @@ struct SavedReading
     QStringList untold; ///< outputs of which the unit told nothing: in the file as if nobody had set them
 };
 
-/// Saves it as a configuration file that the window loads. Nothing if that couldn't be done, which has been told then.
-std::optional<SavedReading> saveReading(const UnitReading& reading, const QString& path, Console& console);
+/// Saves a model that was filled from a reading as a configuration file that the window loads, and takes the untold
+/// outputs out of it. Nothing if the file couldn't be written, which has been told then.
+std::optional<SavedReading> saveReading(RelayInfo& read, const UnitReading& reading, const QString& path,
+                                        Console& console);

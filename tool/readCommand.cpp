@@ -75,11 +75,13 @@ ExitCode read(const QCommandLineParser& commandLine, const QStringList& argument
         console.error(QStringLiteral("%1 was not written; --partial keeps what could be read").arg(path));
         return ExitCode::WithErrors;
     }
-    const QStringList lost = lostInAFile(*reading);
+    Configuration configuration;
+    reading->fill(configuration.model);
+    const QStringList lost = lostInAFile(configuration.model);
     for (const QString& line : lost) {
         console.error(line);
     }
-    const std::optional<SavedReading> saved = saveReading(*reading, path, console);
+    const std::optional<SavedReading> saved = saveReading(configuration.model, *reading, path, console);
     if (!saved) {
         return ExitCode::Refused;
     }

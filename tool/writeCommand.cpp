@@ -84,11 +84,13 @@ bool makeBackup(const QString& path, UnitSession& unit, Console& console, ExitCo
         return false;
     }
     tellFailures(*reading, console);
-    const QStringList lost = lostInAFile(*reading);
+    Configuration configuration;
+    reading->fill(configuration.model);
+    const QStringList lost = lostInAFile(configuration.model);
     for (const QString& line : lost) {
         console.error(line);
     }
-    if (!reading->failures.isEmpty() || !lost.isEmpty() || !saveReading(*reading, path, console)) {
+    if (!reading->failures.isEmpty() || !lost.isEmpty() || !saveReading(configuration.model, *reading, path, console)) {
         console.error(QStringLiteral("without a whole backup nothing is written"));
         exitCode = ExitCode::Refused;
         return false;

@@ -13,6 +13,7 @@
 #include <QStringList>
 
 class Device;
+class QIODevice;
 
 /// The configuration model: the head unit and its terminals, their outputs, the 32 scripts, and the lookup tables from
 /// which every parameter takes its value, text, icon and colour.
@@ -108,6 +109,9 @@ public:
     /// file that stood there before is then still there.
     int saveToFile(const QString& path) const;
 
+    /// The bytes that saveToFile() writes.
+    QByteArray fileContents() const;
+
     /// Reads a configuration file. Returns FileOk if it was read, whatever errorCount() it gave; with FileNotOpened and
     /// FileNotFound the model is untouched.
     int loadFromFile(const QString& path);
@@ -116,11 +120,15 @@ public:
     /// there may be lines with faults that count for nothing.
     int loadFromFile(const QString& path, ConfigurationErrors& errors);
 
+    /// Reads the contents of a configuration file as loadFromFile() does.
+    void loadFileContents(QByteArray contents);
+
 private:
     GroupRelayPtr makeTerminalGroup(const ConnectedTerminal& terminal) const;
     void appendHeadUnit(bool connected);
     void sortGroups();
-    int load(const QString& path, ConfigurationErrors* errors);
+    int loadFile(const QString& path, ConfigurationErrors* errors);
+    void load(QIODevice& file, ConfigurationErrors* errors);
 
     const ParamTables tables;
     TerminalTypes types;

@@ -7,6 +7,7 @@
 #include "model/RecordWriter.h"
 #include "model/RelayInfo.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QTextStream>
 
@@ -15,7 +16,7 @@ namespace
 
 /// The text of an open file in UTF-8, up to a first NUL. A byte order mark is no part of it, and one of another
 /// encoding counts. The file is to be open without QIODevice::Text, which would swallow the CR that ends the lines.
-QString readText(QFile& file, bool& endsAtNul)
+QString readText(QIODevice& file, bool& endsAtNul)
 {
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
@@ -67,22 +68,33 @@ void RelayInfo::readScriptRecords(const QByteArrayList& records)
 
 int RelayInfo::saveToFile(const QString& path) const
 {
-    const QByteArray bytes = configurationText(tables, groupList, scriptList, commentText).toUtf8();
-    return saveWhole(bytes, path).isEmpty() ? FileOk : FileNotWritten;
+    return saveWhole(fileContents(), path).isEmpty() ? FileOk : FileNotWritten;
+}
+
+QByteArray RelayInfo::fileContents() const
+{
+    return configurationText(tables, groupList, scriptList, commentText).toUtf8();
+}
+
+void RelayInfo::loadFileContents(QByteArray contents)
+{
+    QBuffer file(&contents);
+    file.open(QIODevice::ReadOnly);
+    load(file, nullptr);
 }
 
 int RelayInfo::loadFromFile(const QString& path)
 {
-    return load(path, nullptr);
+    return loadFile(path, nullptr);
 }
 
 int RelayInfo::loadFromFile(const QString& path, ConfigurationErrors& errors)
 {
     errors.clear();
-    return load(path, &errors);
+    return loadFile(path, &errors);
 }
 
-int RelayInfo::load(const QString& path, ConfigurationErrors* errors)
+int RelayInfo::loadFile(const QString& path, ConfigurationErrors* errors)
 {
     fileErrors = 0;
     QFile file(path);
@@ -92,6 +104,12 @@ int RelayInfo::load(const QString& path, ConfigurationErrors* errors)
     if (!file.open(QIODevice::ReadOnly)) {
         return FileNotOpened;
     }
+    load(file, errors);
+    return FileOk;
+}
+
+void RelayInfo::load(QIODevice& file, ConfigurationErrors* errors)
+{
     bool endsAtNul = false;
     const QString text = readText(file, endsAtNul);
 
@@ -109,5 +127,4 @@ int RelayInfo::load(const QString& path, ConfigurationErrors* errors)
     groupList = reader.groups();
     commentText = reader.comment();
     fileErrors = reader.errorCount();
-    return FileOk;
 }
