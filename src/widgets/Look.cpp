@@ -66,7 +66,11 @@ void applyStyleSheet(QWidget* widget, const QString& styleSheet)
 
 void settleLayouts()
 {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    // Each round takes the requests that were there when it began: those of one level of the nested layouts.
+    constexpr int levels = 8;
+    for (int level = 0; level < levels; ++level) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    }
 }
 
 } // namespace look

@@ -39,6 +39,8 @@ Setting_Script_Widget::Setting_Script_Widget(const QSharedPointer<RelayInfo>& in
     connectControls();
     setUpFields();
     setAutoFillBackground(true); // opaque, it isn't painted anew whenever the dock around it is
+    // A script that needs more height or less leaves what is above it as it was.
+    ui->contents->setAttribute(Qt::WA_StaticContents);
 }
 
 Setting_Script_Widget::~Setting_Script_Widget() = default;
