@@ -37,6 +37,8 @@ void AddressFilterSection::addButton(const QString& text, int address, int index
     entry.index = quint8(index);
     entry.button->setAccessibleName(address == 0 ? texts::spokenAddressHeadUnit()
                                                  : texts::spokenAddress().arg(address));
+    entry.button->setMeaning(
+        this, [this, place = addressButtons.size()] { return addressButtonMeaning(addressButtons.at(place)); });
     entry.button->setFixedHeight(diameter);
     if (address == 0) {
         entry.button->setObjectName(QStringLiteral("ButtonAddressHUBN"));
@@ -94,5 +96,6 @@ void AddressFilterSection::paintButton(const AddressButton& entry)
 {
     look::applyStyleSheet(entry.button, addressButtonStyle(entry));
     entry.button->setCrossed((entry.terminal || entry.address == 0) && !entry.compatible);
-    entry.button->setAccessibleDescription(addressButtonMeaning(entry));
+    entry.button->setOn(entry.selected);
+    entry.button->meaningChanged();
 }

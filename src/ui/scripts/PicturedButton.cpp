@@ -41,7 +41,7 @@ void drawCross(QPainter& painter, const QRect& place)
 
 } // namespace
 
-PicturedButton::PicturedButton(const QString& text, QWidget* parent) : QPushButton(text, parent)
+PicturedButton::PicturedButton(const QString& text, QWidget* parent) : StateButton(text, parent)
 {
     setIconSize(QSize(1, 1)); // it has no icon, and asking the style sheet for the size costs more than all else
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "widgets/StateButton.h"
+
 #include <QPixmap>
-#include <QPushButton>
 
 class QStyleOptionButton;
 
@@ -10,7 +11,7 @@ class QStyleOptionButton;
 /// A style sheet with round corners is slow to draw, and a panel of many such buttons is drawn anew with every script.
 /// The pictures live in QPixmapCache, where buttons that look alike share them. It can wear a small cross in its
 /// corner, as the second sign of what a red ring tells. GUI thread only.
-class PicturedButton : public QPushButton
+class PicturedButton : public StateButton
 {
     Q_OBJECT
 

@@ -5,10 +5,10 @@
 #include "ui_Setting_Script_Widget.h"
 #include "widgets/Look.h"
 #include "widgets/Spoken.h"
+#include "widgets/StateButton.h"
 
 #include <QCoreApplication>
 #include <QMouseEvent>
-#include <QPushButton>
 #include <QSignalBlocker>
 
 using scriptRules::StateKind;
@@ -65,9 +65,11 @@ void TriggerSection::makeChannelButtons()
 {
     QWidget* before = ui.spinBoxOtherStateChannel;
     for (int channel = 1; channel <= 4; ++channel) {
-        auto* button = new QPushButton(QString::number(channel), ui.F_NumChannel);
+        auto* button = new StateButton(QString::number(channel), ui.F_NumChannel);
         button->setObjectName(QStringLiteral("buttonChannel%1").arg(channel));
         button->setAccessibleName(texts::spokenChannel().arg(channel));
+        button->setMeaning(this,
+                           [button] { return button->isOn() ? texts::spokenChannelOn() : texts::spokenChannelOff(); });
         button->setFixedSize(44, 22);
         ui.layoutNumChannel->addWidget(button);
         QWidget::setTabOrder(before, button);
@@ -218,14 +220,14 @@ void TriggerSection::showChannels()
                                   : script->numberChannels.value(channel) ? channelOn
                                                                           : channelOff;
         look::applyStyleSheet(channelWidgets.at(channel), channelSheet(channelButtons.at(channel)));
-        channelWidgets.at(channel)->setAccessibleDescription(
-            channelButtons.at(channel) == channelOn ? texts::spokenChannelOn() : texts::spokenChannelOff());
+        channelWidgets.at(channel)->setOn(channelButtons.at(channel) == channelOn);
+        channelWidgets.at(channel)->meaningChanged();
     }
 }
 
 void TriggerSection::channelClicked(QObject* button)
 {
-    const int channel = channelWidgets.indexOf(qobject_cast<QPushButton*>(button));
+    const int channel = channelWidgets.indexOf(qobject_cast<StateButton*>(button));
     if (editing() && scriptRules::toggleChannel(script->numberChannels, channel)) {
         showChannels();
     }

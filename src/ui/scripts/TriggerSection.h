@@ -4,7 +4,7 @@
 #include "ui/scripts/ScriptSection.h"
 
 class QListWidgetItem;
-class QPushButton;
+class StateButton;
 
 /// What triggers a script: a channel's state, with the channels that it counts for, and states of terminals.
 ///
@@ -17,7 +17,7 @@ class TriggerSection : public ScriptSection
 public:
     TriggerSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent);
 
-    QList<QPushButton*> channels() const ///< the buttons of channels 1 to 4
+    QList<StateButton*> channels() const ///< the buttons of channels 1 to 4
     {
         return channelWidgets;
     }
@@ -61,7 +61,7 @@ private:
     const ParamItems states; ///< those in the list, each name once, "<Other>" at the end
     const QList<FamilyControls> families;
     QList<unsigned char> channelButtons = {255, 255, 255, 255}; ///< 0 off, 1 on, 255 not available
-    QList<QPushButton*> channelWidgets;
+    QList<StateButton*> channelWidgets;
     QListWidgetItem* pressedItem = nullptr;      ///< the terminal state that the mouse went down on,
     Qt::CheckState pressedState = Qt::Unchecked; ///< and whether it was checked then
 };

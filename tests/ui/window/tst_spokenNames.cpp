@@ -70,6 +70,14 @@ private slots:
     void nodesOfTheTreeTellTextAndColour();
     void lampTellsItsColour();
     void valuesAndStatesAreTold();
+
+private:
+    /// Whether a button tells that it can be on, and that it is or isn't.
+    bool isTold(const char* name, bool on) const
+    {
+        const QAccessible::State state = QAccessible::queryAccessibleInterface(get<QWidget>(name))->state();
+        return state.checkable && bool(state.checked) == on;
+    }
 };
 
 void tst_spokenNames::init()
@@ -213,6 +221,10 @@ void tst_spokenNames::valuesAndStatesAreTold()
     get<QComboBox>("comboStateChannel")->setCurrentIndex(2);
     QCOMPARE(spoken(get<QWidget>("buttonChannel1"), QAccessible::Description), texts::spokenChannelOn());
     QCOMPARE(spoken(get<QWidget>("buttonChannel2"), QAccessible::Description), texts::spokenChannelOff());
+    QVERIFY(isTold("buttonChannel1", true));
+    QVERIFY(isTold("buttonChannel2", false));
+    get<QPushButton>("buttonChannel2")->click();
+    QVERIFY(isTold("buttonChannel2", true));
     auto* const box = get<QCheckBox>("checkBoxAddress");
     box->click();
     QVERIFY(QAccessible::queryAccessibleInterface(box)->state().checked);
@@ -220,6 +232,14 @@ void tst_spokenNames::valuesAndStatesAreTold()
     address->click();
     QCOMPARE(spoken(address, QAccessible::Description),
              texts::spokenAddressChosen() + QStringLiteral(", ") + texts::spokenAddressFree());
+    QVERIFY(isTold("ButtonAddress5", true));
+    QVERIFY(isTold("ButtonAddress6", false));
+    QVERIFY(!address->isCheckable());
+    // Another script has another filter.
+    get<QListWidget>("listWidgetAllScript")->setCurrentRow(5);
+    QVERIFY(isTold("ButtonAddress5", false));
+    QCOMPARE(spoken(address, QAccessible::Description),
+             texts::spokenAddressNotChosen() + QStringLiteral(", ") + texts::spokenAddressFree());
 }
 
 QTEST_MAIN(tst_spokenNames)
