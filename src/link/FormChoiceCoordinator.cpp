@@ -9,9 +9,7 @@
 #include "widgets/ScreenRoom.h"
 #include "widgets/WholeTextTips.h"
 
-#include <QAction>
 #include <QCheckBox>
-#include <QClipboard>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -92,12 +90,7 @@ void FormChoiceCoordinator::setUpTable()
     table->setTextElideMode(Qt::ElideMiddle); // names of ports differ at their ends
     table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     table->setItemDelegate(new WholeTextTips(table));
-    table->setTabKeyNavigation(false); // or Tab would never leave it
-    auto* const copy = new QAction(table);
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this, &FormChoiceCoordinator::copyRow);
-    table->addAction(copy);
+    setUpKeys();
     table->setAccessibleName(texts::actionSelectCoordinator());
     table->setStyleSheet(QStringLiteral("selection-background-color: rgb(230,230,230); selection-color: black"));
     new EmptyTableText(table, texts::portsNone());
@@ -109,6 +102,7 @@ void FormChoiceCoordinator::connectLink()
     using Choice = FormChoiceCoordinator;
     connect(&link, &Link::portAdded, this, &Choice::addRow);
     connect(&link, &Link::portListUpdated, this, &Choice::fitTable);
+    connect(&link, &Link::portListUpdated, this, &Choice::checkTrouble);
     connect(&link, &Link::foundFirst, this, &Choice::selectRow);
     connect(&link, &Link::chosen, this, &Choice::hide);
     connect(&link, &Link::statusReported, this, &Choice::sendStatus);
@@ -199,16 +193,18 @@ void FormChoiceCoordinator::fitTable()
     table->setFixedWidth(qMin(table->horizontalHeader()->length() + frame + scrollBar, room));
 }
 
-/// All that the current row tells, for a spreadsheet or a report of a fault.
-void FormChoiceCoordinator::copyRow() const
+/// While somebody may look at it: the cause for which a port can't be used may change by itself. One port at a time,
+/// since to look for the program that holds it reads through all processes.
+void FormChoiceCoordinator::checkTrouble()
 {
-    const int row = ui->tableWidget->currentRow();
-    QStringList cells;
-    for (int column = 0; row >= 0 && column < ColumnControls; ++column) {
-        cells.append(ui->tableWidget->item(row, column)->text().simplified());
-    }
-    if (!cells.isEmpty()) {
-        QGuiApplication::clipboard()->setText(cells.join(QLatin1Char('\t')));
+    const int count = portRows.size();
+    for (int i = 1; isVisible() && i <= count; ++i) {
+        const int row = (checkedRow + i) % count;
+        if (portRows.at(row)->port->info().trouble) {
+            checkedRow = row;
+            portRows.at(row)->port->checkTrouble();
+            return;
+        }
     }
 }
 

@@ -134,6 +134,7 @@ protected:
 
 private:
     void setUpTable();
+    void setUpKeys();
     void connectLink();
     void connectOperations();
     void addRow(Port* port);
@@ -141,6 +142,7 @@ private:
     void fitTable();
     void copyRow() const;
     void selectRow(const Port* port);
+    void checkTrouble();
     void sendStatus(PortStatus status);
 
     Port* portOfTimer() const; ///< the port whose timer calls a slot
@@ -151,5 +153,6 @@ private:
     std::unique_ptr<Ui::FormChoiceCoordinator> ui;
     QVector<PortRow*> portRows; ///< in order of discovery
     FormWaiting* formWaiting;
+    int checkedRow = -1;          ///< whose trouble was looked at last
     bool isStateSqueezed = false; ///< the state's column has given way to a narrow form
 };

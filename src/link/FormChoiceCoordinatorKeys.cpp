@@ -4,11 +4,39 @@
 #include "link/PortRow.h"
 #include "ui_FormChoiceCoordinator.h"
 
+#include <QAction>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QTableWidget>
 
 #include <initializer_list>
+
+void FormChoiceCoordinator::setUpKeys()
+{
+    QTableWidget* const table = ui->tableWidget;
+    table->setTabKeyNavigation(false); // or Tab would never leave it
+    auto* const copy = new QAction(table);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, &FormChoiceCoordinator::copyRow);
+    table->addAction(copy);
+}
+
+/// All that the current row tells, for a spreadsheet or a report of a fault.
+void FormChoiceCoordinator::copyRow() const
+{
+    const int row = ui->tableWidget->currentRow();
+    QStringList cells;
+    for (int column = 0; row >= 0 && column < ui->tableWidget->columnCount() - 1; ++column) { // last are the controls
+        cells.append(ui->tableWidget->item(row, column)->text().simplified());
+    }
+    if (!cells.isEmpty()) {
+        QGuiApplication::clipboard()->setText(cells.join(QLatin1Char('\t')));
+    }
+}
 
 /// From the table through the controls of its rows to the button below it.
 void FormChoiceCoordinator::setTabOrderOfRow(int index)

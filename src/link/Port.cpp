@@ -1,5 +1,6 @@
 #include "link/Port.h"
 
+#include "link/TroubleFinder.h"
 #include "link/protocol_HUBN_NX_Q.h"
 
 #include <QDebug>
@@ -9,8 +10,8 @@
 #include <utility>
 
 Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject* parent)
-    : QObject(parent), portName(name), thread(new QThread), transmitter(new Transmitter), timerPeriodic(this),
-      timerFirstConnect(this)
+    : QObject(parent), portName(name), thread(new QThread), transmitter(new Transmitter),
+      troubleFinder(new TroubleFinder), timerPeriodic(this), timerFirstConnect(this)
 {
     timerPeriodic.setInterval(std::chrono::seconds(1));
     timerFirstConnect.setInterval(std::chrono::seconds(1));
@@ -21,6 +22,7 @@ Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject
     transmitter->setBootParser(std::move(parseBootAnswer));
     transmitter->keepLateAnswersApart();
     transmitter->moveToThread(thread);
+    troubleFinder->moveToThread(thread);
     connectWorker();
     thread->start(QThread::InheritPriority);
 }
@@ -45,7 +47,11 @@ void Port::connectWorker()
             [this](Transmitter*, int baudrate) { setLineBaudrate(baudrate); });
     connect(transmitter, &Transmitter::sig_SendAnswer, this,
             [this](Transmitter*, const message& answer) { takeAnswer(answer); });
-    connect(thread, &QThread::finished, transmitter, &QObject::deleteLater);
+    connect(this, &Port::troubleAsked, troubleFinder, &TroubleFinder::find);
+    connect(troubleFinder, &TroubleFinder::found, this, &Port::takeTrouble);
+    for (QObject* const worker : {static_cast<QObject*>(transmitter), static_cast<QObject*>(troubleFinder)}) {
+        connect(thread, &QThread::finished, worker, &QObject::deleteLater);
+    }
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
 }
 
@@ -140,17 +146,17 @@ void Port::setWatchResting(bool on)
     isWatchResting = on;
 }
 
-/// Asks the system once for each cause: a port under watch is opened again and again.
+/// The system is asked once for each state: a port under watch is opened again and again.
 void Port::noteTrouble(StatePort reported)
 {
     switch (reported) {
     case StateCreateError:
     case StateOpenError:
     case StateNotFound:
-        if (!known.trouble || reported != troubledState) {
-            known.trouble = PortTrouble::of(portName, reported == StateNotFound);
+        if (reported != troubledState) {
             troubledState = reported;
-            qDebug().noquote() << portName << ": " << known.trouble->whatIsWrong() << known.trouble->whatToDo();
+            isAttemptOver = false;
+            askTrouble(reported == StateNotFound);
         }
         break;
     case StateCoordinatorLost:
@@ -158,13 +164,53 @@ void Port::noteTrouble(StatePort reported)
     case StatePortDisabled:
         // By the user, and not for a cause.
         if (!statePortTraits(known.state).autoDisconnect) {
-            known.trouble.reset();
+            forgetTrouble();
         }
         break;
     default:
-        known.trouble.reset();
+        forgetTrouble();
         break;
     }
+}
+
+void Port::askTrouble(bool isGone)
+{
+    isTroubleAwaited = true;
+    emit troubleAsked(++troubleNumber, portName, isGone);
+}
+
+void Port::checkTrouble()
+{
+    if (known.trouble && !isTroubleAwaited) {
+        isAttemptOver = true;
+        askTrouble(false);
+    }
+}
+
+void Port::takeTrouble(int number, PortTrouble trouble)
+{
+    if (number != troubleNumber || !isTroubleAwaited) {
+        return; // the port has got on since
+    }
+    isTroubleAwaited = false;
+    const QString before = known.trouble ? known.trouble->whatIsWrong() + known.trouble->whatToDo() : QString();
+    if (isAttemptOver && known.trouble) {
+        trouble.compareWith(*known.trouble);
+    }
+    const QString cause = trouble.whatIsWrong();
+    const QString advice = trouble.whatToDo();
+    known.trouble = std::move(trouble);
+    if (cause + advice != before) {
+        qDebug().noquote() << portName << ": " << cause << advice;
+        emit changed();
+    }
+}
+
+void Port::forgetTrouble()
+{
+    known.trouble.reset();
+    troubledState.reset();
+    isTroubleAwaited = false;
 }
 
 void Port::setState(StatePort state)

@@ -15,6 +15,7 @@
 #include <optional>
 
 class QThread;
+class TroubleFinder;
 
 /// What is known of a serial port.
 struct PortInfo
@@ -25,7 +26,7 @@ struct PortInfo
     std::optional<int> lineBaudrate; ///< at which the worker talks; none if nothing was said since the port was closed
     int baudrate = 0;                ///< at which a coordinator answered; 0 until one did
     std::optional<CoordinatorInfo> coordinator; ///< as its last answer gave it; none on a closed port
-    std::optional<PortTrouble> trouble;         ///< why it can't be used, if it can't
+    std::optional<PortTrouble> trouble;         ///< why it can't be used, if it can't; a moment behind the state
 };
 
 /// One serial port: a Transmitter on a thread of its own, the search for a coordinator behind it, and the watch over
@@ -80,6 +81,9 @@ public:
     /// While it rests the watch asks nothing.
     void setWatchResting(bool on);
 
+    /// Has the cause looked for anew for which the port can't be used, if it can't: it may have changed by itself.
+    void checkTrouble();
+
 public slots:
     // What the worker reports.
     void setState(StatePort state);
@@ -109,9 +113,15 @@ signals:
     void closeRequested(Transmitter* receiver);
     void sendRequested(Transmitter* receiver, const message& request);
 
+    // To the finder of causes, on the worker's thread.
+    void troubleAsked(int number, const QString& portName, bool isGone);
+
 private:
     void connectWorker();
     void noteTrouble(StatePort reported);
+    void askTrouble(bool isGone);
+    void takeTrouble(int number, PortTrouble trouble);
+    void forgetTrouble();
     void answerSearch(const message& answer);
     void answerCheck(const message& answer);
     void takeCoordinator(const CoordinatorInfo& coordinator);
@@ -119,13 +129,17 @@ private:
 
     const QString portName;
     PortInfo known;
-    StatePort troubledState = StateConnecting; ///< for which known.trouble was found
-    quint8 watchedAddress = noCoordinator;     ///< as the search found it, which no misread answer changes
-    QPointer<QThread> thread;                  ///< without an owner: it ends by itself where nobody waits for it
-    Transmitter* transmitter;                  ///< goes with the thread
-    QTimer timerPeriodic;                      ///< the watch; 1000 ms
-    QTimer timerFirstConnect;                  ///< 1000 ms to the next search
-    int firstConnectAttempts = 4;              ///< searches that may still start by themselves
+    std::optional<StatePort> troubledState; ///< whose cause was asked for
+    int troubleNumber = 0;                  ///< of the last time that a cause was asked for; another answer is stale
+    bool isTroubleAwaited = false;
+    bool isAttemptOver = false;            ///< it is asked again without an attempt to open the port in between
+    quint8 watchedAddress = noCoordinator; ///< as the search found it, which no misread answer changes
+    QPointer<QThread> thread;              ///< without an owner: it ends by itself where nobody waits for it
+    Transmitter* transmitter;              ///< goes with the thread
+    TroubleFinder* troubleFinder;          ///< likewise
+    QTimer timerPeriodic;                  ///< the watch; 1000 ms
+    QTimer timerFirstConnect;              ///< 1000 ms to the next search
+    int firstConnectAttempts = 4;          ///< searches that may still start by themselves
     bool isSearchRepeated = true;
     bool isWatchResting = false;
     std::optional<QDeadlineTimer> closing; ///< since stop()

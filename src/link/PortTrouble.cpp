@@ -164,6 +164,13 @@ PortTrouble PortTrouble::of(const QString& portName, bool isGone)
     return trouble;
 }
 
+void PortTrouble::compareWith(const PortTrouble& before)
+{
+    if (cause == Cause::Unclear && before.cause != Cause::Unclear) {
+        cause = Cause::Past;
+    }
+}
+
 QString PortTrouble::whatIsWrong() const
 {
     switch (cause) {
@@ -174,6 +181,8 @@ QString PortTrouble::whatIsWrong() const
                                : texts::troubleNoRightGroup().arg(user, device, group);
     case Cause::Busy:
         return texts::troubleBusy().arg(device, holder, QString::number(process));
+    case Cause::Past:
+        return texts::troublePast().arg(device);
     default:
         return texts::troubleUnclear().arg(device);
     }
@@ -191,6 +200,8 @@ QString PortTrouble::whatToDo() const
         return awaitsLogin ? texts::troubleLogIn() : texts::troubleJoinGroup().arg(group, user);
     case Cause::Busy:
         return holder == modemManager() ? texts::troubleModemManager() : texts::troubleEndHolder().arg(holder);
+    case Cause::Past:
+        return texts::troubleConnect();
     default:
         return isModemManagerHere ? texts::troubleMaybeModemManager() : texts::troubleTryAnew();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMetaType>
 #include <QString>
 
 /// Why a serial port can't be used, as far as the system tells, and what to do about it.
@@ -15,6 +16,7 @@ struct PortTrouble
         NoRight,   ///< the user may not open it
         Busy,      ///< another program has it
         Unclear,   ///< another program has it that can't be seen, or it is faulty
+        Past,      ///< there was a cause, which isn't there any more
     };
 
     Cause cause = Cause::Unclear;
@@ -32,6 +34,12 @@ struct PortTrouble
     /// With `isGone` the device has been lost, though its name may last a little longer.
     static PortTrouble of(const QString& portName, bool isGone = false);
 
+    /// Takes into account what was found before, where nobody has tried to open the port since: a cause that was seen
+    /// then and isn't now is past.
+    void compareWith(const PortTrouble& before);
+
     QString whatIsWrong() const; ///< one sentence
     QString whatToDo() const;    ///< another one
 };
+
+Q_DECLARE_METATYPE(PortTrouble)

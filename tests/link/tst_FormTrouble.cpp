@@ -10,11 +10,11 @@
 namespace
 {
 
-/// Of the state in the first row.
-QTableWidgetItem* stateOf(const FormRecorder& recorder)
+/// Of the state in a row.
+QTableWidgetItem* stateOf(const FormRecorder& recorder, int row = 0)
 {
     constexpr int columnState = 5;
-    return recorder.table()->item(0, columnState);
+    return recorder.table()->item(row, columnState);
 }
 
 /// Pixels of the table's inside, below where a first row stands, that differ from its corner.
@@ -41,6 +41,7 @@ class tst_FormTrouble : public QObject
 
 private slots:
     void theStateKeepsItsTextAndTellsTheCauseByItsToolTip();
+    void theToolTipFollowsTheCauseWhileTheFormIsShown();
     void aPortInOrderHasNoToolTip();
     void theEmptyTableSaysWhatToPlugIn();
 };
@@ -56,6 +57,24 @@ void tst_FormTrouble::theStateKeepsItsTextAndTellsTheCauseByItsToolTip()
     const PortTrouble trouble = PortTrouble::of(line.portName());
     QCOMPARE(stateOf(recorder)->toolTip(), trouble.whatIsWrong() + QLatin1Char('\n') + trouble.whatToDo());
     QVERIFY(stateOf(recorder)->toolTip().contains(QStringLiteral("is held by tst_FormTrouble")));
+}
+
+void tst_FormTrouble::theToolTipFollowsTheCauseWhileTheFormIsShown()
+{
+    const PseudoTerminal line;
+    const PseudoTerminal other;
+    QSerialPort holder(line.portName());
+    QSerialPort otherHolder(other.portName());
+    QVERIFY(holder.open(QIODevice::ReadWrite) && otherHolder.open(QIODevice::ReadWrite));
+    FormRecorder recorder({line.portName(), other.portName()});
+    EVENTUALLY(!stateOf(recorder)->toolTip().isEmpty() && !stateOf(recorder, 1)->toolTip().isEmpty());
+    holder.close();
+    otherHolder.close();
+    recorder.form.show();
+    // One port with each look for new ones.
+    EVENTUALLY(stateOf(recorder)->toolTip().endsWith(texts::troubleConnect()));
+    EVENTUALLY(stateOf(recorder, 1)->toolTip().endsWith(texts::troubleConnect()));
+    QCOMPARE(stateOf(recorder)->text(), texts::portOpenError());
 }
 
 void tst_FormTrouble::aPortInOrderHasNoToolTip()

@@ -6,7 +6,9 @@
 #include "support/OrdinaryUser.h"
 
 #include <QProcess>
+#include <QSemaphore>
 #include <QSerialPort>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -57,6 +59,14 @@ public:
     QProcess process;
 };
 
+/// Takes all that a port's thread has to say to what it was told before.
+void hearFromWorker(const Port* port)
+{
+    QMetaObject::invokeMethod(
+        port->worker(), [] {}, Qt::BlockingQueuedConnection);
+    QCoreApplication::sendPostedEvents();
+}
+
 constexpr gid_t noGroup = 65000; ///< which nobody is in
 constexpr mode_t forOwner = 0600;
 constexpr mode_t forGroup = 0660;
@@ -83,6 +93,12 @@ private slots:
     void aHeldPortTellsByWhom();
     void aPortThatGoesTellsItUntilItIsBack();
     void connectingAnewForgetsIt();
+
+    void theCauseIsLookedForOnTheThreadOfThePort();
+    void theAnswerOfAnOlderStateIsDropped();
+    void aCauseThatChangesIsSeenWhenItIsCheckedAgain();
+    void aCauseThatHasGoneIsPast();
+    void aPortWithoutTroubleIsNotChecked();
 };
 
 void tst_PortTrouble::aPortThatIsNotThereIsUnplugged()
@@ -226,8 +242,8 @@ void tst_PortTrouble::aPortThatMayNotBeOpenedTellsIt()
     QVERIFY(user.isOrdinary);
     const DebugLines lines;
     const LinkRecorder recorder({port.portName()});
-    EVENTUALLY(recorder.state() == StateOpenError);
-    QVERIFY(recorder.info().trouble.has_value());
+    EVENTUALLY(recorder.info().trouble.has_value());
+    QCOMPARE(recorder.state(), StateOpenError);
     QCOMPARE(recorder.info().trouble->cause, Cause::NoRight);
     const QStringList told = lines.linesWith(QStringLiteral("sudo usermod -aG dialout nobody"));
     QCOMPARE(told.size(), 1);
@@ -243,8 +259,8 @@ void tst_PortTrouble::aHeldPortTellsByWhom()
     QSerialPort holder(line.portName());
     QVERIFY(holder.open(QIODevice::ReadWrite));
     const LinkRecorder recorder({line.portName()});
-    EVENTUALLY(recorder.state() == StateOpenError);
-    QVERIFY(recorder.info().trouble.has_value());
+    EVENTUALLY(recorder.info().trouble.has_value());
+    QCOMPARE(recorder.state(), StateOpenError);
     QCOMPARE(recorder.info().trouble->cause, Cause::Busy);
     QCOMPARE(recorder.info().trouble->holder, QStringLiteral("tst_PortTrouble"));
 }
@@ -276,6 +292,77 @@ void tst_PortTrouble::connectingAnewForgetsIt()
     recorder.port()->open();
     EVENTUALLY(recorder.state() == StateSearching);
     QVERIFY(!recorder.info().trouble.has_value());
+}
+
+void tst_PortTrouble::theCauseIsLookedForOnTheThreadOfThePort()
+{
+    QSemaphore released;
+    const LinkRecorder recorder({portA});
+    QMetaObject::invokeMethod(
+        recorder.port()->worker(), [&released] { released.acquire(); }, Qt::QueuedConnection);
+    recorder.port()->setState(StateOpenError);
+    QCoreApplication::processEvents();
+    const bool wasFoundElsewhere = recorder.info().trouble.has_value();
+    released.release();
+    QVERIFY(!wasFoundElsewhere);
+    EVENTUALLY(recorder.info().trouble.has_value());
+}
+
+void tst_PortTrouble::theAnswerOfAnOlderStateIsDropped()
+{
+    const PseudoTerminal line;
+    const LinkRecorder recorder({line.portName()});
+    EVENTUALLY(recorder.state() == StateSearching);
+    const DebugLines lines;
+    recorder.port()->setState(StateOpenError);
+    recorder.port()->setState(StateSearching);
+    hearFromWorker(recorder.port());
+    QVERIFY(!recorder.info().trouble.has_value());
+    QCOMPARE(lines.linesWith(QStringLiteral("can't be opened")), QStringList());
+}
+
+void tst_PortTrouble::aCauseThatChangesIsSeenWhenItIsCheckedAgain()
+{
+    const PseudoTerminal line;
+    auto holder = std::make_unique<QSerialPort>(line.portName());
+    QVERIFY(holder->open(QIODevice::ReadWrite));
+    const DebugLines lines;
+    const LinkRecorder recorder({line.portName()});
+    EVENTUALLY(recorder.info().trouble.has_value() && !recorder.info().connected);
+    QCOMPARE(recorder.info().trouble->holder, QStringLiteral("tst_PortTrouble"));
+    holder.reset();
+    const OtherProgram other(QStringLiteral("terminal"), line.portName());
+    EVENTUALLY((recorder.port()->checkTrouble(), recorder.info().trouble->holder == QStringLiteral("terminal")));
+    QCOMPARE(recorder.info().trouble->cause, Cause::Busy);
+    QCOMPARE(recorder.state(), StateOpenError);
+    QCOMPARE(lines.linesWith(QStringLiteral(" is held by tst_PortTrouble ")).size(), 1);
+    QCOMPARE(lines.linesWith(QStringLiteral(" is held by terminal ")).size(), 1);
+}
+
+void tst_PortTrouble::aCauseThatHasGoneIsPast()
+{
+    const PseudoTerminal line;
+    QSerialPort holder(line.portName());
+    QVERIFY(holder.open(QIODevice::ReadWrite));
+    const LinkRecorder recorder({line.portName()});
+    EVENTUALLY(recorder.info().trouble.has_value() && !recorder.info().connected);
+    holder.close();
+    for (int check = 0; check < 2; ++check) {
+        recorder.port()->checkTrouble();
+        hearFromWorker(recorder.port());
+        QCOMPARE(recorder.info().trouble->cause, Cause::Past);
+    }
+    QCOMPARE(recorder.info().trouble->whatToDo(), QStringLiteral("Connect again."));
+}
+
+void tst_PortTrouble::aPortWithoutTroubleIsNotChecked()
+{
+    const PseudoTerminal line;
+    const LinkRecorder recorder({line.portName()});
+    EVENTUALLY(recorder.state() == StateSearching);
+    const QSignalSpy asked(recorder.port(), &Port::troubleAsked);
+    recorder.port()->checkTrouble();
+    QCOMPARE(asked.size(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_PortTrouble)
