@@ -167,6 +167,7 @@ void FormChoiceCoordinator::addRow(Port* port)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(row->cellWidget);
     table->setCellWidget(index, ColumnControls, frame);
+    table->setItem(index, ColumnControls, row->itemControls);
     setTabOrderOfRow(index);
 }
 

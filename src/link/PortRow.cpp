@@ -48,7 +48,7 @@ PortRow::PortRow(Port* shownPort)
     : port(shownPort), itemPortName(makeItem(port->name())), itemBaudrate(makeItem(texts::noValue())),
       itemCoordinator(makeItem(texts::noValue())), itemSerial(makeItem(texts::noValue())),
       itemVersion(makeItem(texts::noValue())), itemState(makeItem(statePortTraits(port->info().state).text)),
-      cellWidget(new QWidget), checkBoxCheck(new QCheckBox(texts::wordChecking())),
+      itemControls(makeItem(QString())), cellWidget(new QWidget), checkBoxCheck(new QCheckBox(texts::wordChecking())),
       buttonConnect(makeButton(texts::buttonDisconnect(), disconnectStyle())),
       buttonFirmware(makeButton(texts::actionFirmwareOfPort(), QStringLiteral("background-color: yellow")))
 {
@@ -56,6 +56,8 @@ PortRow::PortRow(Port* shownPort)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing);
     checkBoxCheck->setFont(look::applicationFont());
+    itemControls->setData(Qt::AccessibleTextRole, port->name());
+    cellWidget->setAccessibleName(port->name());
     nameControls();
     layout->addWidget(checkBoxCheck, 0, Qt::AlignCenter);
     layout->addWidget(buttonConnect, 0, Qt::AlignCenter);

@@ -27,7 +27,8 @@ struct PortRow
     QTableWidgetItem* itemSerial;
     QTableWidgetItem* itemVersion;
     QTableWidgetItem* itemState;
-    QWidget* cellWidget; ///< the three controls
+    QTableWidgetItem* itemControls; ///< shows nothing; names the cell of the controls to a screen reader
+    QWidget* cellWidget;            ///< the three controls
     QCheckBox* checkBoxCheck;
     QPushButton* buttonConnect;
     QPushButton* buttonFirmware;

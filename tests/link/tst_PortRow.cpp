@@ -28,6 +28,7 @@ struct OwnedRow
     {
         const QVector<QTableWidgetItem*> owned = items();
         qDeleteAll(owned);
+        delete row.itemControls;
         delete row.cellWidget;
     }
 

@@ -3,6 +3,7 @@
 #include "support/threadedTestMain.h"
 #include "texts/texts.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QtTest>
 
@@ -24,6 +25,7 @@ private slots:
     void aKeyThatIsHeldDownPressesOnce();
     void theTableTakesTheFocusOfControlsThatHide();
     void ctrlCCopiesTheWholeRow();
+    void everyCellHasANameForAScreenReader();
 
 private:
     static void press(Qt::Key key)
@@ -108,6 +110,19 @@ void tst_coordinatorKeys::ctrlCCopiesTheWholeRow()
     QCOMPARE(QGuiApplication::clipboard()->text(),
              portB + QStringLiteral("\t-\t-\t-\t-\t") + recorder->state(1).simplified());
     QVERIFY(!recorder->state(1).isEmpty());
+}
+
+void tst_coordinatorKeys::everyCellHasANameForAScreenReader()
+{
+    QAccessibleTableInterface* const cells = QAccessible::queryAccessibleInterface(recorder->table())->tableInterface();
+    QCOMPARE(cells->rowCount(), 2);
+    for (int row = 0; row < cells->rowCount(); ++row) {
+        for (int column = 0; column < cells->columnCount(); ++column) {
+            QVERIFY(!cells->cellAt(row, column)->text(QAccessible::Name).isEmpty());
+        }
+    }
+    QCOMPARE(cells->cellAt(1, 6)->text(QAccessible::Name), portB);
+    QCOMPARE(recorder->table()->item(1, 6)->text(), QString());
 }
 
 HUBN_THREADED_TEST_MAIN(tst_coordinatorKeys)
