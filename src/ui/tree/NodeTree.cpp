@@ -4,6 +4,7 @@
 #include "ui/tree/TreeNodes.h"
 #include "widgets/Look.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QHeaderView>
 #include <QIcon>
@@ -95,7 +96,79 @@ void NodeTree::currentChanged(const QModelIndex& current, const QModelIndex& pre
     setTabStops();
 }
 
+void NodeTree::focusInEvent(QFocusEvent* event)
+{
+    if (hasStrayed) {
+        setTabStops();
+    }
+    QTreeWidget::focusInEvent(event);
+}
+
+/// Asked for each Tab in the tree and in all that stands in its rows, before the focus moves.
+bool NodeTree::focusNextPrevChild(bool next)
+{
+    NodeFrame* const frame = frameWithFocus();
+    if (frame != nullptr && !tabStops.contains(QApplication::focusWidget())) {
+        setTabStops({frame});
+        hasStrayed = true;
+    }
+    revealCurrentRows();
+    return QTreeWidget::focusNextPrevChild(next);
+}
+
+NodeFrame* NodeTree::frameWithFocus() const
+{
+    QWidget* part = QApplication::focusWidget();
+    while (part != nullptr && part != this && qobject_cast<NodeFrame*>(part) == nullptr) {
+        part = part->parentWidget();
+    }
+    return qobject_cast<NodeFrame*>(part);
+}
+
+NodeFrame* NodeTree::frameOf(QTreeWidgetItem* item) const
+{
+    return qobject_cast<NodeFrame*>(itemWidget(item, 0));
+}
+
+/// What isn't shown is no stop, and a row below the edge may not have been in view yet. One that is folded away has no
+/// place.
+void NodeTree::revealCurrentRows()
+{
+    const QList<QTreeWidgetItem*> rows = currentRows();
+    for (QTreeWidgetItem* const row : rows) {
+        if (NodeFrame* const frame = frameOf(row); frame != nullptr && !visualItemRect(row).isEmpty()) {
+            frame->reveal();
+        }
+    }
+}
+
+/// The current row, and of a terminal the first output as well.
+QList<QTreeWidgetItem*> NodeTree::currentRows() const
+{
+    QList<QTreeWidgetItem*> rows;
+    if (QTreeWidgetItem* const current = currentItem()) {
+        rows.append(current);
+        if (current->childCount() > 0) {
+            rows.append(current->child(0));
+        }
+    }
+    return rows;
+}
+
 void NodeTree::setTabStops()
+{
+    QList<NodeFrame*> frames;
+    const QList<QTreeWidgetItem*> rows = currentRows();
+    for (QTreeWidgetItem* const row : rows) {
+        if (NodeFrame* const frame = frameOf(row)) {
+            frames.append(frame);
+        }
+    }
+    setTabStops(frames);
+    hasStrayed = false;
+}
+
+void NodeTree::setTabStops(const QList<NodeFrame*>& frames)
 {
     for (const QPointer<QWidget>& stop : std::as_const(tabStops)) {
         if (stop) {
@@ -103,13 +176,9 @@ void NodeTree::setTabStops()
         }
     }
     tabStops.clear();
-    QTreeWidgetItem* const current = currentItem();
-    const bool isTerminal = current != nullptr && current->childCount() > 0;
-    for (QTreeWidgetItem* const item : {current, isTerminal ? current->child(0) : nullptr}) {
-        if (const auto* const frame = qobject_cast<NodeFrame*>(itemWidget(item, 0))) {
-            const QList<QWidget*> controls = frame->controls();
-            std::copy(controls.cbegin(), controls.cend(), std::back_inserter(tabStops));
-        }
+    for (const NodeFrame* const frame : frames) {
+        const QList<QWidget*> controls = frame->controls();
+        std::copy(controls.cbegin(), controls.cend(), std::back_inserter(tabStops));
     }
     QWidget* before = this;
     for (const QPointer<QWidget>& stop : std::as_const(tabStops)) {
@@ -140,7 +209,7 @@ void NodeTree::revealFramesInView()
         if (visualItemRect(item).top() > viewport()->height()) {
             return;
         }
-        if (auto* frame = qobject_cast<NodeFrame*>(itemWidget(item, 0))) {
+        if (NodeFrame* const frame = frameOf(item)) {
             frame->reveal();
         }
     }
