@@ -1,5 +1,6 @@
 #include "widgets/ScreenRoom.h"
 
+#include <QCursor>
 #include <QElapsedTimer>
 #include <QEvent>
 #include <QGuiApplication>
@@ -62,7 +63,11 @@ public:
 
 private:
     void begin();
+    void beginToSettle(const QSize& passingSize);
     void settle();
+    void follow(const QScreen* screen);
+    void fitAnew(const QRect& nowAvailable);
+    bool isHeldByItsTitle() const;
     void leaveLeastSizeToLayout();
     void fitSizes();
     void fit();
@@ -73,28 +78,27 @@ private:
     bool isSqueezed = false; ///< its layout has less room than it wants
     int settlings = 0;       ///< how often its manager may still be about to place it
     QElapsedTimer sinceChange;
-    QSize sizeBefore; ///< in the state that it leaves, which it may keep for a moment
+    QSize sizeBefore;        ///< in the state that it leaves, which it may keep for a moment
+    bool isRestored = false; ///< it was maximised before, and the user may be dragging it from there
+    QRect available;         ///< of the screen
     QMetaObject::Connection roomChanged;
 };
 
 bool Keeper::eventFilter(QObject* watched, QEvent* event)
 {
-    constexpr int mostSettlings = 8;
     switch (event->type()) {
     case QEvent::Show:
         if (!event->spontaneous() && window->windowHandle() != nullptr) {
             begin();
             fit();
-            sizeBefore = QSize();
-            settlings = mostSettlings;
-            sinceChange.start();
+            isRestored = false;
+            beginToSettle(QSize());
         }
         break;
     case QEvent::WindowStateChange:
         if ((static_cast<QWindowStateChangeEvent*>(event)->oldState() & filling) != 0) {
-            sizeBefore = window->size();
-            settlings = mostSettlings;
-            sinceChange.start();
+            isRestored = true;
+            beginToSettle(window->size());
         }
         break;
     case QEvent::Move:
@@ -120,15 +124,48 @@ void Keeper::begin()
     } else if (window->layout() != nullptr) {
         leaveLeastSizeToLayout();
     }
-    const auto follow = [this](const QScreen* screen) {
-        disconnect(roomChanged);
-        roomChanged = connect(screen, &QScreen::availableGeometryChanged, this, &Keeper::fit);
-    };
     follow(window->screen());
-    connect(window->windowHandle(), &QWindow::screenChanged, this, [this, follow](const QScreen* screen) {
+    connect(window->windowHandle(), &QWindow::screenChanged, this, [this](const QScreen* screen) {
         follow(screen);
         fitSizes(); // and not its place: a user is dragging it there
     });
+}
+
+void Keeper::follow(const QScreen* screen)
+{
+    disconnect(roomChanged);
+    available = screen->availableGeometry();
+    roomChanged = connect(screen, &QScreen::availableGeometryChanged, this, &Keeper::fitAnew);
+}
+
+/// Of a window that the user has put partly outside, nothing more than that may get out of sight.
+void Keeper::fitAnew(const QRect& nowAvailable)
+{
+    const QRect seenBefore = window->frameGeometry() & available;
+    const QSize oldSize = window->size();
+    available = nowAvailable;
+    fitSizes();
+    if (!available.contains(seenBefore) || window->size() != oldSize) {
+        fit();
+    }
+}
+
+void Keeper::beginToSettle(const QSize& passingSize)
+{
+    constexpr int mostSettlings = 8;
+    sizeBefore = passingSize;
+    settlings = mostSettlings;
+    sinceChange.start();
+}
+
+/// Whether the title is in sight and the mouse is about there: then the user may be dragging the window, and whoever
+/// isn't can reach it all the same.
+bool Keeper::isHeldByItsTitle() const
+{
+    constexpr int reach = 50; // a dragged window may lag behind the mouse
+    const QRect outer = window->frameGeometry();
+    const QRect title(outer.topLeft(), window->geometry().topRight());
+    return outer.top() >= available.top() && title.adjusted(-reach, -reach, reach, reach).contains(QCursor::pos());
 }
 
 /// The frame that a manager gives a window isn't known before the window is on the screen.
@@ -138,7 +175,12 @@ void Keeper::settle()
     if (settlings > 0 && !sinceChange.hasExpired(longest) && window->isVisible() && isNormal(window) &&
         window->size() != sizeBefore) {
         --settlings;
-        fit();
+        if (isRestored && isHeldByItsTitle()) {
+            fitSizes();
+            window->resize(window->size().boundedTo(screenRoom::forContents(window).size()));
+        } else {
+            fit();
+        }
     }
 }
 

@@ -20,7 +20,8 @@ void centre(QWidget* window, const QSize& size, const QRect& place);
 
 /// Keeps a window within its screen from now on: whenever it is shown, whenever it is no longer maximised, and whenever
 /// the screen changes. Sizes that were set for it, and the least one of its layout, hold where there is room for them.
-/// What the user does with a window on a screen that stays as it is, is left alone.
+/// What the user does with a window on a screen that stays as it is, is left alone, and so is what the user drags from
+/// the maximised state, and what was partly outside before the screen changed.
 void keep(QWidget* window);
 
 } // namespace screenRoom

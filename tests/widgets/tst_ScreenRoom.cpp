@@ -20,6 +20,9 @@ private slots:
     void windowThatFitsStaysAsItIs();
     void placingIsWithinTheScreen();
     void whatTheUserMovesStaysThere();
+    void whatIsDraggedFromTheMaximisedStateStaysInTheHand();
+    void whatWasPartlyOutsideStaysThereWhenTheScreenChanges();
+    void whatTheScreenNoLongerHoldsIsBroughtBack();
 
 private:
     static QRect screen()
@@ -133,6 +136,66 @@ void tst_ScreenRoom::whatTheUserMovesStaysThere()
     int stays = 0;
     EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
                                                                         : (window.move(place), stays = 0, false)));
+}
+
+/// As a manager does it: it restores the window below the mouse and moves it along.
+void tst_ScreenRoom::whatIsDraggedFromTheMaximisedStateStaysInTheHand()
+{
+    QWidget window;
+    screenRoom::keep(&window);
+    window.setGeometry(200, 150, 400, 300);
+    show(window);
+    checkWithin(window);
+    window.showMaximized();
+    EVENTUALLY(window.isMaximized() && window.width() > screen().width() - 40);
+    window.showNormal();
+    int stays = 0;
+    EVENTUALLY(!window.isMaximized() && window.size() == QSize(400, 300) && ++stays > 20);
+    const QPoint place(screen().right() - 150, 200);
+    QCursor::setPos(place + QPoint(100, 5));
+    EVENTUALLY((QCursor::pos() - place - QPoint(100, 5)).manhattanLength() < 5);
+    window.move(place);
+    EVENTUALLY(window.frameGeometry().right() > screen().right() + 100);
+    // What brought it back would do so with one of the next events.
+    stays = 0;
+    QVERIFY(eventually([&] { return window.frameGeometry().right() <= screen().right() || ++stays > 100; }));
+    QVERIFY(window.frameGeometry().right() > screen().right() + 100);
+}
+
+void tst_ScreenRoom::whatWasPartlyOutsideStaysThereWhenTheScreenChanges()
+{
+    QWidget window;
+    screenRoom::keep(&window);
+    window.resize(400, 300);
+    show(window);
+    checkWithin(window);
+    const QPoint place(screen().right() - 100, 200);
+    int stays = 0;
+    EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
+                                                                        : (window.move(place), stays = 0, false)));
+    QScreen* const shown = QGuiApplication::primaryScreen();
+    const QRect where = window.geometry();
+    emit shown->availableGeometryChanged(screen());
+    emit shown->availableGeometryChanged(screen().adjusted(0, 0, 0, -50)); // a panel has come, below
+    QCOMPARE(window.geometry(), where);
+    emit shown->availableGeometryChanged(screen());
+    QCOMPARE(window.geometry(), where);
+}
+
+void tst_ScreenRoom::whatTheScreenNoLongerHoldsIsBroughtBack()
+{
+    QWidget window;
+    screenRoom::keep(&window);
+    window.resize(400, 300);
+    show(window);
+    checkWithin(window);
+    const QPoint place(screen().right() - 100, 200);
+    int stays = 0;
+    EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
+                                                                        : (window.move(place), stays = 0, false)));
+    // Nothing would be left of it on that.
+    emit QGuiApplication::primaryScreen()->availableGeometryChanged(screen().adjusted(0, 0, -200, 0));
+    checkWithin(window);
 }
 
 QTEST_MAIN(tst_ScreenRoom)
