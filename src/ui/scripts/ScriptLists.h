@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
+#include <QVector>
 
 class QListWidget;
 class QListWidgetItem;
@@ -85,6 +86,8 @@ private:
 
     void setUpKeys();
     void moveSelected(int step);
+    QVector<bool> rowsToMove() const;
+    void selectRows(const QVector<bool>& selected, int current);
     void rebuildActive();
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);
     template <typename Part>

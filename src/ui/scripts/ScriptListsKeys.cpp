@@ -4,7 +4,9 @@
 #include "ui/scripts/ScriptLists.h"
 
 #include <QAction>
+#include <QItemSelectionModel>
 #include <QListWidget>
+#include <QSignalBlocker>
 #include <QVector>
 
 #include <utility>
@@ -38,27 +40,68 @@ void ScriptLists::moveSelectedDown()
     moveSelected(1);
 }
 
-/// Each row that is selected changes places with its neighbour, beginning with those that go first.
+/// Each row that is chosen changes places with its neighbour, beginning with those that go first.
 void ScriptLists::moveSelected(int step)
 {
     const int count = activeScriptEntries.size();
     if (!currentRelay || currentRelay->activatedScripts.size() != count) {
         return;
     }
-    QVector<bool> selected(count);
-    for (int row = 0; row < count; ++row) {
-        selected[row] = activeScriptEntries.at(row).item->isSelected();
-    }
+    QVector<bool> chosen = rowsToMove();
+    int current = active->currentRow();
     bool moved = false;
     for (int i = 1; i < count; ++i) {
         const int row = step < 0 ? i : count - 1 - i;
-        if (selected.at(row) && !selected.at(row + step)) {
-            std::swap(selected[row], selected[row + step]);
-            currentRelay->activatedScripts.swapItemsAt(row, row + step);
+        const int neighbour = row + step;
+        if (chosen.at(row) && !chosen.at(neighbour)) {
+            std::swap(chosen[row], chosen[neighbour]);
+            currentRelay->activatedScripts.swapItemsAt(row, neighbour);
+            if (current == row || current == neighbour) {
+                current = row + neighbour - current; // it goes with its row
+            }
             moved = true;
         }
     }
     if (moved) {
         rebuildActive();
+        selectRows(chosen, current);
+    }
+}
+
+/// The selected ones. A script that stands in the list twice is selected twice by the list of all; then the current row
+/// is meant, or the first one.
+QVector<bool> ScriptLists::rowsToMove() const
+{
+    const int count = activeScriptEntries.size();
+    const int current = active->currentRow();
+    QVector<bool> rows(count);
+    const auto isTaken = [&](const ScriptInfoPtr& script) {
+        for (int row = 0; row < count; ++row) {
+            if (rows.at(row) && activeScriptEntries.at(row).script == script) {
+                return true;
+            }
+        }
+        return false;
+    };
+    const auto take = [&](int row) {
+        const ScriptEntry& entry = activeScriptEntries.at(row);
+        rows[row] = rows.at(row) || (entry.item->isSelected() && !isTaken(entry.script));
+    };
+    if (current >= 0 && current < count) {
+        take(current);
+    }
+    for (int row = 0; row < count; ++row) {
+        take(row);
+    }
+    return rows;
+}
+
+/// Row by row, since a rebuilt list selects by scripts.
+void ScriptLists::selectRows(const QVector<bool>& selected, int current)
+{
+    const QSignalBlocker blocker(active);
+    active->setCurrentRow(current, QItemSelectionModel::NoUpdate);
+    for (int row = 0; row < selected.size(); ++row) {
+        active->item(row)->setSelected(selected.at(row));
     }
 }

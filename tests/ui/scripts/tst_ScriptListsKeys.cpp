@@ -27,6 +27,8 @@ private slots:
     void theOrderOfAllScriptsCantBeChanged();
     void f2AsksForTheName();
     void withoutAnOutputNothingMoves();
+    void ofAScriptThatStandsTwiceOnlyTheChosenRowMoves();
+    void ofAScriptThatTheOtherListSelectsTwiceOneRowMoves();
 
 private:
     QList<int> active() const;
@@ -202,6 +204,37 @@ void tst_ScriptListsKeys::withoutAnOutputNothingMoves()
     allList->setCurrentRow(1);
     press(Qt::Key_Insert);
     QCOMPARE(active(), QList<int>());
+}
+
+void tst_ScriptListsKeys::ofAScriptThatStandsTwiceOnlyTheChosenRowMoves()
+{
+    activate({3, 7, 9, 3});
+    activeList->setFocus();
+    activeList->setCurrentRow(3);
+    QCOMPARE(selected(), QList<int>({3}));
+    press(Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(active(), QList<int>({3, 7, 3, 9}));
+    QCOMPARE(selected(), QList<int>({2}));
+    QCOMPARE(activeList->currentRow(), 2);
+    press(Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(active(), QList<int>({3, 3, 7, 9}));
+    press(Qt::Key_Down, Qt::AltModifier);
+    press(Qt::Key_Down, Qt::AltModifier);
+    QCOMPARE(active(), QList<int>({3, 7, 9, 3}));
+    QCOMPARE(activeList->currentRow(), 3);
+}
+
+void tst_ScriptListsKeys::ofAScriptThatTheOtherListSelectsTwiceOneRowMoves()
+{
+    activate({7, 3, 9, 3});
+    allList->setFocus();
+    allList->setCurrentRow(3);
+    QCOMPARE(selected(), QList<int>({1, 3}));
+    QCOMPARE(activeList->currentRow(), 1);
+    activeList->setFocus();
+    press(Qt::Key_Down, Qt::AltModifier);
+    QCOMPARE(active(), QList<int>({7, 9, 3, 3}));
+    QCOMPARE(selected(), QList<int>({2}));
 }
 
 QTEST_MAIN(tst_ScriptListsKeys)
