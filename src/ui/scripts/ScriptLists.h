@@ -88,6 +88,7 @@ private:
     void moveSelected(int step);
     QVector<bool> rowsToMove() const;
     void selectRows(const QVector<bool>& selected, int current);
+    static void copySelected(const QListWidget* list);
     void rebuildActive();
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);
     template <typename Part>

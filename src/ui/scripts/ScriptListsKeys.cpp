@@ -4,9 +4,12 @@
 #include "ui/scripts/ScriptLists.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QSignalBlocker>
+#include <QStringList>
 #include <QVector>
 
 #include <utility>
@@ -14,7 +17,7 @@
 /// Of the lists alone: in a field of the editor the same keys edit.
 void ScriptLists::setUpKeys()
 {
-    const auto add = [this](const QKeySequence& key, const QList<QListWidget*>& lists, void (ScriptLists::*slot)()) {
+    const auto add = [this](const QKeySequence& key, const QList<QListWidget*>& lists, auto slot) {
         auto* const action = new QAction(this);
         action->setShortcut(key);
         action->setShortcutContext(Qt::WidgetShortcut);
@@ -28,6 +31,8 @@ void ScriptLists::setUpKeys()
     add(Qt::Key_F2, {all, active}, &ScriptLists::renameWanted);
     add(Qt::ALT + Qt::Key_Up, {active}, &ScriptLists::moveSelectedUp);
     add(Qt::ALT + Qt::Key_Down, {active}, &ScriptLists::moveSelectedDown);
+    add(QKeySequence::Copy, {all}, [this] { copySelected(all); });
+    add(QKeySequence::Copy, {active}, [this] { copySelected(active); });
 }
 
 void ScriptLists::moveSelectedUp()
@@ -103,5 +108,19 @@ void ScriptLists::selectRows(const QVector<bool>& selected, int current)
     active->setCurrentRow(current, QItemSelectionModel::NoUpdate);
     for (int row = 0; row < selected.size(); ++row) {
         active->item(row)->setSelected(selected.at(row));
+    }
+}
+
+/// What the selected rows say, a line each.
+void ScriptLists::copySelected(const QListWidget* list)
+{
+    QStringList lines;
+    for (int row = 0; row < list->count(); ++row) {
+        if (list->item(row)->isSelected()) {
+            lines.append(list->item(row)->data(Qt::AccessibleTextRole).toString());
+        }
+    }
+    if (!lines.isEmpty()) {
+        QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
     }
 }

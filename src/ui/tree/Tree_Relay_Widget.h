@@ -78,6 +78,7 @@ private:
     const OutputNode* senderOutput(const QObject* control) const;
 
     void renameCurrent();
+    void copySelected() const;
     void storeExpanded();
     void passCurrentGroupOn();
     void endRename();

@@ -2,6 +2,7 @@
 #include "ui/scripts/ScriptLists.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QtTest>
@@ -29,6 +30,7 @@ private slots:
     void withoutAnOutputNothingMoves();
     void ofAScriptThatStandsTwiceOnlyTheChosenRowMoves();
     void ofAScriptThatTheOtherListSelectsTwiceOneRowMoves();
+    void ctrlCCopiesTheSelectedRows();
 
 private:
     QList<int> active() const;
@@ -235,6 +237,24 @@ void tst_ScriptListsKeys::ofAScriptThatTheOtherListSelectsTwiceOneRowMoves()
     press(Qt::Key_Down, Qt::AltModifier);
     QCOMPARE(active(), QList<int>({7, 9, 3, 3}));
     QCOMPARE(selected(), QList<int>({2}));
+}
+
+void tst_ScriptListsKeys::ctrlCCopiesTheSelectedRows()
+{
+    activate({3, 7, 9});
+    info->findScript(7)->name = QStringLiteral("Fan & more");
+    lists->rebuildAll();
+    lists->rebuildActive(output);
+    QGuiApplication::clipboard()->clear();
+    activeList->setFocus();
+    activeList->setCurrentRow(1);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("8. Fan & more\n10. Script"));
+    allList->setFocus();
+    allList->setCurrentRow(0, QItemSelectionModel::ClearAndSelect); // the key before still counts
+    press(Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. Script"));
 }
 
 QTEST_MAIN(tst_ScriptListsKeys)

@@ -2,6 +2,7 @@
 #include "ui/tree/ShownTree.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QMenu>
 #include <QPointer>
 #include <QScrollBar>
@@ -37,6 +38,8 @@ class tst_Tree_Relay_WidgetNames : public ShownTree
     Q_OBJECT
 
 private slots:
+    void ctrlCCopiesTheSelectedName();
+
     void menuOnATerminal();
     void menuOnAnOutput();
     void menuIsThereForTheHeadUnitToo();
@@ -462,6 +465,26 @@ void tst_Tree_Relay_WidgetNames::rebuildWhileRenamingIsHarmless()
     QCOMPARE(info->groups().first()->outputs.first()->name, QStringLiteral("Internal relay"));
     QVERIFY(edit(outputItem(0, 0))->isHidden());
     QVERIFY(!label(outputItem(0, 0))->isHidden());
+}
+
+void tst_Tree_Relay_WidgetNames::ctrlCCopiesTheSelectedName()
+{
+    addTerminal(5, 1);
+    build();
+    QGuiApplication::clipboard()->clear();
+    list->setFocus();
+    list->setCurrentItem(outputItem(1, 0));
+    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), label(outputItem(1, 0))->text());
+    list->setCurrentItem(groupItem(1));
+    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), label(groupItem(1))->text());
+    // In a name that is being edited the same key copies what is marked there.
+    QTest::keyClick(list, Qt::Key_F2);
+    edit(groupItem(1))->setText(QStringLiteral("marked"));
+    edit(groupItem(1))->selectAll();
+    QTest::keyClick(edit(groupItem(1)), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("marked"));
 }
 
 QTEST_MAIN(tst_Tree_Relay_WidgetNames)
