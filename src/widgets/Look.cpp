@@ -4,7 +4,31 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QEvent>
+#include <QPalette>
 #include <QWidget>
+
+#include <cmath>
+
+namespace
+{
+
+/// As the guidelines for accessible content reckon it: from 0 to 1.
+double luminance(const QColor& color)
+{
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor& one, const QColor& other)
+{
+    const double first = luminance(one) + 0.05;
+    const double second = luminance(other) + 0.05;
+    return qMax(first, second) / qMin(first, second);
+}
+
+} // namespace
 
 namespace look
 {
@@ -55,6 +79,23 @@ QString richText(const QString& text)
         broken += character;
     }
     return broken.toHtmlEscaped();
+}
+
+QColor fadedText(const QPalette& colors)
+{
+    const QColor text = colors.color(QPalette::Active, QPalette::WindowText);
+    const QColor window = colors.color(QPalette::Active, QPalette::Window);
+    const auto mixed = [](int one, int other, int percent) { return (one * percent + other * (100 - percent)) / 100; };
+    constexpr int faintest = 65; // per cent of the text's colour
+    constexpr double leastContrast = 4.5;
+    for (int percent = faintest; percent < 100; percent += 5) {
+        const QColor faded(mixed(text.red(), window.red(), percent), mixed(text.green(), window.green(), percent),
+                           mixed(text.blue(), window.blue(), percent));
+        if (contrast(faded, window) >= leastContrast) {
+            return faded;
+        }
+    }
+    return text;
 }
 
 void applyStyleSheet(QWidget* widget, const QString& styleSheet)

@@ -5,6 +5,7 @@
 
 class QColor;
 class QComboBox;
+class QPalette;
 class QWidget;
 
 /// The pieces of the program's look that several forms share. GUI thread only.
@@ -30,6 +31,10 @@ QString dockTitleStyle(const QString& background);
 /// A text that a user typed, as part of rich text: markup is shown as it is written, and words that are too long for a
 /// tooltip may be broken.
 QString richText(const QString& text);
+
+/// For text that stands back behind the rest of a window: a contrast of 4.5 with the window at least, or that of the
+/// window's own text where that has less.
+QColor fadedText(const QPalette& colors);
 
 /// Sets a style sheet unless the widget has it already: setting one makes Qt polish the widget and its children anew.
 void applyStyleSheet(QWidget* widget, const QString& styleSheet);

@@ -2,8 +2,11 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QPalette>
 #include <QTextDocument>
 #include <QtTest>
+
+#include <cmath>
 
 class tst_Look : public QObject
 {
@@ -16,6 +19,8 @@ private slots:
     void richTextShowsWhatWasTyped_data();
     void richTextShowsWhatWasTyped();
     void longWordsMayBeBroken();
+    void fadedTextCanBeReadOnEveryWindow_data();
+    void fadedTextCanBeReadOnEveryWindow();
 };
 
 void tst_Look::coloursHaveFourParts()
@@ -87,6 +92,37 @@ void tst_Look::longWordsMayBeBroken()
     QCOMPARE(look::richText(word), word);
     QCOMPARE(look::richText(word + QLatin1Char(' ') + word), word + QLatin1Char(' ') + word);
     QVERIFY(widthNeeded(look::richText(word.repeated(5))) < 1.5 * widthNeeded(word));
+}
+
+void tst_Look::fadedTextCanBeReadOnEveryWindow_data()
+{
+    QTest::addColumn<QColor>("text");
+    QTest::addColumn<QColor>("window");
+    QTest::newRow("light") << QColor(Qt::black) << QColor(239, 239, 239);
+    QTest::newRow("dark") << QColor(Qt::white) << QColor(50, 50, 50);
+    QTest::newRow("black") << QColor(Qt::white) << QColor(Qt::black);
+    QTest::newRow("middle") << QColor(Qt::white) << QColor(100, 100, 100);
+    QTest::newRow("colours") << QColor(255, 255, 0) << QColor(0, 0, 128);
+}
+
+void tst_Look::fadedTextCanBeReadOnEveryWindow()
+{
+    QFETCH(const QColor, text);
+    QFETCH(const QColor, window);
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](double part) {
+            return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    };
+    QPalette colors;
+    colors.setColor(QPalette::WindowText, text);
+    colors.setColor(QPalette::Window, window);
+    const QColor faded = look::fadedText(colors);
+    const double one = luminance(faded) + 0.05;
+    const double other = luminance(window) + 0.05;
+    QVERIFY2(qMax(one, other) / qMin(one, other) >= 4.5, qPrintable(faded.name()));
+    QVERIFY(faded != text);
 }
 
 QTEST_MAIN(tst_Look)

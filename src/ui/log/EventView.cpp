@@ -2,6 +2,7 @@
 
 #include "eventlog/EventFields.h"
 #include "texts/texts.h"
+#include "widgets/Look.h"
 #include "widgets/ScreenRoom.h"
 
 #include <QDialogButtonBox>
@@ -46,8 +47,9 @@ QWidget* makeTable(const QList<EventField>& fields)
         QLabel* const value = makeLabel(field.value, table);
         QLabel* const meaning = makeLabel(field.meaning, table);
         QPalette grey = name->palette();
-        grey.setColor(QPalette::WindowText, QColor(96, 96, 96));
+        grey.setColor(QPalette::WindowText, look::fadedText(grey));
         name->setPalette(grey);
+        name->setObjectName(QStringLiteral("labelName%1").arg(row));
         value->setObjectName(QStringLiteral("labelValue%1").arg(row));
         meaning->setObjectName(QStringLiteral("labelMeaning%1").arg(row));
         layout->addWidget(name, row, ColumnName);

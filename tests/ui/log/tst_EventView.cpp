@@ -1,6 +1,8 @@
 #include "LogFindTest.h"
 #include "ui/log/EventView.h"
+#include "widgets/Look.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 
@@ -26,6 +28,7 @@ private slots:
     void nothingSelectedOpensNothing();
     void escapeAndTheButtonCloseIt();
     void openedEventOutlivesItsLog();
+    void namesOfFieldsStandBackOnADarkWindowToo();
 
 private:
     EventView* opened() const
@@ -133,6 +136,23 @@ void tst_EventView::openedEventOutlivesItsLog()
     readLog(0);
     QCOMPARE(window->view->model()->rowCount(), 0);
     QCOMPARE(value(16), source);
+}
+
+void tst_EventView::namesOfFieldsStandBackOnADarkWindowToo()
+{
+    const QPalette before = QApplication::palette();
+    QPalette dark = before;
+    dark.setColor(QPalette::Window, QColor(40, 40, 40));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    QApplication::setPalette(dark);
+    showLog(block(1, 5));
+    clickRow(0);
+    QTest::keyClick(window->view, Qt::Key_Return);
+    const QColor color =
+        opened()->findChild<QLabel*>(QStringLiteral("labelName0"))->palette().color(QPalette::WindowText);
+    QApplication::setPalette(before);
+    QCOMPARE(color, look::fadedText(dark));
+    QVERIFY(color.lightness() > 128);
 }
 
 QTEST_MAIN(tst_EventView)
