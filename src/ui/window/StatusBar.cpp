@@ -11,8 +11,45 @@
 #include <QIcon>
 #include <QLabel>
 #include <QPixmap>
+#include <QResizeEvent>
 #include <QStatusBar>
 #include <QVBoxLayout>
+
+#include <functional>
+
+/// Takes as many lines as its words need, where there is room for them, whatever becomes of its width and its font.
+class ResultLabel : public ElidedLabel
+{
+public:
+    using ElidedLabel::ElidedLabel;
+
+    void setRoomForLines(bool on)
+    {
+        hasRoom = on;
+        fitLines();
+    }
+    void fitLines();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        ElidedLabel::resizeEvent(event);
+        if (event->size().width() != event->oldSize().width()) {
+            fitLines();
+        }
+    }
+
+    void changeEvent(QEvent* event) override
+    {
+        ElidedLabel::changeEvent(event);
+        if (event->type() == QEvent::FontChange) {
+            fitLines();
+        }
+    }
+
+private:
+    bool hasRoom = true;
+};
 
 namespace
 {
@@ -104,7 +141,7 @@ StatusBar::StatusBar()
       labelCoordinator(newLabel(QStringLiteral("labelCoordinator"), bold(texts::statusNotConnected()))),
       labelSerial(newLabel(QStringLiteral("labelSerial"), texts::noValue())),
       labelVersion(newLabel(QStringLiteral("labelVersion"), texts::noValue())),
-      labelResult(newLabel<ElidedLabel>(QStringLiteral("labelResult"))),
+      labelResult(newLabel<ResultLabel>(QStringLiteral("labelResult"))),
       labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue()))
 {
     showLamp(labelIconPort, LampNotConnected);
@@ -134,7 +171,9 @@ void StatusBar::fitResult()
         return; // not in its bar yet
     }
     const int rest = room - portWidth - coordinatorWidth - sectionTime->sizeHint().width() - betweenSections;
-    sectionResult->setMinimumWidth(qBound(leastResultWidth, rest, resultWidth));
+    const int width = qBound(leastResultWidth, rest, resultWidth);
+    sectionResult->setMinimumWidth(width);
+    labelResult->setRoomForLines(width == resultWidth);
 }
 
 QFrame* StatusBar::portSection() const
@@ -227,18 +266,17 @@ void StatusBar::showDeviceTime(const QString& time)
 void StatusBar::showResult(const QString& result)
 {
     labelResult->setText(result);
-    fitLines();
+    labelResult->fitLines();
 }
 
 /// A result of many words gets more lines than the other sections have, where the screen has room for it.
-void StatusBar::fitLines()
+void ResultLabel::fitLines()
 {
     constexpr int mostLines = 4;
-    const QFontMetrics metrics = labelResult->fontMetrics();
-    const int width = qMax(labelResult->width(), leastResultWidth);
-    const int whole = metrics.boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap, result()).height();
-    const bool hasRoom = sectionResult != nullptr && sectionResult->minimumWidth() == resultWidth;
-    labelResult->setMinimumHeight(hasRoom ? qMin(whole, mostLines * metrics.lineSpacing()) : 0);
+    const QFontMetrics metrics = fontMetrics();
+    const int room = qMax(width(), leastResultWidth);
+    const int whole = metrics.boundingRect(0, 0, room, QWIDGETSIZE_MAX, Qt::TextWordWrap, text()).height();
+    setMinimumHeight(hasRoom ? qMin(whole, mostLines * metrics.lineSpacing()) : 0);
 }
 
 QString StatusBar::result() const

@@ -7,6 +7,7 @@ class QFrame;
 class QLabel;
 class QStatusBar;
 class QString;
+class ResultLabel;
 
 /// The four framed sections of the main window's status bar: port, coordinator, device time, result of the last
 /// operation.
@@ -47,7 +48,6 @@ private:
     QFrame* timeSection() const;
     QFrame* resultSection() const;
     void fitResult();
-    void fitLines();
 
     QLabel* labelIconPort;
     QLabel* labelBaudrate;
@@ -55,7 +55,7 @@ private:
     QLabel* labelCoordinator;
     QLabel* labelSerial;
     QLabel* labelVersion;
-    ElidedLabel* labelResult;
+    ResultLabel* labelResult;
     QLabel* labelDeviceTime;
     QFrame* sectionTime = nullptr;
     QFrame* sectionResult = nullptr;

@@ -45,6 +45,8 @@ private slots:
     void coordinatorIsShownByItsAddress();
     void timeAndResultAreShownAsTheyAre();
     void aLongResultWraps();
+    void theLinesOfAResultFollowTheWidth();
+    void theLinesOfAResultFollowTheFont();
     void nameWithoutAPlaceToBreakIsElidedInTheMiddle();
     void resultGivesWayWhereTheScreenHasNoRoom();
 
@@ -257,6 +259,35 @@ void tst_StatusBar::aLongResultWraps()
     QTRY_VERIFY(shown->height() >= 4 * shown->fontMetrics().lineSpacing());
     status->showResult(QStringLiteral("few words"));
     QTRY_VERIFY(shown->height() < 4 * shown->fontMetrics().lineSpacing());
+}
+
+void tst_StatusBar::theLinesOfAResultFollowTheWidth()
+{
+    const QLabel* const shown = label("labelResult");
+    const int line = shown->fontMetrics().lineSpacing();
+    status->showResult(QStringLiteral("many words ").repeated(60));
+    QTRY_VERIFY(shown->minimumHeight() > 3 * line);
+    window->resize(6000, 300);
+    QTRY_VERIFY(shown->minimumHeight() < 2 * line);
+    window->resize(1100, 300);
+    QTRY_VERIFY(shown->minimumHeight() > 3 * line);
+    // On a small screen it is one line of what there is.
+    status->setRoom(700);
+    QCOMPARE(shown->minimumHeight(), 0);
+    status->setRoom(1366);
+    QVERIFY(shown->minimumHeight() > 3 * line);
+}
+
+void tst_StatusBar::theLinesOfAResultFollowTheFont()
+{
+    QLabel* const shown = label("labelResult");
+    status->showResult(QStringLiteral("many words ").repeated(10));
+    QTRY_VERIFY(shown->minimumHeight() > 0);
+    const int before = shown->minimumHeight();
+    QFont large = shown->font();
+    large.setPointSize(2 * large.pointSize());
+    shown->setFont(large);
+    QTRY_VERIFY(shown->minimumHeight() >= 2 * before);
 }
 
 void tst_StatusBar::nameWithoutAPlaceToBreakIsElidedInTheMiddle()
