@@ -20,6 +20,11 @@ FirmwareLoading::FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialo
 {
 }
 
+void FirmwareLoading::offer(QAction* action)
+{
+    offered = action;
+}
+
 void FirmwareLoading::loadOnCurrentPort()
 {
     const std::optional<FirmwareFile> file = chooseFirmwareFile(window, *dialogs);
@@ -54,6 +59,9 @@ Loading* FirmwareLoading::createDialog(quint8 address, int baudrate, const Firmw
     loading->setWindowIcon(window->windowIcon());
     // The main window's closing ends the application also in the middle of a load.
     loading->setAttribute(Qt::WA_QuitOnClose, false);
+    if (offered != nullptr) {
+        loading->addAction(offered);
+    }
     loading->setParameters(address, baudrate > 0 ? baudrate : usualBaudrate, file.name, file.image);
     connect(coordinator, &FormChoiceCoordinator::sig_sendAnswerFirmWare, loading, &Loading::sl_receiveMessage);
     return loading;

@@ -6,6 +6,7 @@
 class Dialogs;
 class FormChoiceCoordinator;
 class Loading;
+class QAction;
 class QWidget;
 struct FirmwareFile;
 struct FirmwarePort;
@@ -24,6 +25,9 @@ public:
     FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialogs, QWidget* dialogParent,
                     QObject* parent = nullptr);
 
+    /// An action for the user of the loading dialogs. It has to live as long as this.
+    void offer(QAction* action);
+
 public slots:
     void loadOnCurrentPort();
     void loadOnPort(const FirmwarePort& port);
@@ -41,4 +45,5 @@ private:
     FormChoiceCoordinator* coordinator;
     Dialogs* dialogs;
     QWidget* window;
+    QAction* offered = nullptr;
 };

@@ -21,7 +21,7 @@
 #include "widgets/Look.h"
 #include "widgets/Spoken.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDockWidget>
 #include <QSignalBlocker>
@@ -324,10 +324,11 @@ void MainWindow::openManual()
     const QStringList places =
         seams.manuals.isEmpty() ? manual::places(QCoreApplication::applicationDirPath()) : seams.manuals;
     const QString file = manual::firstOf(places);
+    QWidget* const asking = QApplication::activeWindow() != nullptr ? QApplication::activeWindow() : this;
     if (file.isEmpty()) {
-        dialogs.critical(this, texts::manualTitle(), texts::manualMissing().arg(places.join(QLatin1Char('\n'))));
+        dialogs.critical(asking, texts::manualTitle(), texts::manualMissing().arg(places.join(QLatin1Char('\n'))));
     } else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file))) {
-        dialogs.critical(this, texts::manualTitle(), texts::manualNotOpened().arg(file));
+        dialogs.critical(asking, texts::manualTitle(), texts::manualNotOpened().arg(file));
     }
 }
 

@@ -292,16 +292,18 @@ void MainWindow::connectFirmware()
         [this](const FirmwarePort& port) { firmwareLoading->loadOnPort(port); });
 }
 
-/// F1 alone, since the menus hold what works on the unit. The coordinator form, which comes first and stands in front
-/// of the window, has it too.
+/// F1 alone, since the menus hold what works on the unit. It works in all windows; those that keep the user away from
+/// this one have it themselves. The busy form hasn't: it keeps the user away from everything.
 void MainWindow::offerManual()
 {
     auto* const action = new QAction(texts::manualTitle(), this);
     action->setObjectName(QStringLiteral("actionManual"));
     action->setShortcut(Qt::Key_F1);
+    action->setShortcutContext(Qt::ApplicationShortcut);
     connect(action, &QAction::triggered, this, &MainWindow::openManual);
     addAction(action);
     formChoiceCoordinator->addAction(action);
+    firmwareLoading->offer(action);
 }
 
 void MainWindow::setTexts()

@@ -1,11 +1,19 @@
+#include "firmware/Loading.h"
+#include "link/FormWaiting.h"
 #include "texts/texts.h"
+#include "ui/log/EventView.h"
+#include "ui/tree/FormAddingTerminal.h"
+#include "ui/window/FirmwareLoading.h"
 #include "ui/window/Manual.h"
 #include "ui/window/WindowTest.h"
 
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
+
+#include <utility>
 
 /// F1: which file is the manual, and what the window does with it. What would open it is this test.
 class tst_Manual : public WindowTest
@@ -28,6 +36,10 @@ private slots:
     void inTheTreeThatItWasBuiltFromItIsFound();
     void f1OpensIt();
     void f1OpensItInTheFormThatComesFirst();
+    void f1OpensItWhereATerminalIsAdded();
+    void f1OpensItInAnOpenedEvent();
+    void f1OpensItWhileFirmwareIsLoaded();
+    void f1DoesNothingWhileTheProgramIsBusy();
     void withoutItTheUserReadsWhereItWasLookedFor();
 
 private:
@@ -112,6 +124,69 @@ void tst_Manual::f1OpensItInTheFormThatComesFirst()
     press(Qt::Key_F1, form());
     QCOMPARE(opened, {QUrl::fromLocalFile(file(QStringLiteral("manual.html")))});
     QVERIFY(dialogs->boxes.isEmpty());
+}
+
+void tst_Manual::f1OpensItWhereATerminalIsAdded()
+{
+    make(QStringLiteral("manual.html"));
+    form()->hide();
+    auto* const adding = window->findChild<FormAddingTerminal*>();
+    adding->show();
+    press(Qt::Key_F1, adding);
+    QCOMPARE(opened.size(), 1);
+    QVERIFY(adding->isVisible());
+}
+
+void tst_Manual::f1OpensItInAnOpenedEvent()
+{
+    make(QStringLiteral("manual.html"));
+    form()->hide();
+    const QStandardItemModel log(1, 18);
+    auto* const event = new EventView(log, 0, window.get());
+    event->show();
+    press(Qt::Key_F1, event);
+    QCOMPARE(opened.size(), 1);
+}
+
+void tst_Manual::f1OpensItWhileFirmwareIsLoaded()
+{
+    make(QStringLiteral("manual.html"));
+    form()->hide();
+    QFile image(file(QStringLiteral("image.crypt")));
+    QVERIFY(image.open(QIODevice::WriteOnly));
+    QCOMPARE(image.write(QByteArray(600, 'x')), qint64(600));
+    image.close();
+    dialogs->openAnswers = QStringList(image.fileName());
+    FirmwarePort port;
+    port.setRunning = [](bool) {};
+    bool isPressed = false;
+    port.send = [this, &isPressed](const message&) {
+        if (std::exchange(isPressed, true)) {
+            return;
+        }
+        // The dialog is only about to be shown.
+        const auto pressAndClose = [] {
+            QWidget* const dialog = QApplication::activeModalWidget();
+            QVERIFY(qobject_cast<Loading*>(dialog) != nullptr);
+            press(Qt::Key_F1, dialog);
+            QMetaObject::invokeMethod(dialog, "on_ButtonAbort_clicked", Qt::QueuedConnection);
+            QMetaObject::invokeMethod(dialog, "reject", Qt::QueuedConnection);
+        };
+        QMetaObject::invokeMethod(this, pressAndClose, Qt::QueuedConnection);
+    };
+    window->findChild<FirmwareLoading*>()->loadOnPort(port);
+    QCOMPARE(opened.size(), 1);
+}
+
+void tst_Manual::f1DoesNothingWhileTheProgramIsBusy()
+{
+    make(QStringLiteral("manual.html"));
+    form()->hide();
+    auto* const busy = window->findChild<FormWaiting*>();
+    busy->show();
+    press(Qt::Key_F1, busy);
+    QVERIFY(opened.isEmpty());
+    busy->hide();
 }
 
 void tst_Manual::withoutItTheUserReadsWhereItWasLookedFor()
