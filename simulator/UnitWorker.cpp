@@ -2,6 +2,8 @@
 
 #include "simulator/UnitClock.h"
 
+#include <QThread>
+
 #include <algorithm>
 #include <array>
 
@@ -49,39 +51,46 @@ const PseudoTerminal& UnitWorker::line() const
 
 const UnitState& UnitWorker::unitState() const
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     return state;
 }
 
 void UnitWorker::edit(const std::function<void(UnitState&)>& edit)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     edit(state);
     emit stateChanged();
 }
 
 void UnitWorker::setPace(UnitSimulator::Pace newPace, int newThinkingTime)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     pace = newPace;
     thinkingTime = newThinkingTime;
 }
 
 void UnitWorker::setFaults(const QVector<UnitFault>& faults, quint32 seed)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     plan = FaultPlan(faults, seed);
 }
 
 const QVector<UnitRequest>& UnitWorker::requestsSeen() const
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     return seen;
 }
 
 void UnitWorker::forgetRequests()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     forgotten += seen.size();
     seen.clear();
 }
 
 void UnitWorker::unplug()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     ++pullCount;
     if (!port.isPluggedIn()) {
         return;
@@ -94,6 +103,7 @@ void UnitWorker::unplug()
 
 bool UnitWorker::plugIn()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     if (port.isPluggedIn()) {
         return true;
     }
@@ -106,11 +116,13 @@ bool UnitWorker::plugIn()
 
 void UnitWorker::sendRaw(const QByteArray& bytes)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     port.write(bytes);
 }
 
 void UnitWorker::growLog(int interval, quint32 seed)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     generator = LogGenerator(seed, LogGenerator::Everything);
     if (interval > 0) {
         growth.start(interval);
@@ -121,12 +133,14 @@ void UnitWorker::growLog(int interval, quint32 seed)
 
 void UnitWorker::addEvent()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     state.log.append(generator.next(UnitClock::now(state.clockOffset)));
     emit stateChanged();
 }
 
 void UnitWorker::receive()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     const Moment now = Schedule::Clock::now();
     const QByteArray bytes = port.read();
     if (bytes.isEmpty()) {

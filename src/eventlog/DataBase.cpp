@@ -11,6 +11,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QThread>
 #include <QUuid>
 
 namespace
@@ -98,6 +99,7 @@ int DataBase::rowCount() const
 
 void DataBase::sl_connectToDataBase()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     delete model;
     model = nullptr;
 
@@ -123,6 +125,7 @@ void DataBase::sl_connectToDataBase()
 
 void DataBase::sl_insertIntoTable(const QList<EventOfTable>& data)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     logProgress(QStringLiteral("insert data in table started (size = %1)").arg(data.size()));
     if (data.isEmpty()) {
         logProgress(QStringLiteral("ERROR - size data for insert to table = 0!!"));
@@ -147,6 +150,7 @@ void DataBase::sl_insertIntoTable(const QList<EventOfTable>& data)
 
 void DataBase::sl_deleteDataFromTable()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     logProgress(QStringLiteral("delete all data from table started"));
     QSqlQuery query(database);
     if (!query.prepare(QLatin1String("DELETE FROM ") + logtable::name())) {
@@ -165,6 +169,7 @@ void DataBase::sl_deleteDataFromTable()
 
 void DataBase::sl_closeDataBase()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     database.close();
     QFile::remove(fileName);
 }
@@ -180,6 +185,7 @@ bool DataBase::copyIn(const QString& source) const
 
 void DataBase::sl_connectOtherDataBase(const QString& otherFileName)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     if (!QFile::exists(otherFileName)) {
         qDebug().noquote() << QLatin1String("DATABASE NOT FOUND ") + otherFileName;
         return;
@@ -236,6 +242,7 @@ bool DataBase::copyOut(const QString& target) const
 
 void DataBase::sl_SaveDataBase(const QString& target)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     if (target.isEmpty()) {
         qDebug("FILE NOT SELECTED");
         return;
@@ -250,6 +257,7 @@ void DataBase::sl_SaveDataBase(const QString& target)
 
 void DataBase::sl_filterModel(const QString& request)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     if (model != nullptr) {
         model->setFilter(request);
         fetchAll();
@@ -259,6 +267,7 @@ void DataBase::sl_filterModel(const QString& request)
 
 void DataBase::sl_refreshModel()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     if (model != nullptr) {
         model->select();
         model->setFilter(QString());

@@ -4,6 +4,7 @@
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QThread>
 
 SqlModel::SqlModel() = default;
 
@@ -37,6 +38,7 @@ QModelIndex SqlModel::indexInQuery(const QModelIndex& item) const
 
 void SqlModel::setFilter(const QString& condition)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     isFiltering = true;
     QSqlTableModel::setFilter(condition); // which selects
     isFiltering = false;
@@ -44,6 +46,7 @@ void SqlModel::setFilter(const QString& condition)
 
 bool SqlModel::select()
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     beginResetModel();
     const bool chosen = isFiltering && holdsTheTable() && choose();
     bool good = chosen;

@@ -223,6 +223,7 @@ void Transmitter::sl_onPortError(QSerialPort::SerialPortError error)
 /// Acts on what the port reports, unless it is a misunderstanding, which may have kept bytes from being heard of.
 void Transmitter::takePortError(QSerialPort::SerialPortError error)
 {
+    Q_ASSERT(QThread::currentThread() == thread());
     if (!errors->isMisunderstanding(error)) {
         sl_onPortError(error);
     } else if (port->bytesAvailable() > 0) {

@@ -1,6 +1,7 @@
 #include "DataBaseTest.h"
 #include "eventlog/LogTable.h"
 #include "support/DebugLines.h"
+#include "support/ForeignThread.h"
 #include "support/OrdinaryUser.h"
 
 #include <QSqlDatabase>
@@ -50,6 +51,8 @@ private slots:
     void refreshWithoutDatabaseCountsNoRows();
     void filterShowsTheRowsThatItNames();
     void closingRemovesTheWorkingFile();
+    void noSlotRunsOnAForeignThread();
+    void allThatCrossesIsAValueButTheModel();
 };
 
 void tst_DataBase::codesOfErrors()
@@ -382,6 +385,19 @@ void tst_DataBase::closingRemovesTheWorkingFile()
     dataBase->sl_closeDataBase();
     QVERIFY(!QFile::exists(workingFile));
     QVERIFY(!QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false).isOpen());
+}
+
+void tst_DataBase::noSlotRunsOnAForeignThread()
+{
+    QVERIFY(connected() != nullptr);
+    QCOMPARE(slotsForAnyThread(dataBase.get()), QStringList());
+}
+
+void tst_DataBase::allThatCrossesIsAValueButTheModel()
+{
+    QCOMPARE(methodsThatShare(DataBase::staticMetaObject),
+             (QStringList{QStringLiteral("sig_ResultConnectDB(ErrorDataBase,SqlModel*)"),
+                          QStringLiteral("sig_ResultConnectOtherDB(ErrorDataBase,SqlModel*,QString)")}));
 }
 
 QTEST_GUILESS_MAIN(tst_DataBase)

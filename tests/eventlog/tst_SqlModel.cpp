@@ -1,4 +1,5 @@
 #include "eventlog/SqlModel.h"
+#include "support/ForeignThread.h"
 
 #include <QAbstractItemModelTester>
 #include <QSqlDatabase>
@@ -26,6 +27,7 @@ private slots:
     void filterOfATableThatHasChangedReadsItAnew();
     void filterThatIsNoSqlShowsNothing();
     void forgetsTheIndexesThatViewsHaveLeft();
+    void changesOnItsOwnThreadAlone();
 };
 
 void tst_SqlModel::initTestCase()
@@ -151,6 +153,15 @@ void tst_SqlModel::forgetsTheIndexesThatViewsHaveLeft()
     model->forgetViews();
     QVERIFY(!first.isValid());
     QVERIFY(!second.isValid());
+}
+
+void tst_SqlModel::changesOnItsOwnThreadAlone()
+{
+    model->moveToThread(nullptr);
+    QVERIFY(endsByAssertion([this] { model->select(); }));
+    QVERIFY(endsByAssertion([this] { model->setFilter(QStringLiteral("c0 = 1")); }));
+    model->moveToThread(QThread::currentThread());
+    QVERIFY(!endsByAssertion([this] { model->select(); }));
 }
 
 QTEST_GUILESS_MAIN(tst_SqlModel)

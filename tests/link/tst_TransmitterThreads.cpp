@@ -1,4 +1,5 @@
 #include "link/TransmitterBench.h"
+#include "support/ForeignThread.h"
 
 #include <QThread>
 #include <QtTest>
@@ -61,6 +62,8 @@ class tst_TransmitterThreads : public QObject
 private slots:
     void longQueueDrainsOnASmallStack();
     void givesEveryRequestBackOnceFromItsOwnThread();
+    void noSlotRunsOnAForeignThread();
+    void allThatCrossesIsAValue();
 };
 
 void tst_TransmitterThreads::longQueueDrainsOnASmallStack()
@@ -127,6 +130,19 @@ void tst_TransmitterThreads::givesEveryRequestBackOnceFromItsOwnThread()
     QVERIFY(tally.valid > count / 2);
     QCOMPARE(tally.valid + tally.timedOut, count);
     QVERIFY(tally.consistent);
+}
+
+void tst_TransmitterThreads::noSlotRunsOnAForeignThread()
+{
+    PseudoTerminal line;
+    Transmitter worker;
+    worker.sl_initialization(&worker, line.portName());
+    QCOMPARE(slotsForAnyThread(&worker), QStringList());
+}
+
+void tst_TransmitterThreads::allThatCrossesIsAValue()
+{
+    QCOMPARE(methodsThatShare(Transmitter::staticMetaObject), QStringList());
 }
 
 QTEST_GUILESS_MAIN(tst_TransmitterThreads)
