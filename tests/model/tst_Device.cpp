@@ -1,5 +1,6 @@
 #include "model/Device.h"
 #include "support/DebugLines.h"
+#include "support/OrdinaryUser.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,6 +106,7 @@ private slots:
     void theRussianFileIsNeverRead();
     void deletingTheFileBringsTheBuiltInTableBack();
     void writingReplacesBothFilesAndReadsOne();
+    void writingReachesAFileOfADirectoryThatMustNotBeWritten();
     void rowsOutsideTheTableAreEmpty();
     void aRowHasSixItemsOfTheirTypes();
     void goodLines_data();
@@ -260,6 +262,24 @@ void tst_Device::writingReplacesBothFilesAndReadsOne()
     QCOMPARE(device.deviceCount(), 51);
     QCOMPARE(names(device).constFirst(), QStringLiteral("HUBN-NX-QTR"));
     QVERIFY(QFile::exists(QString::fromLatin1(russianName)));
+}
+
+void tst_Device::writingReachesAFileOfADirectoryThatMustNotBeWritten()
+{
+    constexpr QFile::Permissions forAll(0x6666);
+    constexpr QFile::Permissions forReaders(0x5555);
+    write("Siren; 0x2; 0x1; 0x41; 0x20\n");
+    QVERIFY(QFile::setPermissions(QString::fromLatin1(englishName), forAll));
+    const QFile::Permissions former = QFile::permissions(directory->path());
+    QVERIFY(QFile::setPermissions(directory->path(), forReaders));
+    {
+        const OrdinaryUser user;
+        QVERIFY(user.isOrdinary);
+        Device device(reporter());
+        device.writeCatalogue();
+        QCOMPARE(device.deviceCount(), 51);
+    }
+    QVERIFY(QFile::setPermissions(directory->path(), former));
 }
 
 void tst_Device::rowsOutsideTheTableAreEmpty()

@@ -1,7 +1,10 @@
+#include "model/Device.h"
 #include "model/RelayInfo.h"
 #include "model/modelShorthand.h"
 
+#include <QDir>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace
@@ -49,6 +52,7 @@ private slots:
     void removingIdleGroupsKeepsThoseWithAScript();
     void terminalTypesAreLabelledAndSorted();
     void theFirstTerminalTypeBeginsTheListAnew();
+    void aCatalogueReplacesTheTypesOfTheOneBefore();
     void terminalTypesMayHaveEqualNumbers();
     void aNameThatLooksLikeAPlaceMarkerStaysAsItIs();
     void commentIsKept();
@@ -416,6 +420,20 @@ void tst_RelayInfo::theFirstTerminalTypeBeginsTheListAnew()
     QCOMPARE(model.terminalTypes().size(), 2);
     QCOMPARE(model.terminalTypeAt(0)->background, QColor(187, 187, 187, 150));
     QCOMPARE(model.terminalTypeAt(1)->name, s("B"));
+}
+
+void tst_RelayInfo::aCatalogueReplacesTheTypesOfTheOneBefore()
+{
+    const QTemporaryDir directory;
+    const QString former = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(directory.path())); // the catalogue writes its files there
+    const Device catalogue;
+    QVERIFY(QDir::setCurrent(former));
+    RelayInfo model;
+    model.setCatalogue(catalogue);
+    QCOMPARE(model.terminalTypes().size(), 1 + catalogue.deviceCount());
+    model.setCatalogue(catalogue);
+    QCOMPARE(model.terminalTypes().size(), 1 + catalogue.deviceCount());
 }
 
 void tst_RelayInfo::terminalTypesMayHaveEqualNumbers()
