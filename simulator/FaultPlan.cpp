@@ -51,7 +51,11 @@ constexpr std::array<Apply, UnitFault::KindCount> effects{
         all.noiseLaterAfter = orDefault(fault.faultValue, defaultGap);
     },
     [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.badChecksum = true; },
-    [](FaultEffects& all, const UnitFault& /*fault*/, QRandomGenerator& /*random*/) { all.damaged = true; },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.damaged = true;
+        all.damagedByte = fault.faultAmount;
+        all.damagedBit = fault.faultValue;
+    },
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
         all.refused = true;
         all.refusal = quint8(orDefault(fault.faultValue, 1));
@@ -69,6 +73,18 @@ constexpr std::array<Apply, UnitFault::KindCount> effects{
     [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
         all.losesPower = true;
         all.powerOutage = orDefault(fault.faultValue, defaultOutage);
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.breaksOff = true;
+        all.breakAfter = orDefault(fault.faultAmount, 1);
+        all.restAfter = fault.faultValue;
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.copies = orDefault(fault.faultAmount, 2);
+    },
+    [](FaultEffects& all, const UnitFault& fault, QRandomGenerator& /*random*/) {
+        all.formerInstead = fault.faultValue == 1;
+        all.formerBefore = !all.formerInstead;
     }};
 
 bool concerns(const UnitFault& fault, int requestType, int bootType)
@@ -82,8 +98,9 @@ bool concerns(const UnitFault& fault, int requestType, int bootType)
 
 bool FaultEffects::spoilsAnswer() const
 {
-    return answerLost || unplugs || losesPower || badChecksum || damaged || delay >= patience ||
-           (pieces > 1 && gap >= patience);
+    const bool isCut = breaksOff && (restAfter < 0 || restAfter >= patience);
+    return answerLost || unplugs || losesPower || badChecksum || damaged || formerInstead || isCut ||
+           delay >= patience || (pieces > 1 && gap >= patience);
 }
 
 QByteArray FaultEffects::alteredData(const QByteArray& data) const
@@ -102,9 +119,21 @@ QByteArray FaultEffects::damagedFrame(const QByteArray& frame) const
 {
     QRandomGenerator random(dice);
     QByteArray damagedBytes = frame;
-    const int place = random.bounded(frame.size());
-    damagedBytes[place] = char(damagedBytes.at(place) ^ char(1 << random.bounded(bitsOfByte)));
+    const int anyPlace = random.bounded(frame.size());
+    const int anyBit = random.bounded(bitsOfByte);
+    const int place = qMin(orDefault(damagedByte, anyPlace), frame.size() - 1);
+    damagedBytes[place] = char(damagedBytes.at(place) ^ char(1 << orDefault(damagedBit, anyBit) % bitsOfByte));
     return damagedBytes;
+}
+
+QByteArray FaultEffects::takeRest(QByteArray& frame) const
+{
+    if (!breaksOff) {
+        return {};
+    }
+    const QByteArray rest = frame.mid(breakAfter);
+    frame.truncate(breakAfter);
+    return restAfter < 0 ? QByteArray() : rest;
 }
 
 QVector<QByteArray> FaultEffects::cut(const QByteArray& frame) const

@@ -27,10 +27,18 @@ struct FaultEffects
     bool changed = false;
     bool badChecksum = false;
     bool damaged = false;
+    int damagedByte = -1; // below 0: any
+    int damagedBit = -1;
 
     int delay = 0;
     int pieces = 1;
     int gap = 0;
+    bool breaksOff = false;
+    int breakAfter = 0; // bytes of the answer
+    int restAfter = -1; // below 0: never
+    int copies = 1;
+    bool formerBefore = false;
+    bool formerInstead = false;
     QByteArray noiseBefore;
     QByteArray noiseAfter;
     QByteArray noiseLater;
@@ -44,6 +52,8 @@ struct FaultEffects
     QByteArray alteredData(const QByteArray& data) const;
     /// One bit of another value.
     QByteArray damagedFrame(const QByteArray& frame) const;
+    /// What `breaksOff` keeps back of the frame, which ends before it then.
+    QByteArray takeRest(QByteArray& frame) const;
     /// The frame in `pieces` parts, none of them empty; in fewer if it is too short.
     QVector<QByteArray> cut(const QByteArray& frame) const;
 };

@@ -101,11 +101,12 @@ UnitFault& UnitFault::bytes(const QByteArray& content)
 
 QStringList UnitFault::kindNames()
 {
-    return {QStringLiteral("lose-request"), QStringLiteral("lose-answer"),   QStringLiteral("delay-answer"),
-            QStringLiteral("split-answer"), QStringLiteral("noise-before"),  QStringLiteral("noise-after"),
-            QStringLiteral("noise-later"),  QStringLiteral("bad-checksum"),  QStringLiteral("damage-answer"),
-            QStringLiteral("refuse"),       QStringLiteral("change-answer"), QStringLiteral("replace-answer"),
-            QStringLiteral("unplug"),       QStringLiteral("lose-power")};
+    return {QStringLiteral("lose-request"),  QStringLiteral("lose-answer"),   QStringLiteral("delay-answer"),
+            QStringLiteral("split-answer"),  QStringLiteral("noise-before"),  QStringLiteral("noise-after"),
+            QStringLiteral("noise-later"),   QStringLiteral("bad-checksum"),  QStringLiteral("damage-answer"),
+            QStringLiteral("refuse"),        QStringLiteral("change-answer"), QStringLiteral("replace-answer"),
+            QStringLiteral("unplug"),        QStringLiteral("lose-power"),    QStringLiteral("break-off"),
+            QStringLiteral("repeat-answer"), QStringLiteral("former-answer")};
 }
 
 std::optional<UnitFault> UnitFault::fromText(const QString& text, QString* error)

@@ -28,13 +28,16 @@ struct UnitFault
         NoiseAfter,    // the same right behind it
         NoiseLater,    // the same, value() ms behind it
         BadChecksum,   // the checksum of the answer is wrong
-        DamageAnswer,  // one bit of the answer is wrong, anywhere in it
+        DamageAnswer,  // one bit of the answer is wrong, anywhere in it; or bit value() of byte amount(), from 0
         Refuse,        // not done; answered with the code value() (1), from the bootloader with this result byte
         ChangeAnswer,  // one data byte of the answer, if it has any, has another value; the checksum is right
         ReplaceAnswer, // the data of the answer are bytes(); the checksum is right
         Unplug,        // the cable is pulled after amount() bytes of the answer, for value() ms, 0 being for ever;
                        // amount() below 0: before the request is heard
         LosePower,     // dead for value() ms (300), the request unheard; comes back in its bootloader if it was there
+        BreakOff,      // the answer ends after amount() bytes (1); the rest comes value() ms later, below 0 never
+        RepeatAnswer,  // the answer comes amount() times (2), one right behind the other
+        FormerAnswer,  // the answer before it comes again: right before the answer, with value(1) instead of it
         KindCount
     };
 

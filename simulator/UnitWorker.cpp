@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace
 {
@@ -269,6 +270,11 @@ QByteArray UnitWorker::answerTo(const wire::Frame& frame, const UnitRequest& req
     QByteArray answer =
         isBoot ? wire::bootAnswer(reply.code, reply.data, effects.badChecksum)
                : wire::deviceAnswer(frame.frameKind, state.address, reply.code, reply.data, effects.badChecksum);
+    const QByteArray former = std::exchange(lastAnswer, answer);
+    if (effects.formerInstead) {
+        return former;
+    }
+    answer = answer.repeated(effects.copies).prepend(effects.formerBefore ? former : QByteArray());
     if (effects.damaged) {
         answer = effects.damagedFrame(answer);
     }
@@ -280,6 +286,7 @@ void UnitWorker::send(QByteArray answer, const FaultEffects& effects, qint64 num
     if (effects.unplugs) {
         answer.truncate(effects.unplugAfter);
     }
+    const QByteArray rest = effects.takeRest(answer);
     QVector<QByteArray> pieces = effects.cut(answer);
     pieces.first().prepend(effects.noiseBefore);
     pieces.last().append(effects.noiseAfter);
@@ -289,6 +296,9 @@ void UnitWorker::send(QByteArray answer, const FaultEffects& effects, qint64 num
     for (int index = 0; index < pieces.size(); ++index) {
         const bool isLast = index == pieces.size() - 1;
         end = transmit(pieces.at(index), partOf, isLast, index == 0 ? end : end + Milliseconds(effects.gap));
+    }
+    if (!rest.isEmpty()) {
+        transmit(rest, regardless, true, end + Milliseconds(effects.restAfter));
     }
     if (!effects.noiseLater.isEmpty()) {
         transmit(effects.noiseLater, regardless, false, end + Milliseconds(effects.noiseLaterAfter));

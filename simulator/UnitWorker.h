@@ -81,6 +81,7 @@ private:
     qint64 abandoned = -1; // the last request whose answer was broken off
     bool answerOut = true; // the last answer has gone out to its end
     int answeredType = 0;  // the request that it belongs to
+    QByteArray lastAnswer; // that there was, as it should have been
     bool powered = true;
     int pullCount = 0; // tells a timed plugging in that the cable has been pulled again since
 

@@ -24,6 +24,8 @@ private slots:
     void cutsIntoAsManyPieces_data();
     void cutsIntoAsManyPieces();
     void alteredDataDifferInOneByte();
+    void damagesTheBitThatIsNamed();
+    void whatIsLateSpoilsAnAnswerThatBreaksOff();
 };
 
 namespace
@@ -194,6 +196,11 @@ void tst_UnitFault::defaultsOfTheKinds()
     QCOMPARE(effectsOf(UnitFault::Unplug).unplugAfter, -1);
     QCOMPARE(effectsOf(UnitFault::Unplug).unplugTime, 0);
     QCOMPARE(effectsOf(UnitFault::LosePower).powerOutage, 300);
+    QCOMPARE(effectsOf(UnitFault::BreakOff).breakAfter, 1);
+    QVERIFY(effectsOf(UnitFault::BreakOff).spoilsAnswer());
+    QCOMPARE(effectsOf(UnitFault::RepeatAnswer).copies, 2);
+    QVERIFY(effectsOf(UnitFault::FormerAnswer).formerBefore);
+    QVERIFY(!effectsOf(UnitFault::FormerAnswer).spoilsAnswer());
 }
 
 void tst_UnitFault::randomNoiseHoldsNoReservedByte()
@@ -250,6 +257,22 @@ void tst_UnitFault::alteredDataDifferInOneByte()
         QCOMPARE(altered.count('x'), 9);
     }
     QVERIFY(effects.alteredData({}).isEmpty());
+}
+
+void tst_UnitFault::damagesTheBitThatIsNamed()
+{
+    FaultPlan plan({UnitFault(UnitFault::DamageAnswer).amount(2).value(7)}, 1);
+    QCOMPARE(plan.effectsOn(7, 0).damagedFrame("abc"), QByteArray("ab\xE3"));
+}
+
+void tst_UnitFault::whatIsLateSpoilsAnAnswerThatBreaksOff()
+{
+    const auto isSpoiled = [](int restAfter) {
+        FaultPlan plan({UnitFault(UnitFault::BreakOff).amount(4).value(restAfter)}, 1);
+        return plan.effectsOn(7, 0).spoilsAnswer();
+    };
+    QVERIFY(!isSpoiled(119));
+    QVERIFY(isSpoiled(120));
 }
 
 QTEST_GUILESS_MAIN(tst_UnitFault)

@@ -24,6 +24,7 @@ private slots:
     void damagedAnswerDiffersInOneBit();
     void splitAnswerComesInPieces();
     void lateAnswerComesLate();
+    void formerAnswerComesAgain();
     void sameSeedSameFaults();
     void unplugsAtTheNthRequestAndComesBack();
     void unplugsWithinAnAnswer();
@@ -53,6 +54,11 @@ void tst_UnitSimulatorFaults::faults_data()
     row("no data", UnitFault(UnitFault::ReplaceAnswer), "C2 06 01 00 01 00 AE 39");
     row("in pieces", UnitFault(UnitFault::SplitAnswer).amount(12).value(1), itIsMe);
     row("late", UnitFault(UnitFault::DelayAnswer).value(5), itIsMe);
+    row("wrong bit", UnitFault(UnitFault::DamageAnswer).amount(2).value(4), "C2 06 11 00 05 00 67 12 02 06 0D AE");
+    row("broken off", UnitFault(UnitFault::BreakOff).amount(3), "C2 06 01");
+    row("broken off, the rest later", UnitFault(UnitFault::BreakOff).amount(3).value(5), itIsMe);
+    row("twice", UnitFault(UnitFault::RepeatAnswer),
+        "C2 06 01 00 05 00 67 12 02 06 0D AE C2 06 01 00 05 00 67 12 02 06 0D AE");
 }
 
 /// The second of three requests is hit.
@@ -159,6 +165,16 @@ void tst_UnitSimulatorFaults::lateAnswerComesLate()
     time.start();
     COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
     QVERIFY2(time.elapsed() >= 150, qPrintable(QString::number(time.elapsed())));
+}
+
+void tst_UnitSimulatorFaults::formerAnswerComesAgain()
+{
+    unit->setFaults({UnitFault(UnitFault::FormerAnswer).from(2).times(1),
+                     UnitFault(UnitFault::FormerAnswer).value(1).from(3).times(1)});
+    COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
+    COMPARE_ANSWER(hex(readScript0), hex(itIsMe) + hex(scriptEmpty));
+    COMPARE_ANSWER(hex(whoAreYou), hex(scriptEmpty));
+    COMPARE_ANSWER(hex(whoAreYou), hex(itIsMe));
 }
 
 void tst_UnitSimulatorFaults::sameSeedSameFaults()
