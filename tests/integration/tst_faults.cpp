@@ -43,9 +43,7 @@ bool worksAfterwards(WindowOverUnit& over)
 {
     over.unit.setFaults({});
     over.unit.plugIn();
-    const QImage green = QPixmap(QStringLiteral(":/icons/icons/green.png")).toImage();
-    const auto isConnected = [&] { return over.label("labelIconPort")->pixmap(Qt::ReturnByValue).toImage() == green; };
-    return eventually(isConnected, 20000) && over.read() && over.result() == readResult(0, 0);
+    return eventually([&] { return over.isConnected(); }, 20000) && over.read() && over.result() == readResult(0, 0);
 }
 
 } // namespace

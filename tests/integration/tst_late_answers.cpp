@@ -27,41 +27,6 @@ const QDateTime& now()
     return moment;
 }
 
-/// Whether `part` stands in `whole` in this order, with nothing else between and none twice.
-bool isPartOf(const QByteArrayList& part, const QByteArrayList& whole)
-{
-    int next = 0;
-    for (const QByteArray& element : part) {
-        next = whole.indexOf(element, next) + 1;
-        if (next == 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/// The records in the order of the unit's answers: block after block from the end of the log.
-QByteArrayList inBlocks(QByteArrayList records)
-{
-    constexpr int block = 4;
-    QByteArrayList result;
-    while (!records.isEmpty()) {
-        const int first = qMax(0, records.size() - block);
-        result.append(records.mid(first));
-        records.erase(records.begin() + first, records.end());
-    }
-    return result;
-}
-
-int differences(const QByteArrayList& left, const QByteArrayList& right)
-{
-    int count = 0;
-    for (int i = 0; i < left.size(); ++i) {
-        count += left.at(i) == right.value(i) ? 0 : 1;
-    }
-    return count;
-}
-
 /// An operation over a unit at the pace of the wire, some of whose answers come late: the case of a seed.
 ///
 /// Whatever comes late, what is told as done is done, what is shown is the unit's, and what is missing is counted.

@@ -1,4 +1,5 @@
 #include "model/RelayInfo.h"
+#include "support/ModelOfUnit.h"
 #include "support/RandomUnit.h"
 #include "support/WindowOverUnit.h"
 #include "support/threadedTestMain.h"
@@ -11,30 +12,6 @@
 
 namespace
 {
-
-/// The records as the program collects them from a unit.
-void fill(RelayInfo& model, const UnitState& state)
-{
-    QByteArrayList terminals;
-    for (const UnitTerminal& terminal : state.terminals) {
-        terminals.append(terminal.infoRecord);
-    }
-    QByteArrayList outputs;
-    for (int address = 0; address < UnitState::addressCount; ++address) {
-        for (int number = 0; number < (address == 0 ? UnitState::outputsPerAddress : 2); ++number) {
-            const QByteArray place{QByteArray(1, char(address)) + char(number)};
-            outputs.append(place + state.outputs.at(std::size_t(address)).at(std::size_t(number)));
-        }
-    }
-    QByteArrayList scripts;
-    for (int number = 0; number < UnitState::scriptCount; ++number) {
-        scripts.append(char(number) + state.scripts.at(std::size_t(number)));
-    }
-    model.readTerminalRecords(terminals);
-    model.readOutputRecords(outputs);
-    model.removeIdleGroups();
-    model.readScriptRecords(scripts);
-}
 
 QByteArray asFile(const RelayInfo& model)
 {

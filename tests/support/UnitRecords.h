@@ -33,6 +33,42 @@ inline QByteArrayList scriptsOf(const UnitState& state)
     return list;
 }
 
+/// Whether `part` stands in `whole` in this order, with nothing else between and none twice.
+inline bool isPartOf(const QByteArrayList& part, const QByteArrayList& whole)
+{
+    int next = 0;
+    for (const QByteArray& element : part) {
+        next = whole.indexOf(element, next) + 1;
+        if (next == 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The records in the order of the unit's answers: block after block from the end of the log.
+inline QByteArrayList inBlocks(QByteArrayList records)
+{
+    constexpr int block = 4;
+    QByteArrayList result;
+    while (!records.isEmpty()) {
+        const int first = qMax(0, records.size() - block);
+        result.append(records.mid(first));
+        records.erase(records.begin() + first, records.end());
+    }
+    return result;
+}
+
+/// How many of the elements of one stand otherwise in the other.
+inline int differences(const QByteArrayList& left, const QByteArrayList& right)
+{
+    int count = 0;
+    for (int i = 0; i < left.size(); ++i) {
+        count += left.at(i) == right.value(i) ? 0 : 1;
+    }
+    return count;
+}
+
 /// The number of errors that a result text names on one of its lines, 0 if it names none.
 inline int errorsOn(const QString& result, int line = 0)
 {

@@ -9,7 +9,9 @@
 #include "ui/window/MainWindow.h"
 
 #include <QAction>
+#include <QImage>
 #include <QLabel>
+#include <QPixmap>
 #include <QString>
 #include <QStringList>
 
@@ -53,6 +55,12 @@ public:
     FormChoiceCoordinator* form() const
     {
         return window->findChild<FormChoiceCoordinator*>();
+    }
+    /// The icon of the status bar says so.
+    bool isConnected() const
+    {
+        const QImage green = QPixmap(QStringLiteral(":/icons/icons/green.png")).toImage();
+        return label("labelIconPort")->pixmap(Qt::ReturnByValue).toImage() == green;
     }
     bool isBusy() const
     {
