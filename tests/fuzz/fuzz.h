@@ -36,12 +36,12 @@ inline QByteArray bytesOf(const std::uint8_t* data, std::size_t size)
     return QByteArray(reinterpret_cast<const char*>(data), int(size));
 }
 
-/// Cuts an input into records: a byte with the length of a record, then the record.
-inline QByteArrayList recordsOf(const QByteArray& bytes)
+/// Cuts an input into records: a byte with the length of a record, below a limit, then the record.
+inline QByteArrayList recordsOf(const QByteArray& bytes, int limit = 48)
 {
     QByteArrayList records;
     for (int i = 0; i < bytes.size();) {
-        const int length = quint8(bytes.at(i)) % 48;
+        const int length = quint8(bytes.at(i)) % limit;
         records.append(bytes.mid(i + 1, length));
         i += 1 + length;
     }

@@ -3,7 +3,13 @@
 
 #include "firmware/protocol_boot.h"
 #include "fuzz/fuzz.h"
+#include "fuzz/mending.h"
 #include "link/protocol_HUBN_NX_Q.h"
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maximum, unsigned seed)
+{
+    return fuzz::mutateWire(data, size, maximum, seed);
+}
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

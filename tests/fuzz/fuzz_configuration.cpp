@@ -1,40 +1,14 @@
 // Any bytes as a configuration file: the reader survives, the model stays sound, and what it then writes is what it
 // reads.
 
+#include "fuzz/MemoryFile.h"
 #include "fuzz/fuzz.h"
 #include "model/ConfigurationWriter.h"
 #include "model/RelayInfo.h"
 #include "support/ModelInvariants.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 namespace
 {
-
-/// A file in memory that has a path.
-class MemoryFile
-{
-public:
-    MemoryFile() : file(memfd_create("configuration", 0))
-    {
-    }
-
-    QString path() const
-    {
-        return QStringLiteral("/proc/self/fd/%1").arg(file);
-    }
-
-    void fill(const QByteArray& bytes) const
-    {
-        const bool filled =
-            ftruncate(file, 0) == 0 && pwrite(file, bytes.constData(), std::size_t(bytes.size()), 0) == bytes.size();
-        fuzz::demand(filled, QStringLiteral("the file in memory"));
-    }
-
-private:
-    int file;
-};
 
 QByteArray written(const RelayInfo& model)
 {
