@@ -29,6 +29,8 @@
 #include <ctime>
 #include <vector>
 
+#include <malloc.h>
+
 namespace
 {
 
@@ -53,7 +55,8 @@ void countWarnings(QtMsgType type, const QMessageLogContext& /*context*/, const 
 
 struct Resources
 {
-    double memory = 0; ///< MB in use, without what is mapped from files
+    double memory = 0;   ///< MB that the program has asked for and not given back
+    double resident = 0; ///< MB that the system keeps for it, without what is mapped from files
     int descriptors = 0;
     int threads = 0;
     int lockFiles = 0;
@@ -61,12 +64,14 @@ struct Resources
     static Resources now()
     {
         Resources result;
+        const struct mallinfo2 heap = mallinfo2();
+        result.memory = double(heap.uordblks + heap.hblkhd) / 1024 / 1024;
         QFile status(QStringLiteral("/proc/self/status"));
         if (status.open(QIODevice::ReadOnly)) {
             const QList<QByteArray> lines = status.readAll().split('\n');
             for (const QByteArray& line : lines) {
                 if (line.startsWith("RssAnon:")) {
-                    result.memory = line.mid(8).trimmed().split(' ').constFirst().toDouble() / 1024;
+                    result.resident = line.mid(8).trimmed().split(' ').constFirst().toDouble() / 1024;
                 }
             }
         }
@@ -249,21 +254,23 @@ private:
 
 void print(qint64 minutes, int steps, const Resources& resources, double idle)
 {
-    std::printf("%4lld min  %6d steps  %7.2f MB  %3d descriptors  %2d threads  %d lock files  idle %4.2f %%\n",
-                static_cast<long long>(minutes), steps, resources.memory, resources.descriptors, resources.threads,
-                resources.lockFiles, idle);
+    std::printf(
+        "%4lld min  %6d steps  %7.2f MB in use  %7.2f MB resident  %3d descriptors  %2d threads  %d lock files  "
+        "idle %4.2f %%\n",
+        static_cast<long long>(minutes), steps, resources.memory, resources.resident, resources.descriptors,
+        resources.threads, resources.lockFiles, idle);
     std::fflush(stdout);
 }
 
-/// Memory is judged by the middle of the last ten minutes beside that of the ten after the warm-up: a single minute
-/// tells what happened to be shown in it.
-double growth(const std::vector<Resources>& minutes)
+/// Judged by the middle of the last ten minutes beside that of the ten after the warm-up: a single minute tells what
+/// happened to be shown in it.
+double growth(const std::vector<Resources>& minutes, double Resources::*value)
 {
     constexpr std::size_t span = 10;
     const auto middle = [&](std::size_t from) {
         std::vector<double> values;
         for (std::size_t i = from; i < from + span; ++i) {
-            values.push_back(minutes.at(i).memory);
+            values.push_back(minutes.at(i).*value);
         }
         std::nth_element(values.begin(), values.begin() + span / 2, values.end());
         return values.at(span / 2);
@@ -284,9 +291,11 @@ bool judge(const std::vector<Resources>& minutes, const std::vector<double>& idl
     std::vector<double> shares = idle;
     std::nth_element(shares.begin(), shares.begin() + std::ptrdiff_t(shares.size() / 2), shares.end());
     const double share = shares.at(shares.size() / 2);
-    std::printf("memory grew by %.2f MB, idle took %.2f %% of a processor, %d lines were not expected\n",
-                growth(minutes), share, unexpectedLines.load());
-    bool well = isWell("memory", growth(minutes) < mayGrow);
+    std::printf("memory in use grew by %.2f MB, resident memory by %.2f MB, idle took %.2f %% of a processor, %d lines "
+                "were not expected\n",
+                growth(minutes, &Resources::memory), growth(minutes, &Resources::resident), share,
+                unexpectedLines.load());
+    bool well = isWell("memory", growth(minutes, &Resources::memory) < mayGrow);
     well = isWell("descriptors", last.descriptors <= first.descriptors) && well;
     well = isWell("threads", last.threads <= first.threads) && well;
     well = isWell("lock files", last.lockFiles <= 1) && well;
