@@ -72,11 +72,9 @@ void UnitSession::noteState(Port* port)
 {
     Search& search = searches[port];
     const StatePort state = port->info().state;
-    if (state == search.state) {
-        return;
-    }
+    const bool isNew = state != search.state;
     search.state = state;
-    if (state == StateCoordinatorNotFound) {
+    if (isNew && state == StateCoordinatorNotFound) {
         ++search.failures;
         if (search.failures < searchesOfPort) {
             port->scheduleSearch();
@@ -84,7 +82,7 @@ void UnitSession::noteState(Port* port)
             port->setSearchRepeated(false);
         }
     }
-    emit searchChanged();
+    emit searchChanged(); // or why it is so has come
 }
 
 bool UnitSession::isSettled(const Port* port) const
@@ -94,6 +92,7 @@ bool UnitSession::isSettled(const Port* port) const
     case StateCreateError:
     case StateOpenError:
     case StateNotFound:
+        return !port->info().troubleAwaited;
     case StateCoordinatorConnected:
     case StateCoordinatorLost:
         return true;

@@ -175,13 +175,13 @@ void Port::noteTrouble(StatePort reported)
 
 void Port::askTrouble(bool isGone)
 {
-    isTroubleAwaited = true;
+    known.troubleAwaited = true;
     emit troubleAsked(++troubleNumber, portName, isGone);
 }
 
 void Port::checkTrouble()
 {
-    if (known.trouble && !isTroubleAwaited) {
+    if (known.trouble && !known.troubleAwaited) {
         isAttemptOver = true;
         askTrouble(false);
     }
@@ -189,10 +189,10 @@ void Port::checkTrouble()
 
 void Port::takeTrouble(int number, PortTrouble trouble)
 {
-    if (number != troubleNumber || !isTroubleAwaited) {
+    if (number != troubleNumber || !known.troubleAwaited) {
         return; // the port has got on since
     }
-    isTroubleAwaited = false;
+    known.troubleAwaited = false;
     const QString before = known.trouble ? known.trouble->whatIsWrong() + known.trouble->whatToDo() : QString();
     if (isAttemptOver && known.trouble) {
         trouble.compareWith(*known.trouble);
@@ -210,7 +210,7 @@ void Port::forgetTrouble()
 {
     known.trouble.reset();
     troubledState.reset();
-    isTroubleAwaited = false;
+    known.troubleAwaited = false;
 }
 
 void Port::setState(StatePort state)

@@ -27,6 +27,7 @@ struct PortInfo
     int baudrate = 0;                ///< at which a coordinator answered; 0 until one did
     std::optional<CoordinatorInfo> coordinator; ///< as its last answer gave it; none on a closed port
     std::optional<PortTrouble> trouble;         ///< why it can't be used, if it can't; a moment behind the state
+    bool troubleAwaited = false;                ///< that moment: it is being found out
 };
 
 /// One serial port: a Transmitter on a thread of its own, the search for a coordinator behind it, and the watch over
@@ -131,7 +132,6 @@ private:
     PortInfo known;
     std::optional<StatePort> troubledState; ///< whose cause was asked for
     int troubleNumber = 0;                  ///< of the last time that a cause was asked for; another answer is stale
-    bool isTroubleAwaited = false;
     bool isAttemptOver = false;            ///< it is asked again without an attempt to open the port in between
     quint8 watchedAddress = noCoordinator; ///< as the search found it, which no misread answer changes
     QPointer<QThread> thread;              ///< without an owner: it ends by itself where nobody waits for it
