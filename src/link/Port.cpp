@@ -146,14 +146,16 @@ void Port::setWatchResting(bool on)
     isWatchResting = on;
 }
 
-/// The system is asked once for each state: a port under watch is opened again and again.
+/// The system is asked once for each state: a port under watch is opened again and again. A cause that has gone is none
+/// for an attempt that fails after it.
 void Port::noteTrouble(StatePort reported)
 {
+    const bool isPast = known.trouble && known.trouble->cause == PortTrouble::Cause::Past;
     switch (reported) {
     case StateCreateError:
     case StateOpenError:
     case StateNotFound:
-        if (reported != troubledState) {
+        if (reported != troubledState || isPast) {
             troubledState = reported;
             isAttemptOver = false;
             askTrouble(reported == StateNotFound);

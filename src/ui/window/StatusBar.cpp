@@ -15,8 +15,6 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
-#include <functional>
-
 /// Takes as many lines as its words need, where there is room for them, whatever becomes of its width and its font.
 class ResultLabel : public ElidedLabel
 {
