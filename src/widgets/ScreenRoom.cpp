@@ -7,6 +7,7 @@
 #include <QLayout>
 #include <QScreen>
 #include <QStyle>
+#include <QTimer>
 #include <QWidget>
 #include <QWindow>
 #include <QWindowStateChangeEvent>
@@ -156,6 +157,13 @@ void Keeper::beginToSettle(const QSize& passingSize)
     sizeBefore = passingSize;
     settlings = mostSettlings;
     sinceChange.start();
+    // The manager may hold to a size that the window had asked for before, and tell of it when all settlings are spent.
+    for (const int delay : {700, 2000}) {
+        QTimer::singleShot(delay, this, [this] {
+            settlings = qMax(settlings, 1);
+            settle();
+        });
+    }
 }
 
 /// Whether the title is in sight and the mouse is about there: then the user may be dragging the window, and whoever
