@@ -132,14 +132,14 @@ private:
     PortInfo known;
     std::optional<StatePort> troubledState; ///< whose cause was asked for
     int troubleNumber = 0;                  ///< of the last time that a cause was asked for; another answer is stale
-    bool isAttemptOver = false;            ///< it is asked again without an attempt to open the port in between
-    quint8 watchedAddress = noCoordinator; ///< as the search found it, which no misread answer changes
-    QPointer<QThread> thread;              ///< without an owner: it ends by itself where nobody waits for it
-    Transmitter* transmitter;              ///< goes with the thread
-    TroubleFinder* troubleFinder;          ///< likewise
-    QTimer timerPeriodic;                  ///< the watch; 1000 ms
-    QTimer timerFirstConnect;              ///< 1000 ms to the next search
-    int firstConnectAttempts = 4;          ///< searches that may still start by themselves
+    bool isAttemptOver = false;             ///< it is asked again without an attempt to open the port in between
+    quint8 watchedAddress = noCoordinator;  ///< as the search found it, which no misread answer changes
+    QPointer<QThread> thread;               ///< without an owner: it ends by itself where nobody waits for it
+    Transmitter* transmitter;               ///< goes with the thread
+    TroubleFinder* troubleFinder;           ///< likewise
+    QTimer timerPeriodic;                   ///< the watch; 1000 ms
+    QTimer timerFirstConnect;               ///< 1000 ms to the next search
+    int firstConnectAttempts = 4;           ///< searches that may still start by themselves
     bool isSearchRepeated = true;
     bool isWatchResting = false;
     std::optional<QDeadlineTimer> closing; ///< since stop()
