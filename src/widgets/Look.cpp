@@ -83,8 +83,8 @@ QString richText(const QString& text)
 
 QColor fadedText(const QPalette& colors)
 {
-    const QColor text = colors.color(QPalette::Active, QPalette::WindowText);
-    const QColor window = colors.color(QPalette::Active, QPalette::Window);
+    const QColor& text = colors.color(QPalette::Active, QPalette::WindowText);
+    const QColor& window = colors.color(QPalette::Active, QPalette::Window);
     const auto mixed = [](int one, int other, int percent) { return (one * percent + other * (100 - percent)) / 100; };
     constexpr int faintest = 65; // per cent of the text's colour
     constexpr double leastContrast = 4.5;
