@@ -7,6 +7,7 @@
 #include <QThread>
 
 #include <chrono>
+#include <initializer_list>
 #include <utility>
 
 Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject* parent)
@@ -49,7 +50,7 @@ void Port::connectWorker()
             [this](Transmitter*, const message& answer) { takeAnswer(answer); });
     connect(this, &Port::troubleAsked, troubleFinder, &TroubleFinder::find);
     connect(troubleFinder, &TroubleFinder::found, this, &Port::takeTrouble);
-    for (QObject* const worker : {static_cast<QObject*>(transmitter), static_cast<QObject*>(troubleFinder)}) {
+    for (QObject* const worker : std::initializer_list<QObject*>{transmitter, troubleFinder}) {
         connect(thread, &QThread::finished, worker, &QObject::deleteLater);
     }
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);

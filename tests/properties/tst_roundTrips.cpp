@@ -159,7 +159,7 @@ void tst_roundTrips::timesComeBack()
 
 void tst_roundTrips::packetsComeBackFromText()
 {
-    QVERIFY(rc::check("packets", [](const std::vector<quint32>& moments) {
+    const auto comeBack = [](const std::vector<quint32>& moments) {
         QList<Packet> packets;
         for (const quint32 moment : moments) {
             // At noon no clock is put forward.
@@ -175,7 +175,8 @@ void tst_roundTrips::packetsComeBackFromText()
             RC_ASSERT(int(read->at(i).direction) == int(packets.at(i).direction));
             RC_ASSERT(read->at(i).bytes == packets.at(i).bytes);
         }
-    }));
+    };
+    QVERIFY(rc::check("packets", comeBack));
 }
 
 void tst_roundTrips::recordsComeBack()
