@@ -134,6 +134,7 @@ void tst_TransmitterThreads::givesEveryRequestBackOnceFromItsOwnThread()
 
 void tst_TransmitterThreads::noSlotRunsOnAForeignThread()
 {
+    qRegisterMetaType<QSerialPort::SerialPortError>();
     PseudoTerminal line;
     Transmitter worker;
     worker.sl_initialization(&worker, line.portName());

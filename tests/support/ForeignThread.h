@@ -38,7 +38,8 @@ inline bool endsByAssertion(const std::function<void()>& call)
 }
 
 /// The slots of a worker's class that let themselves be called from a thread that isn't the worker's. It has to be on
-/// the caller's thread and is so again at the end. A slot's first argument may be the worker that it is for.
+/// the caller's thread and is so again at the end. A slot's first argument may be the worker that it is for; the types
+/// of the others have to be registered.
 inline QStringList slotsForAnyThread(QObject* worker)
 {
     worker->moveToThread(nullptr); // to none, since it could not be called back from another
@@ -46,6 +47,7 @@ inline QStringList slotsForAnyThread(QObject* worker)
         QVector<void*> arguments = {nullptr};
         for (int i = 0; i < slot.parameterCount(); ++i) {
             const int type = slot.parameterType(i);
+            Q_ASSERT_X(type != QMetaType::UnknownType, slot.methodSignature().constData(), "an unregistered type");
             const bool isReceiver = QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject);
             arguments.append(isReceiver ? static_cast<void*>(&worker) : QMetaType::create(type));
         }
