@@ -241,11 +241,13 @@ void ScriptLists::mirrorCurrent(const ScriptEntry* entry, const Entries& others,
 
 void ScriptLists::allSelectionChanged()
 {
+    isActiveMirroring = true;
     mirrorSelection(allScriptEntries, all, activeScriptEntries, active);
 }
 
 void ScriptLists::activeSelectionChanged()
 {
+    isActiveMirroring = false;
     mirrorSelection(activeScriptEntries, active, allScriptEntries, all);
 }
 

@@ -88,7 +88,6 @@ private:
     void moveSelected(int step);
     QVector<bool> rowsToMove() const;
     void selectRows(const QVector<bool>& selected, int current);
-    static void copySelected(const QListWidget* list);
     void rebuildActive();
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);
     template <typename Part>
@@ -109,4 +108,5 @@ private:
     QSharedPointer<RelayInformation> currentRelay; ///< output chosen in the tree
     Entries allScriptEntries;
     Entries activeScriptEntries;
+    bool isActiveMirroring = false; ///< what is selected there was selected in the list of all
 };

@@ -2,14 +2,12 @@
 
 #include "ui/scripts/ScriptLabel.h"
 #include "ui/scripts/ScriptLists.h"
+#include "widgets/copyRows.h"
 
 #include <QAction>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QSignalBlocker>
-#include <QStringList>
 #include <QVector>
 
 #include <utility>
@@ -17,7 +15,7 @@
 /// Of the lists alone: in a field of the editor the same keys edit.
 void ScriptLists::setUpKeys()
 {
-    const auto add = [this](const QKeySequence& key, const QList<QListWidget*>& lists, auto slot) {
+    const auto add = [this](const QKeySequence& key, const QList<QListWidget*>& lists, void (ScriptLists::*slot)()) {
         auto* const action = new QAction(this);
         action->setShortcut(key);
         action->setShortcutContext(Qt::WidgetShortcut);
@@ -31,8 +29,8 @@ void ScriptLists::setUpKeys()
     add(Qt::Key_F2, {all, active}, &ScriptLists::renameWanted);
     add(Qt::ALT + Qt::Key_Up, {active}, &ScriptLists::moveSelectedUp);
     add(Qt::ALT + Qt::Key_Down, {active}, &ScriptLists::moveSelectedDown);
-    add(QKeySequence::Copy, {all}, [this] { copySelected(all); });
-    add(QKeySequence::Copy, {active}, [this] { copySelected(active); });
+    offerCopyOfRows(all);
+    offerCopyOfRows(active);
 }
 
 void ScriptLists::moveSelectedUp()
@@ -73,27 +71,22 @@ void ScriptLists::moveSelected(int step)
     }
 }
 
-/// The selected ones. A script that stands in the list twice is selected twice by the list of all; then the current row
-/// is meant, or the first one.
+/// The selected ones. The list of all selects a script that stands here twice in both places; then the current row is
+/// meant, or the first one.
 QVector<bool> ScriptLists::rowsToMove() const
 {
     const int count = activeScriptEntries.size();
-    const int current = active->currentRow();
     QVector<bool> rows(count);
-    const auto isTaken = [&](const ScriptInfoPtr& script) {
-        for (int row = 0; row < count; ++row) {
-            if (rows.at(row) && activeScriptEntries.at(row).script == script) {
-                return true;
-            }
-        }
-        return false;
-    };
+    QList<ScriptInfoPtr> taken;
     const auto take = [&](int row) {
         const ScriptEntry& entry = activeScriptEntries.at(row);
-        rows[row] = rows.at(row) || (entry.item->isSelected() && !isTaken(entry.script));
+        if (entry.item->isSelected() && !(isActiveMirroring && taken.contains(entry.script))) {
+            rows[row] = true;
+            taken.append(entry.script);
+        }
     };
-    if (current >= 0 && current < count) {
-        take(current);
+    if (active->currentRow() >= 0) {
+        take(active->currentRow());
     }
     for (int row = 0; row < count; ++row) {
         take(row);
@@ -105,22 +98,9 @@ QVector<bool> ScriptLists::rowsToMove() const
 void ScriptLists::selectRows(const QVector<bool>& selected, int current)
 {
     const QSignalBlocker blocker(active);
+    isActiveMirroring = false;
     active->setCurrentRow(current, QItemSelectionModel::NoUpdate);
     for (int row = 0; row < selected.size(); ++row) {
         active->item(row)->setSelected(selected.at(row));
-    }
-}
-
-/// What the selected rows say, a line each.
-void ScriptLists::copySelected(const QListWidget* list)
-{
-    QStringList lines;
-    for (int row = 0; row < list->count(); ++row) {
-        if (list->item(row)->isSelected()) {
-            lines.append(list->item(row)->data(Qt::AccessibleTextRole).toString());
-        }
-    }
-    if (!lines.isEmpty()) {
-        QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
     }
 }

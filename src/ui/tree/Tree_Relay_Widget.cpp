@@ -4,6 +4,7 @@
 #include "texts/texts.h"
 #include "ui/tree/NodeTree.h"
 #include "ui_Tree_Relay_Widget.h"
+#include "widgets/copyRows.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -34,11 +35,7 @@ Tree_Relay_Widget::Tree_Relay_Widget(QSharedPointer<RelayInfo> info, QWidget* pa
     rename->setShortcutContext(Qt::WidgetShortcut); // a name that is being edited isn't begun anew
     connect(rename, &QAction::triggered, this, &Tree_Relay_Widget::renameCurrent);
     ui->treeWidget->addAction(rename);
-    auto* const copy = new QAction(this);
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this, &Tree_Relay_Widget::copySelected);
-    ui->treeWidget->addAction(copy);
+    offerCopyOfRows(ui->treeWidget);
     ui->treeWidget->setAccessibleName(texts::headingOutputs());
 }
 

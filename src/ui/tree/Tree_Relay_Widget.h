@@ -78,7 +78,6 @@ private:
     const OutputNode* senderOutput(const QObject* control) const;
 
     void renameCurrent();
-    void copySelected() const;
     void storeExpanded();
     void passCurrentGroupOn();
     void endRename();

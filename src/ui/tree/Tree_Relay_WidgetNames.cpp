@@ -1,14 +1,12 @@
-// The context menu of the nodes, the renaming that begins there or with a double click, and the copying of names.
+// The context menu of the nodes, and the renaming that begins there or with a double click.
 
 #include "texts/texts.h"
 #include "ui/tree/NodeTree.h"
 #include "ui/tree/Tree_Relay_Widget.h"
 #include "ui_Tree_Relay_Widget.h"
 
-#include <QClipboard>
 #include <QEvent>
 #include <QFocusEvent>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
@@ -62,19 +60,6 @@ void Tree_Relay_Widget::renameCurrent()
     menuKeyHeld = false;
     ui->treeWidget->scrollToItem(item); // its frame may not have been shown yet
     sl_RunRename();
-}
-
-/// The item itself shows nothing, but it knows what its frame says.
-void Tree_Relay_Widget::copySelected() const
-{
-    QStringList lines;
-    const QList<QTreeWidgetItem*> items = ui->treeWidget->selectedItems();
-    for (const QTreeWidgetItem* const item : items) {
-        lines.append(item->data(0, Qt::AccessibleTextRole).toString());
-    }
-    if (!lines.isEmpty()) {
-        QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
-    }
 }
 
 void Tree_Relay_Widget::sl_RunRename()

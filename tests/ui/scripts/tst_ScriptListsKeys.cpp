@@ -30,6 +30,7 @@ private slots:
     void withoutAnOutputNothingMoves();
     void ofAScriptThatStandsTwiceOnlyTheChosenRowMoves();
     void ofAScriptThatTheOtherListSelectsTwiceOneRowMoves();
+    void chosenInItsOwnListBothRowsOfAScriptStay();
     void ctrlCCopiesTheSelectedRows();
 
 private:
@@ -237,6 +238,16 @@ void tst_ScriptListsKeys::ofAScriptThatTheOtherListSelectsTwiceOneRowMoves()
     press(Qt::Key_Down, Qt::AltModifier);
     QCOMPARE(active(), QList<int>({7, 9, 3, 3}));
     QCOMPARE(selected(), QList<int>({2}));
+}
+
+void tst_ScriptListsKeys::chosenInItsOwnListBothRowsOfAScriptStay()
+{
+    activate({3, 7, 3});
+    activeList->setFocus();
+    activeList->selectAll();
+    press(Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(active(), QList<int>({3, 7, 3}));
+    QCOMPARE(selected(), QList<int>({0, 1, 2}));
 }
 
 void tst_ScriptListsKeys::ctrlCCopiesTheSelectedRows()
