@@ -160,8 +160,10 @@ void Keeper::beginToSettle(const QSize& passingSize)
     // The manager may hold to a size that the window had asked for before, and tell of it when all settlings are spent.
     for (const int delay : {700, 2000}) {
         QTimer::singleShot(delay, this, [this] {
-            settlings = qMax(settlings, 1);
-            settle();
+            if (!isHeldByItsTitle()) {
+                settlings = qMax(settlings, 1);
+                settle();
+            }
         });
     }
 }

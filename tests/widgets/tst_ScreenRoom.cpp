@@ -43,6 +43,19 @@ private:
             QCOMPARE(window.frameGeometry(), screen());
         }
     }
+    /// A kept window that the user has moved beyond the edge, where it stays.
+    static void showPartlyOutside(QWidget& window)
+    {
+        screenRoom::keep(&window);
+        window.resize(400, 300);
+        show(window);
+        checkWithin(window);
+        // The manager may take its time with the window's first place.
+        const QPoint place(screen().right() - 100, 200);
+        int stays = 0;
+        EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
+                                                                            : (window.move(place), stays = 0, false)));
+    }
 };
 
 void tst_ScreenRoom::windowThatIsTooLargeIsCut()
@@ -127,15 +140,7 @@ void tst_ScreenRoom::placingIsWithinTheScreen()
 void tst_ScreenRoom::whatTheUserMovesStaysThere()
 {
     QWidget window;
-    screenRoom::keep(&window);
-    window.resize(400, 300);
-    show(window);
-    checkWithin(window);
-    // The manager may take its time with the window's first place.
-    const QPoint place(screen().right() - 100, 200);
-    int stays = 0;
-    EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
-                                                                        : (window.move(place), stays = 0, false)));
+    showPartlyOutside(window);
 }
 
 /// As a manager does it: it restores the window below the mouse and moves it along.
@@ -165,14 +170,7 @@ void tst_ScreenRoom::whatIsDraggedFromTheMaximisedStateStaysInTheHand()
 void tst_ScreenRoom::whatWasPartlyOutsideStaysThereWhenTheScreenChanges()
 {
     QWidget window;
-    screenRoom::keep(&window);
-    window.resize(400, 300);
-    show(window);
-    checkWithin(window);
-    const QPoint place(screen().right() - 100, 200);
-    int stays = 0;
-    EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
-                                                                        : (window.move(place), stays = 0, false)));
+    showPartlyOutside(window);
     QScreen* const shown = QGuiApplication::primaryScreen();
     const QRect where = window.geometry();
     emit shown->availableGeometryChanged(screen());
@@ -185,14 +183,7 @@ void tst_ScreenRoom::whatWasPartlyOutsideStaysThereWhenTheScreenChanges()
 void tst_ScreenRoom::whatTheScreenNoLongerHoldsIsBroughtBack()
 {
     QWidget window;
-    screenRoom::keep(&window);
-    window.resize(400, 300);
-    show(window);
-    checkWithin(window);
-    const QPoint place(screen().right() - 100, 200);
-    int stays = 0;
-    EVENTUALLY((window.frameGeometry().right() > screen().right() + 100 ? ++stays > 100
-                                                                        : (window.move(place), stays = 0, false)));
+    showPartlyOutside(window);
     // Nothing would be left of it on that.
     emit QGuiApplication::primaryScreen()->availableGeometryChanged(screen().adjusted(0, 0, -200, 0));
     checkWithin(window);
