@@ -21,15 +21,21 @@ QString reasonOf(const ConfigurationError& error)
     return reasons.join(QLatin1String("; "));
 }
 
-/// A line as it fits into one of a terminal, whatever is in it.
-QString shortened(QString line)
+/// What stays on one line of a terminal and leaves it as it is, whatever the file has in it.
+QString printable(QString text)
 {
-    constexpr int longest = 60;
-    for (QChar& character : line) {
-        if (!character.isPrint()) {
+    for (QChar& character : text) {
+        const bool endsLine = character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
+        if (endsLine || !character.isPrint()) {
             character = QLatin1Char(character == QLatin1Char('\t') ? ' ' : '?');
         }
     }
+    return text;
+}
+
+QString shortened(const QString& line)
+{
+    constexpr int longest = 60;
     return line.size() <= longest ? line : line.left(longest) + QLatin1String("...");
 }
 
@@ -41,7 +47,8 @@ QString counted(int count, const char* noun)
 void tellLines(const ConfigurationErrors& errors, int count, Console& console)
 {
     for (const ConfigurationError& error : errors) {
-        console.result(QStringLiteral("%1: %2: ").arg(error.line).arg(shortened(error.text)) + reasonOf(error));
+        const QString line = QStringLiteral("%1: %2: ").arg(error.line).arg(shortened(error.text)) + reasonOf(error);
+        console.result(printable(line));
     }
     if (count > 0) {
         console.note(counted(count, "error") + QLatin1String(" on ") + counted(errors.size(), "line"));

@@ -33,6 +33,7 @@ private slots:
     void aCommentWithALfOnlyIsFine();
     void aNulIsToldToEndTheFile();
     void theLineShownIsShortAndHarmless();
+    void aValueWithCharactersThatEndLinesStaysOnOneLine();
     void jsonHasTheWholeLine();
     void bytesThatAreNoConfigurationAreTold();
 
@@ -219,6 +220,12 @@ void tst_checkCommand::theLineShownIsShortAndHarmless()
 {
     const ToolRun run = check("\033[31mred\t" + QByteArray(100, 'x') + "\r\n");
     QCOMPARE(run.results, s("1: ?[31mred ") + QString(51, QLatin1Char('x')) + s("...: there is no \"=\" in it\n"));
+}
+
+void tst_checkCommand::aValueWithCharactersThatEndLinesStaysOnOneLine()
+{
+    const ToolRun run = check(QByteArrayLiteral("Script[0].Filter.MinuteOfBegin=1\x0b\xe2\x80\xa8x\r\n"));
+    QCOMPARE(run.results, s("1: Script[0].Filter.MinuteOfBegin=1??x: \"1??x\" is not a whole number\n"));
 }
 
 void tst_checkCommand::jsonHasTheWholeLine()
