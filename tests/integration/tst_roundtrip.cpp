@@ -2,6 +2,7 @@
 #include "support/ModelOfUnit.h"
 #include "support/RandomUnit.h"
 #include "support/WindowOverUnit.h"
+#include "support/rounds.h"
 #include "support/threadedTestMain.h"
 
 #include <QFile>
@@ -114,7 +115,7 @@ void tst_roundtrip::initTestCase()
 void tst_roundtrip::aThousandConfigurationsSurviveWritingAndReading_data()
 {
     QTest::addColumn<quint32>("first");
-    for (quint32 first = 1; first <= 1000; first += 50) {
+    for (quint32 first = 1; first <= quint32(rounds(1000)); first += 50) {
         QTest::addRow("seeds %u to %u", first, first + 49) << first;
     }
 }

@@ -1,6 +1,7 @@
 #include "model/ConfigurationFileTest.h"
 #include "support/ModelInvariants.h"
 #include "support/RandomModel.h"
+#include "support/rounds.h"
 
 /// What comes back of what was saved.
 class tst_ConfigurationFileRoundTrips : public ConfigurationFileTest
@@ -24,7 +25,7 @@ private slots:
 
 void tst_ConfigurationFileRoundTrips::randomModelsComeBack()
 {
-    for (quint32 seed = 0; seed < 1000; ++seed) {
+    for (quint32 seed = 0; seed < quint32(rounds(1000)); ++seed) {
         RelayInfo first;
         RandomModel::addTerminalTypes(first);
         RandomModel(seed).fill(first);

@@ -2,6 +2,7 @@
 #include "model/RecordsTest.h"
 #include "model/ScriptRules.h"
 #include "support/RandomModel.h"
+#include "support/rounds.h"
 
 #include <algorithm>
 #include <tuple>
@@ -56,7 +57,7 @@ private slots:
 
 void tst_recordsRoundTrips::randomConfigurationsComeBackEqual()
 {
-    for (quint32 seed = 0; seed < 400; ++seed) {
+    for (quint32 seed = 0; seed < quint32(rounds(400)); ++seed) {
         RelayInfo first;
         RandomModel::addTerminalTypes(first);
         RandomModel(seed).fill(first);

@@ -1,4 +1,5 @@
 #include "support/RandomModel.h"
+#include "support/rounds.h"
 #include "tool/ConfigurationDifference.h"
 
 #include <QtTest>
@@ -162,7 +163,7 @@ void tst_ConfigurationDifference::aModelIsEqualToItself()
 void tst_ConfigurationDifference::oneChangedFieldIsADifferenceIfItIsKept()
 {
     int different = 0;
-    for (quint32 seed = 0; seed < 1000; ++seed) {
+    for (quint32 seed = 0; seed < quint32(rounds(1000)); ++seed) {
         RelayInfo before;
         RelayInfo after;
         for (RelayInfo* const model : {&before, &after}) {

@@ -2,6 +2,7 @@
 #include "link/protocol_HUBN_NX_Q.h"
 #include "model/RelayInfo.h"
 #include "support/RandomUnit.h"
+#include "support/rounds.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -285,7 +286,7 @@ void tst_writeCommand::asJson()
 
 void tst_writeCommand::readThenWriteThenDiffIsEmptyForRandomUnits()
 {
-    constexpr int units = 200;
+    constexpr int units = rounds(200);
     RandomUnit random(7, RandomUnit::OfFiles);
     const QString file = path(QStringLiteral("a.cfg"));
     for (int count = 0; count < units; ++count) {
