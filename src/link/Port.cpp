@@ -156,9 +156,9 @@ void Port::noteTrouble(StatePort reported)
     case StateCreateError:
     case StateOpenError:
     case StateNotFound:
+        isAttemptOver = false;
         if (reported != troubledState || isPast) {
             troubledState = reported;
-            isAttemptOver = false;
             askTrouble(reported == StateNotFound);
         }
         break;
@@ -205,8 +205,8 @@ void Port::takeTrouble(int number, PortTrouble trouble)
     known.trouble = std::move(trouble);
     if (cause + advice != before) {
         qDebug().noquote() << portName << ": " << cause << advice;
-        emit changed();
     }
+    emit changed(); // at the least, it is no longer awaited
 }
 
 void Port::forgetTrouble()
