@@ -59,6 +59,20 @@ public:
     QProcess process;
 };
 
+/// A link over a port that this program itself has open.
+struct LinkOverHeldPort
+{
+    PseudoTerminal line;
+    QSerialPort holder{line.portName()};
+    bool isHeld = holder.open(QIODevice::ReadWrite);
+    LinkRecorder recorder{{line.portName()}};
+
+    bool hasToldTrouble() const
+    {
+        return isHeld && recorder.info().trouble.has_value() && !recorder.info().connected;
+    }
+};
+
 /// Takes all that a port's thread has to say to what it was told before.
 void hearFromWorker(const Port* port)
 {
@@ -255,14 +269,11 @@ void tst_PortTrouble::aPortThatMayNotBeOpenedTellsIt()
 
 void tst_PortTrouble::aHeldPortTellsByWhom()
 {
-    const PseudoTerminal line;
-    QSerialPort holder(line.portName());
-    QVERIFY(holder.open(QIODevice::ReadWrite));
-    const LinkRecorder recorder({line.portName()});
-    EVENTUALLY(recorder.info().trouble.has_value());
-    QCOMPARE(recorder.state(), StateOpenError);
-    QCOMPARE(recorder.info().trouble->cause, Cause::Busy);
-    QCOMPARE(recorder.info().trouble->holder, QStringLiteral("tst_PortTrouble"));
+    const LinkOverHeldPort held;
+    EVENTUALLY(held.hasToldTrouble());
+    QCOMPARE(held.recorder.state(), StateOpenError);
+    QCOMPARE(held.recorder.info().trouble->cause, Cause::Busy);
+    QCOMPARE(held.recorder.info().trouble->holder, QStringLiteral("tst_PortTrouble"));
 }
 
 void tst_PortTrouble::aPortThatGoesTellsItUntilItIsBack()
@@ -283,15 +294,12 @@ void tst_PortTrouble::aPortThatGoesTellsItUntilItIsBack()
 
 void tst_PortTrouble::connectingAnewForgetsIt()
 {
-    const PseudoTerminal line;
-    QSerialPort holder(line.portName());
-    QVERIFY(holder.open(QIODevice::ReadWrite));
-    const LinkRecorder recorder({line.portName()});
-    EVENTUALLY(recorder.info().trouble.has_value() && !recorder.info().connected);
-    holder.close();
-    recorder.port()->open();
-    EVENTUALLY(recorder.state() == StateSearching);
-    QVERIFY(!recorder.info().trouble.has_value());
+    LinkOverHeldPort held;
+    EVENTUALLY(held.hasToldTrouble());
+    held.holder.close();
+    held.recorder.port()->open();
+    EVENTUALLY(held.recorder.state() == StateSearching);
+    QVERIFY(!held.recorder.info().trouble.has_value());
 }
 
 void tst_PortTrouble::theCauseIsLookedForOnTheThreadOfThePort()
@@ -323,15 +331,13 @@ void tst_PortTrouble::theAnswerOfAnOlderStateIsDropped()
 
 void tst_PortTrouble::aCauseThatChangesIsSeenWhenItIsCheckedAgain()
 {
-    const PseudoTerminal line;
-    auto holder = std::make_unique<QSerialPort>(line.portName());
-    QVERIFY(holder->open(QIODevice::ReadWrite));
     const DebugLines lines;
-    const LinkRecorder recorder({line.portName()});
-    EVENTUALLY(recorder.info().trouble.has_value() && !recorder.info().connected);
+    LinkOverHeldPort held;
+    const LinkRecorder& recorder = held.recorder;
+    EVENTUALLY(held.hasToldTrouble());
     QCOMPARE(recorder.info().trouble->holder, QStringLiteral("tst_PortTrouble"));
-    holder.reset();
-    const OtherProgram other(QStringLiteral("terminal"), line.portName());
+    held.holder.close();
+    const OtherProgram other(QStringLiteral("terminal"), held.line.portName());
     EVENTUALLY((recorder.port()->checkTrouble(), recorder.info().trouble->holder == QStringLiteral("terminal")));
     QCOMPARE(recorder.info().trouble->cause, Cause::Busy);
     QCOMPARE(recorder.state(), StateOpenError);
@@ -341,12 +347,10 @@ void tst_PortTrouble::aCauseThatChangesIsSeenWhenItIsCheckedAgain()
 
 void tst_PortTrouble::aCauseThatHasGoneIsPast()
 {
-    const PseudoTerminal line;
-    QSerialPort holder(line.portName());
-    QVERIFY(holder.open(QIODevice::ReadWrite));
-    const LinkRecorder recorder({line.portName()});
-    EVENTUALLY(recorder.info().trouble.has_value() && !recorder.info().connected);
-    holder.close();
+    LinkOverHeldPort held;
+    const LinkRecorder& recorder = held.recorder;
+    EVENTUALLY(held.hasToldTrouble());
+    held.holder.close();
     for (int check = 0; check < 2; ++check) {
         recorder.port()->checkTrouble();
         hearFromWorker(recorder.port());
