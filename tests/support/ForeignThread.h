@@ -10,6 +10,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <functional>
 
@@ -23,6 +24,7 @@ inline bool endsByAssertion(const std::function<void()>& call)
 {
     const pid_t child = fork();
     if (child == 0) {
+        alarm(20);                       // another thread may have held a lock that the call needs
         qInstallMessageHandler(nullptr); // the test's own would make a failed test of it
         std::signal(SIGABRT, SIG_DFL);
         const rlimit noCore = {0, 0};
@@ -34,7 +36,11 @@ inline bool endsByAssertion(const std::function<void()>& call)
         _exit(0);
     }
     int status = 0;
-    return child > 0 && waitpid(child, &status, 0) == child && WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT;
+    pid_t ended = -1;
+    do {
+        ended = waitpid(child, &status, 0);
+    } while (ended == -1 && errno == EINTR);
+    return child > 0 && ended == child && WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT;
 }
 
 /// The slots of a worker's class that let themselves be called from a thread that isn't the worker's. It has to be on

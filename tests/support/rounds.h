@@ -8,7 +8,7 @@
 /// quarter, since they look for what nearly every case has.
 constexpr int rounds(int count)
 {
-#if __has_feature(address_sanitizer) || defined(__SANITIZE_ADDRESS__)
+#if __has_feature(address_sanitizer) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return count / 4;
 #else
     return count;
