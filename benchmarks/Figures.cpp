@@ -17,6 +17,27 @@ std::vector<Benchmark>& Benchmark::all()
     return benchmarks;
 }
 
+Figure timeFigure(const QString& what, double time, const QString& reference, double bar)
+{
+    return {what,
+            QStringLiteral("%1 ms").arg(time, 0, 'f', time < 1 ? 3 : 1),
+            reference,
+            time,
+            QStringLiteral("ms"),
+            bar,
+            Figure::Milliseconds};
+}
+
+Figure failure(const QString& what, const QString& reason)
+{
+    Figure figure;
+    figure.what = what;
+    figure.figure = QStringLiteral("failed");
+    figure.reference = reason;
+    figure.failed = true;
+    return figure;
+}
+
 double median(std::vector<double> values)
 {
     if (values.empty()) {

@@ -1,5 +1,7 @@
 #include "benchmarks/Units.h"
 
+#include "eventlog/LogEvents.h"
+#include "model/Device.h"
 #include "model/RelayInfo.h"
 #include "simulator/LogGenerator.h"
 
@@ -24,6 +26,22 @@ UnitState installation(int logRecords)
 QByteArrayList logRecords(int count)
 {
     return LogGenerator(1, LogGenerator::Everything).history(count, QDateTime(QDate(2026, 6, 1), QTime(12, 0)));
+}
+
+QList<QList<EventOfTable>> logBatches()
+{
+    constexpr int batch = 2000;
+    const Device device([](const QString&, const QString&) {});
+    LogEvents events;
+    events.setDevices(&device);
+    events.decodeEvents(logRecords(wholeLog));
+    events.numberEvents();
+    const QList<EventOfTable> rows = events.takeEvents(wholeLog);
+    QList<QList<EventOfTable>> batches;
+    for (int first = 0; first < rows.size(); first += batch) {
+        batches.append(rows.mid(first, batch));
+    }
+    return batches;
 }
 
 QByteArrayList terminalRecords(int count)

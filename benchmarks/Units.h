@@ -1,8 +1,10 @@
 #pragma once
 
+#include "eventlog/EventOfTable.h"
 #include "simulator/UnitState.h"
 
 #include <QByteArrayList>
+#include <QList>
 #include <QSharedPointer>
 
 class RelayInfo;
@@ -16,6 +18,11 @@ UnitState installation(int logRecords);
 
 /// Records of an event log, of every code and class of event.
 QByteArrayList logRecords(int count);
+
+constexpr int wholeLog = 32767; ///< records of the largest log
+
+/// The rows of the largest log, numbered, in the batches that the program writes.
+QList<QList<EventOfTable>> logBatches();
 
 /// What a unit tells of so many executive terminals with two outputs each, the first one at address 1.
 QByteArrayList terminalRecords(int count);

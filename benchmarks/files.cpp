@@ -31,17 +31,18 @@ Figure figure(const QString& what, double measured, double plain)
             measured - plain,
             QStringLiteral("ms more"),
             20,
-            false};
+            Figure::Milliseconds};
 }
 
 std::vector<Figure> run()
 {
     const auto model = units::fullModel(8);
     const QString path = QStringLiteral("full.cfg");
-    const double save = medianOf([&] { model->saveToFile(path); });
+    bool good = true;
+    const double save = medianOf([&] { good = model->saveToFile(path) == RelayInfo::FileOk && good; });
 
     RelayInfo loaded;
-    const double load = medianOf([&] { loaded.loadFromFile(path); });
+    const double load = medianOf([&] { good = loaded.loadFromFile(path) == RelayInfo::FileOk && good; });
 
     QByteArray bytes;
     const double plainRead = medianOf([&] {
@@ -55,6 +56,10 @@ std::vector<Figure> run()
             file.commit();
         }
     });
+    if (!good) {
+        return {
+            failure(QStringLiteral("configuration saved and loaded"), QStringLiteral("the file could not be used"))};
+    }
     const QString size = QStringLiteral("32 terminals, 32 scripts, %1 KiB").arg(bytes.size() / 1024);
     return {figure(QStringLiteral("configuration saved: ") + size, save, plainWrite),
             figure(QStringLiteral("configuration loaded: ") + size, load, plainRead)};

@@ -18,7 +18,6 @@
 namespace
 {
 
-constexpr int wholeLog = 32767;
 constexpr double stillnessOfHandingOn = 300;
 constexpr int runs = 7; ///< a busy machine makes single ones twice as long
 
@@ -36,8 +35,8 @@ constexpr Key keys[] = {{Qt::Key_A, "a"},        {Qt::Key_L, "l"},        {Qt::K
 
 void readWholeLog(FullWindow& full)
 {
-    full.window.sl_ReceiveDataEvents(units::logRecords(wholeLog), true);
-    while (full.log->model() == nullptr || full.log->model()->rowCount() < wholeLog) {
+    full.window.sl_ReceiveDataEvents(units::logRecords(units::wholeLog), true);
+    while (full.log->model() == nullptr || full.log->model()->rowCount() < units::wholeLog) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     full.tabs->setCurrentIndex(1);
@@ -70,14 +69,8 @@ Figure handingOn(const FullWindow& full, const QString& what, const char* action
         FullWindow::settle();
         times.push_back(watch.longest);
     }
-    const double time = median(times);
-    return {QStringLiteral("rows of 32,767 records %1, the window still").arg(what),
-            QStringLiteral("%1 ms").arg(time, 0, 'f', 1),
-            QStringLiteral("%1 times").arg(runs),
-            time,
-            QStringLiteral("ms"),
-            bar,
-            false};
+    return timeFigure(QStringLiteral("rows of 32,767 records %1, the window still").arg(what), median(times),
+                      QStringLiteral("%1 times").arg(runs), bar);
 }
 
 std::vector<Figure> run()
@@ -103,15 +96,12 @@ std::vector<Figure> run()
     for (const std::vector<double>& ofKey : times) {
         worst = std::max(worst, median(ofKey));
     }
-    const double standstill = median(standstills);
     const QString reference = QStringLiteral("%1 keys, %2 times").arg(std::size(keys)).arg(runs);
     return {
-        {QStringLiteral("key to its rows among those of 32,767 records"), QStringLiteral("%1 ms").arg(worst, 0, 'f', 1),
-         QStringLiteral("slowest of ") + reference, worst, QStringLiteral("ms"), 50, false},
-        {QStringLiteral("longest standstill of the window meanwhile"),
-         QStringLiteral("%1 ms").arg(standstill, 0, 'f', 1), reference, standstill, QStringLiteral("ms"), 16, false},
-        copied,
-        saved};
+        timeFigure(QStringLiteral("key to its rows among those of 32,767 records"), worst,
+                   QStringLiteral("slowest of ") + reference, 50),
+        timeFigure(QStringLiteral("longest standstill of the window meanwhile"), median(standstills), reference, 16),
+        copied, saved};
 }
 
 const Benchmark findBenchmark(QStringLiteral("find"), run);

@@ -1,5 +1,6 @@
 // Reads a whole log into the window and prints a line of three numbers: milliseconds from its last byte to its rows in
-// the view, the longest standstill of the event loop in that time, and the peak memory of the process in KiB.
+// the view, the longest standstill of the event loop from the search to that moment, and the peak memory of the process
+// in KiB.
 
 #include "benchmarks/PeakMemory.h"
 #include "benchmarks/StandstillWatch.h"
@@ -12,6 +13,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QWindow>
 
 #include <chrono>
 #include <cstdio>
@@ -20,9 +22,13 @@ int main(int argc, char* argv[])
 {
     const auto application = scaledApplication(argc, argv);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    UnitSimulator unit(units::installation(32767));
+    UnitSimulator unit(units::installation(units::wholeLog));
     MainWindow window({[&] { return QStringList{unit.portName()}; }, {}, nullptr});
     window.showMaximized();
+    while (!window.windowHandle()->isExposed()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QCoreApplication::processEvents();
 
     const auto* view = window.findChild<QTableView*>(QStringLiteral("tableViewLogEvents"));
     const auto* busy = window.findChild<QWidget*>(QStringLiteral("FormWaiting"));
@@ -35,7 +41,7 @@ int main(int argc, char* argv[])
     StandstillWatch watch;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &window, [&] {
-        if (view->model() == nullptr || view->model()->rowCount() < 32767 || busy->isVisible()) {
+        if (view->model() == nullptr || view->model()->rowCount() < units::wholeLog || busy->isVisible()) {
             return;
         }
         const auto visible = std::chrono::steady_clock::now() - lastByte;

@@ -44,14 +44,8 @@ Figure untilPainted(const QString& what, int steps, double bar, Step step, Prepa
             FullWindow::settle();
         }));
     }
-    const double time = median(times);
-    return {what,
-            QStringLiteral("%1 ms").arg(time, 0, 'f', 2),
-            bar < 20 ? QStringLiteral("16 ms, a frame at 60 Hz") : QStringLiteral("33 ms, two frames at 60 Hz"),
-            time,
-            QStringLiteral("ms"),
-            bar,
-            false};
+    return timeFigure(what, median(times),
+                      bar < 20 ? QStringLiteral("a frame at 60 Hz") : QStringLiteral("two frames at 60 Hz"), bar);
 }
 
 template <typename Step>
@@ -70,7 +64,7 @@ Figure scriptChosen(const FullWindow& full)
             labels.append(full.scripts->itemWidget(item));
         }
     }
-    return untilPainted(QStringLiteral("a script chosen in the list, until painted"), 200, 16, [&](int i) {
+    return untilPainted(QStringLiteral("a script chosen in the list, until painted"), 60, 16, [&](int i) {
         QWidget* const label = labels.at(i % labels.size());
         click(label, label->rect().center());
     });
@@ -86,7 +80,7 @@ Figure outputChosen(const FullWindow& full)
             frames.append(full.tree->itemWidget(item, 0));
         }
     }
-    return untilPainted(QStringLiteral("an output chosen in the tree, until painted"), 200, 16,
+    return untilPainted(QStringLiteral("an output chosen in the tree, until painted"), 60, 16,
                         [&](int i) { click(frames.at(i % frames.size()), QPoint(2, 2)); });
 }
 
@@ -102,7 +96,7 @@ Figure terminalHidden(FullWindow& full)
                          *chosen = group;
                      });
     return untilPainted(
-        QStringLiteral("a terminal of 31 open ones hidden, until painted"), 30, 33,
+        QStringLiteral("a terminal of 31 open ones hidden, until painted"), 10, 33,
         [&](int) { emit panel->sig_deleteGroupRelay(*chosen); },
         [&](int i) {
             if (i > 0) {
@@ -125,7 +119,7 @@ Figure tabShown(const QString& what, const FullWindow& full, const QWidget* tabl
     }
     const auto show = [bar](int index) { click(bar, bar->tabRect(index).center()); };
     return untilPainted(
-        what, 60, 33, [&](int) { show(tab); }, [&](int) { show(0); });
+        what, 20, 33, [&](int) { show(tab); }, [&](int) { show(0); });
 }
 
 /// Between two sizes that the screen has room for, or the window manager would resize it once more.
@@ -135,7 +129,7 @@ Figure windowResized(FullWindow& full)
     constexpr QSize small(1000, 660);
     full.window.showNormal();
     full.window.resize(large);
-    return untilPainted(QStringLiteral("the window resized, until painted"), 60, 33,
+    return untilPainted(QStringLiteral("the window resized, until painted"), 20, 33,
                         [&](int i) { full.window.resize(i % 2 == 0 ? small : large); });
 }
 

@@ -9,6 +9,7 @@
 #include "ui/tree/Tree_Relay_Widget.h"
 #include "ui/window/MainWindow.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -18,37 +19,41 @@
 namespace
 {
 
-Figure simple(const QString& what, double measured, const QString& reference, double bar)
+/// How long the event loop stands still at most until the busy form, which may be there already, has come and gone.
+Figure standstillOf(const QString& operation, const MainWindow& window)
 {
-    return {what, QStringLiteral("%1 ms").arg(measured, 0, 'f', 2), reference, measured, QStringLiteral("ms"), bar,
-            false};
-}
-
-/// The automatic chain, from the first sight of the port to the log in its table.
-Figure chain()
-{
-    UnitSimulator unit(units::installation(2000));
-    MainWindow window({[&] { return QStringList{unit.portName()}; }, {}, nullptr});
-    window.show();
-    QApplication::processEvents();
-
+    const QString what = QStringLiteral("longest standstill of the event loop in the %1").arg(operation);
     const auto* busy = window.findChild<QWidget*>(QStringLiteral("FormWaiting"));
     QEventLoop end;
     QElapsedTimer whole;
     whole.start();
     StandstillWatch watch;
-    bool seen = false;
+    bool seen = busy->isVisible();
+    bool isOver = false;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &end, [&] {
         seen = seen || busy->isVisible();
-        if ((seen && !busy->isVisible()) || whole.elapsed() > 60000) {
+        isOver = seen && !busy->isVisible();
+        if (isOver || whole.elapsed() > 60000) {
             end.quit();
         }
     });
-    poll.start(20);
+    poll.start(1);
     end.exec();
-    return simple(QStringLiteral("longest standstill of the event loop in the chain"), watch.longest,
-                  QStringLiteral("%1 ms, the whole chain").arg(whole.elapsed()), 50);
+    return isOver ? timeFigure(what, watch.longest, QStringLiteral("%1 ms in all").arg(whole.elapsed()), 16)
+                  : failure(what, QStringLiteral("it came to no end"));
+}
+
+/// The automatic chain, from the first sight of the port to its end, and all of it written back.
+std::vector<Figure> exchanges()
+{
+    UnitSimulator unit(units::installation(2000));
+    MainWindow window({[&] { return QStringList{unit.portName()}; }, {}, nullptr});
+    window.show();
+    QApplication::processEvents();
+    const Figure chain = standstillOf(QStringLiteral("chain"), window);
+    window.findChild<QAction*>(QStringLiteral("actionWrite"))->trigger();
+    return {chain, standstillOf(QStringLiteral("writing"), window)};
 }
 
 Figure rebuilding()
@@ -68,8 +73,9 @@ Figure rebuilding()
         QApplication::processEvents();
         painted.push_back(double(timer.nsecsElapsed()) / 1e6);
     }
-    return simple(QStringLiteral("tree of 32 terminals with 8 outputs each rebuilt"), median(rebuilt),
-                  QStringLiteral("%1 ms, until painted").arg(median(painted), 0, 'f', 1), 60);
+    return timeFigure(QStringLiteral("tree of 32 terminals with 8 outputs each rebuilt, until painted"),
+                      median(painted), QStringLiteral("%1 ms without the painting").arg(median(rebuilt), 0, 'f', 1),
+                      40);
 }
 
 Figure logger()
@@ -97,17 +103,14 @@ Figure logger()
     for (int i = 0; i < 500; ++i) {
         full2000.push_back(milliseconds(packet) / 2);
     }
-    return {QStringLiteral("a packet into the full packet logger"),
-            QStringLiteral("%1 ms").arg(median(full2000), 0, 'f', 3),
-            QStringLiteral("%1 ms, into an empty one").arg(median(empty), 0, 'f', 3),
-            median(full2000),
-            QStringLiteral("ms"),
-            0.3,
-            false};
+    return timeFigure(QStringLiteral("a packet into the full packet logger"), median(full2000),
+                      QStringLiteral("%1 ms, into an empty one").arg(median(empty), 0, 'f', 3), 0.3);
 }
 
 const Benchmark windowBenchmark(QStringLiteral("window"), [] {
-    return std::vector<Figure>{rebuilding(), logger(), chain()};
+    std::vector<Figure> figures = exchanges();
+    figures.insert(figures.begin(), {rebuilding(), logger()});
+    return figures;
 });
 
 } // namespace

@@ -1,6 +1,7 @@
-// How close the program comes to the pace of the wire: the unit's side keeps ten bit times a byte in both directions,
-// so what is missing to 1 is the program's own time between an answer and the next request.
+// How close the program comes to the pace of the wire, where the unit's side keeps ten bit times a byte in both
+// directions: beside a bare loop that sends and takes the same bytes over the same wire and does nothing else.
 
+#include "benchmarks/BareLoop.h"
 #include "benchmarks/Figures.h"
 #include "benchmarks/Units.h"
 #include "benchmarks/WireTime.h"
@@ -10,35 +11,48 @@
 #include "simulator/UnitSimulator.h"
 
 #include <QEventLoop>
-#include <QFile>
 #include <QTimer>
 
-#include <algorithm>
 #include <chrono>
-#include <iterator>
+#include <cmath>
 
 namespace
 {
 
-/// Runs an operation of the form over a paced unit and compares the time between its first request and its end with the
-/// time that its bytes take on the wire. The watch, twice a second, is part of both.
+/// Runs an operation of the form over a paced unit and compares the time between its first request and its end with
+/// that of the loop over another unit, as it stood before. The watch, twice a second, is part of both.
 Figure overTheWire(const QString& what, UnitSimulator& unit, const std::function<void()>& start, QEventLoop& end)
 {
-    std::chrono::steady_clock::time_point stopped;
+    constexpr double bar = 1.02;
+    const UnitState before = unit.state();
     QTimer::singleShot(0, &end, [&] {
         unit.clearRequests();
         start();
     });
     end.exec();
-    stopped = std::chrono::steady_clock::now();
+    const auto stopped = std::chrono::steady_clock::now();
     const QVector<UnitRequest> requests = unit.requests();
     if (requests.isEmpty()) {
-        return wire::figure(what + QStringLiteral(": nothing was sent"), 0, 1, 0.95);
+        return failure(what, QStringLiteral("nothing was sent"));
+    }
+    UnitSimulator second(before);
+    second.setPace(UnitSimulator::OfTheWire);
+    const double loop = bareLoop::timeOver(second, requests);
+    if (!std::isfinite(loop)) {
+        return failure(what, QStringLiteral("the bare loop broke off"));
     }
     // A request is noted once its last byte is there; its own way over the wire lies before the note.
     const double measured = std::chrono::duration<double, std::milli>(stopped - requests.first().received).count() +
                             double(requests.first().frame.size()) * 10 * 1000 / wire::baudRate;
-    return wire::figure(what, wire::timeOf(requests), measured, 0.95);
+    return {what,
+            QStringLiteral("%1 ms").arg(measured, 0, 'f', 0),
+            QStringLiteral("%1 ms, a bare loop; %2 ms, the wire")
+                .arg(loop, 0, 'f', 0)
+                .arg(wire::timeOf(requests), 0, 'f', 0),
+            measured / loop,
+            QStringLiteral("times"),
+            bar,
+            Figure::AtMost};
 }
 
 std::vector<Figure> run()
@@ -58,11 +72,9 @@ std::vector<Figure> run()
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendListTerminalsOnForm, &form,
                      &FormChoiceCoordinator::sl_PreOperationReadConfigAndScript);
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadScriptOnForm, &end, &QEventLoop::quit);
-    figures.push_back(wire::middleOf([&] {
-        return overTheWire(
-            QStringLiteral("full reading: terminals, 70 outputs, 32 scripts at 57600"), unit,
-            [&] { form.on_buttonChoicePort_clicked(); }, end);
-    }));
+    figures.push_back(overTheWire(
+        QStringLiteral("full reading: terminals, 70 outputs, 32 scripts at 57600"), unit,
+        [&] { form.on_buttonChoicePort_clicked(); }, end));
 
     QObject::disconnect(&form, nullptr, &end, nullptr);
     QObject::connect(&form, &FormChoiceCoordinator::sig_sendReadLogOnForm, &end,
@@ -98,8 +110,7 @@ Figure firmware()
     Figure result = overTheWire(
         QStringLiteral("firmware of 200,000 bytes at 57600"), unit, [&] { loading->open(); }, end);
     if (unit.state().firmware != image) {
-        result.ratio = 0;
-        result.reference = QStringLiteral("the image did not arrive");
+        result = failure(result.what, QStringLiteral("the image did not arrive"));
     }
     return result;
 }
