@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include <ostream>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -22,12 +22,19 @@ inline void setDefaults(int cases, int size)
     }
 }
 
-/// Fails the case for a fault that has words.
+/// Fails the case for a fault that has words. They are told at once as well: rapidcheck runs a case that fails once
+/// more, and knows nothing of a fault that doesn't come again.
 inline void demandNone(const QString& fault)
 {
     if (!fault.isEmpty()) {
+        std::cerr << "fault: " << fault.toStdString() << '\n';
         RC_FAIL(fault.toStdString());
     }
+}
+
+inline void demand(bool isWell, const char* otherwise)
+{
+    demandNone(isWell ? QString() : QString::fromLatin1(otherwise));
 }
 
 /// Any bytes, no more than a number of them.
