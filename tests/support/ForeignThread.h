@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
+#include <cstdlib>
 #include <functional>
 
 #include <fcntl.h>
@@ -55,7 +57,9 @@ inline QStringList slotsForAnyThread(QObject* worker)
             const int type = slot.parameterType(i);
             Q_ASSERT_X(type != QMetaType::UnknownType, slot.methodSignature().constData(), "an unregistered type");
             const bool isReceiver = QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject);
-            arguments.append(isReceiver ? static_cast<void*>(&worker) : QMetaType::create(type));
+            // Zeros, since a number stays as it is found. It is the copied process alone that comes here.
+            void* const memory = std::calloc(1, std::size_t(QMetaType::sizeOf(type)));
+            arguments.append(isReceiver ? static_cast<void*>(&worker) : QMetaType::construct(type, memory, nullptr));
         }
         QMetaObject::metacall(worker, QMetaObject::InvokeMetaMethod, slot.methodIndex(), arguments.data());
     };
