@@ -112,6 +112,8 @@ private slots:
     void theAnswerOfAnOlderStateIsDropped();
     void aCauseThatChangesIsSeenWhenItIsCheckedAgain();
     void aCauseThatHasGoneIsPast();
+    void anAttemptThatFailsMeanwhileIsNotOver();
+    void theEndOfACheckIsToldThoughNothingChanged();
     void aPortWithoutTroubleIsNotChecked();
 };
 
@@ -357,6 +359,34 @@ void tst_PortTrouble::aCauseThatHasGoneIsPast()
         QCOMPARE(recorder.info().trouble->cause, Cause::Past);
     }
     QCOMPARE(recorder.info().trouble->whatToDo(), QStringLiteral("Connect again."));
+}
+
+void tst_PortTrouble::anAttemptThatFailsMeanwhileIsNotOver()
+{
+    LinkOverHeldPort held;
+    EVENTUALLY(held.hasToldTrouble());
+    held.holder.close();
+    Port* const port = held.recorder.port();
+    port->checkTrouble();
+    port->setState(StateOpenError);
+    hearFromWorker(port);
+    QVERIFY(!port->info().troubleAwaited);
+    QVERIFY(port->info().trouble->cause != Cause::Past);
+}
+
+void tst_PortTrouble::theEndOfACheckIsToldThoughNothingChanged()
+{
+    const LinkOverHeldPort held;
+    EVENTUALLY(held.hasToldTrouble());
+    Port* const port = held.recorder.port();
+    hearFromWorker(port);
+    QVERIFY(!port->info().troubleAwaited);
+    const QSignalSpy told(port, &Port::changed);
+    port->checkTrouble();
+    QVERIFY(port->info().troubleAwaited);
+    hearFromWorker(port);
+    QVERIFY(!port->info().troubleAwaited);
+    QCOMPARE(told.size(), 1);
 }
 
 void tst_PortTrouble::aPortWithoutTroubleIsNotChecked()
