@@ -60,6 +60,13 @@ void aName(const UserModel& /*model*/, Drawn& drawn)
     drawn.names.append(anyName());
 }
 
+template <void (*Draw)(const UserModel&, Drawn&)>
+void withAName(const UserModel& model, Drawn& drawn)
+{
+    Draw(model, drawn);
+    aName(model, drawn);
+}
+
 void activeRows(const UserModel& model, Drawn& drawn)
 {
     drawn.rows = rowsOf(model.currentOutput().scripts.size());
@@ -186,23 +193,13 @@ constexpr OperationKind treeKinds[] = {
     {1, "click the return", anOutput, isThere,
      [](UserModel& m, const Drawn& d) { outputOf(m, d).returns = !outputOf(m, d).returns; },
      [](WindowUser& u, const Drawn& d) { u.clickReturn(d.terminal, d.output); }, nullptr},
-    {1, "rename output",
-     [](const UserModel& m, Drawn& d) {
-         anOutput(m, d);
-         aName(m, d);
-     },
-     isThere,
+    {1, "rename output", withAName<anOutput>, isThere,
      [](UserModel& m, const Drawn& d) {
          m.selectOutput(d.terminal, d.output);
          outputOf(m, d).name = d.names.first();
      },
      [](WindowUser& u, const Drawn& d) { u.renameOutput(d.terminal, d.output, d.names.first()); }, nullptr},
-    {1, "rename terminal",
-     [](const UserModel& m, Drawn& d) {
-         aTerminal(m, d);
-         aName(m, d);
-     },
-     isThere,
+    {1, "rename terminal", withAName<aTerminal>, isThere,
      [](UserModel& m, const Drawn& d) {
          m.selectTerminal(d.terminal);
          m.shown.terminals[d.terminal].name = d.names.first();
