@@ -3,6 +3,7 @@
 #include "link/protocol_HUBN_NX_Q.h"
 
 #include <QDebug>
+#include <QLoggingCategory>
 #include <QThread>
 #include <QTimer>
 
@@ -389,9 +390,11 @@ void Transmitter::endCurrent(FinishMode mode)
     current = message();
 }
 
-/// Begins a diagnostic line; the text closes the bracket that opens here.
+/// Begins a diagnostic line, whose text closes its bracket; nothing where nobody reads it, since answers wait for it.
 QDebug Transmitter::logLine(const char* text) const
 {
-    return qDebug() << QDateTime::currentDateTime().toString(QStringLiteral("HH:mm:ss:zzz")) << " : " << this << " : "
-                    << port->portName() << "(" << port->baudRate() << text;
+    return !QLoggingCategory::defaultCategory()->isDebugEnabled()
+               ? qDebug()
+               : qDebug() << QTime::currentTime().toString(QStringLiteral("HH:mm:ss:zzz")) << " : " << this << " : "
+                          << port->portName() << "(" << port->baudRate() << text;
 }
