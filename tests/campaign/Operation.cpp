@@ -9,14 +9,16 @@
 QString Outcome::verdictName(Verdict verdict)
 {
     static const QStringList names{QStringLiteral("right"), QStringLiteral("leftOut"), QStringLiteral("counted"),
-                                   QStringLiteral("wrong"), QStringLiteral("stuck")};
+                                   QStringLiteral("wrong"), QStringLiteral("stuck"),   QStringLiteral("unmet")};
     return names.at(verdict);
 }
 
 Outcome ofMetFault(const Outcome& outcome, const FaultCase& faultCase, const QVector<UnitRequest>& requests)
 {
-    const bool isProof = outcome.verdict != Outcome::Right || faultCase.isMet(requests);
-    return isProof ? outcome : Outcome{Outcome::Wrong, QStringLiteral("the step with the fault never came")};
+    const bool isDefect = outcome.verdict == Outcome::Wrong || outcome.verdict == Outcome::Stuck;
+    return isDefect || faultCase.isMet(requests)
+               ? outcome
+               : Outcome{Outcome::Unmet, QStringLiteral("the step with the fault never came: ") + outcome.what};
 }
 
 std::unique_ptr<Operation> Operation::make(const QString& name)

@@ -15,7 +15,8 @@ struct Outcome
         LeftOut, ///< what is missing is by rule not told: terminals, and after the chain the end of the log's reading
         Counted, ///< an error is told, and what is there is right
         Wrong,   ///< something is wrong, and nothing tells
-        Stuck    ///< it doesn't end
+        Stuck,   ///< it doesn't end
+        Unmet    ///< it ended well or with an error before its fault came, which proves nothing
     };
 
     Verdict verdict = Right;
@@ -24,7 +25,7 @@ struct Outcome
     static QString verdictName(Verdict verdict);
 };
 
-/// One that is right although the step with the fault never came proves nothing.
+/// The outcome of a case by what the unit was asked: Unmet where it says nothing of the fault.
 Outcome ofMetFault(const Outcome& outcome, const FaultCase& faultCase, const QVector<UnitRequest>& requests);
 
 /// What a user does with a unit, through one of the programs, over a simulated unit of its own.

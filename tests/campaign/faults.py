@@ -9,7 +9,7 @@ PROGRAM is hubn-fault-cases, which runs cases of one operation; some programs ru
 waits. Without --short or --every all cases are run, more than twenty thousand; --every N takes each Nth.
 With --case one is run alone, as its line names it: the operation, and behind it the number.
 
-Exit code 1 if anything was wrong in silence, or didn't end.
+Exit code 1 if anything was wrong in silence, didn't end, or never met its fault.
 """
 
 import argparse
@@ -34,7 +34,6 @@ OPERATIONS = [
     Operation("tool-log", 3, 13),
     Operation("tool-firmware", 3, 7),
 ]
-VERDICTS = ["right", "counted", "leftOut", "wrong", "stuck"]
 PROMISES = {
     "checksum": "an altered answer whose checksum is right",
     "answer": "a sound answer of another step instead of its own",
@@ -92,7 +91,7 @@ class Campaign:
 
     def take(self, case):
         self.cases.append(case)
-        if case.verdict == "stuck" or (case.verdict == "wrong" and case.promise == "kept"):
+        if case.verdict in ("stuck", "unmet") or (case.verdict == "wrong" and case.promise == "kept"):
             print(f"{case.operation} {case.number}: {case.verdict}: {case.name}: {case.what}", flush=True)
         if self.options.verbose:
             print("\t".join(str(field) for field in case), flush=True)
@@ -101,11 +100,11 @@ class Campaign:
     def row(title, cases):
         count = collections.Counter(case.verdict for case in cases)
         print(f"{title:57} {len(cases):6} {count['right']:6} {count['counted']:8} {count['leftOut']:9}"
-              f" {count['wrong']:15} {count['stuck']:6}")
+              f" {count['wrong']:15} {count['stuck']:6} {count['unmet']:6}")
 
     def tell(self):
         kept = [case for case in self.cases if case.promise == "kept"]
-        print(f"{'':57} {'cases':>6} {'right':>6} {'counted':>8} {'left out':>9} {'silently wrong':>15} {'stuck':>6}")
+        print(f"{'':57} {'cases':>6} {'right':>6} {'counted':>8} {'left out':>9} {'silently wrong':>15} {'stuck':>6} {'unmet':>6}")
         for operation in OPERATIONS:
             cases = [case for case in kept if case.operation == operation.name]
             if cases:
@@ -116,8 +115,8 @@ class Campaign:
             self.row(title, [case for case in self.cases if case.promise == promise])
         for complaint in self.complaints:
             print(complaint)
-        bad = sum(case.verdict in ("wrong", "stuck") for case in kept)
-        bad += sum(case.verdict == "stuck" for case in self.cases if case.promise != "kept")
+        bad = sum(case.verdict in ("stuck", "unmet") or (case.verdict == "wrong" and case.promise == "kept")
+                  for case in self.cases)
         return 1 if bad or self.complaints or not self.cases else 0
 
 
