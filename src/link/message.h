@@ -52,9 +52,11 @@ public:
     {
         fields.rawAnswer = rawAnswer;
     }
+    /// What comes from a port has room for 32 kB, and answers are kept by the thousand: none takes more than it needs.
     void appendRawAnswer(const QByteArray& bytes)
     {
         fields.rawAnswer.append(bytes);
+        fields.rawAnswer.squeeze();
     }
 
     /// Type of a bootloader's request, 0 for a device's.

@@ -47,6 +47,7 @@ private slots:
     void startsWithItsDefaults();
     void keepsEveryField();
     void appendsReceivedBytes();
+    void keepsNoMoreRoomThanAnAnswerNeeds();
     void isEmptyWithoutARequest();
     void isValidOnlyWithAGoodParse();
     void retryClearsTheAnswerAndTakesAnAttempt();
@@ -129,6 +130,16 @@ void tst_message::appendsReceivedBytes()
     mess.appendRawAnswer({});
     mess.appendRawAnswer("c");
     QCOMPARE(mess.rawAnswer(), QByteArray("abc"));
+}
+
+void tst_message::keepsNoMoreRoomThanAnAnswerNeeds()
+{
+    QByteArray asRead("ab");
+    asRead.reserve(32768);
+    message mess;
+    mess.appendRawAnswer(asRead);
+    QCOMPARE(mess.rawAnswer(), QByteArray("ab"));
+    QVERIFY2(mess.rawAnswer().capacity() < 64, qPrintable(QString::number(mess.rawAnswer().capacity())));
 }
 
 void tst_message::isEmptyWithoutARequest()
