@@ -82,7 +82,8 @@ class Campaign:
                     continue
                 if self.options.short or self.options.every:
                     nth = self.options.every or operation.nth
-                    parts = [(self.options.seed % nth, nth)]
+                    first = self.options.seed % nth
+                    parts = [(first, 2 * nth), (first + nth, 2 * nth)]
                 else:
                     parts = [(part, operation.parts) for part in range(operation.parts)]
                 jobs += [pool.submit(self.run_part, operation.name, *part) for part in parts]
