@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
@@ -20,6 +21,7 @@
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -101,7 +103,9 @@ private:
 
 void wait(int time)
 {
-    eventually([] { return false; }, time);
+    QEventLoop loop; // not a poll, whose own ticks would count as the program's
+    QTimer::singleShot(time, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 /// Percent of a processor that the whole process takes while nobody does anything.
@@ -141,6 +145,12 @@ public:
     int stepsDone() const
     {
         return done;
+    }
+
+    /// The simulated unit keeps what it was asked, without end.
+    void forgetRequests()
+    {
+        over.unit.clearRequests();
     }
 
 private:
@@ -328,6 +338,7 @@ bool soakFor(int minutes, quint32 seed)
             wait(500);
         }
         idle.push_back(idleShare());
+        soak.forgetRequests();
         seen.push_back(Resources::now());
         print(minute, soak.stepsDone(), seen.back(), idle.back());
     }
