@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QString>
 
+#include <algorithm>
 #include <limits>
 
 #include <fcntl.h>
@@ -33,16 +34,37 @@ void setRate(int line, int baudRate)
     tcsetattr(line, TCSANOW, &settings);
 }
 
-bool exchange(int line, const UnitRequest& request)
+/// Without the escapes, which one answer has more of than another with the same fields: the coordinator's own changes
+/// with its clock.
+qint64 plainSize(const char* bytes, qint64 size)
 {
+    constexpr auto escape = char(0xC0);
+    return size - std::count(bytes, bytes + size, escape);
+}
+
+bool ask(int line, const UnitRequest& request)
+{
+    constexpr int patience = 120; // ms, the program's
     bool good = write(line, request.frame.constData(), size_t(request.frame.size())) > 0;
-    for (qint64 left = request.answer.size(); good && left > 0;) {
+    for (qint64 left = plainSize(request.answer.constData(), request.answer.size()); good && left > 0;) {
         pollfd wait = {line, POLLIN, 0};
         char buffer[512];
-        good = poll(&wait, 1, 1000) == 1;
+        good = poll(&wait, 1, patience) == 1;
         const auto got = good ? read(line, buffer, sizeof buffer) : -1;
         good = got > 0;
-        left -= got;
+        left -= good ? plainSize(buffer, got) : 0;
+    }
+    return good;
+}
+
+/// As often as the program does: of a machine that was away for a while the unit keeps a log block back.
+bool exchange(int line, const UnitRequest& request)
+{
+    constexpr int attempts = 4;
+    bool good = false;
+    for (int attempt = 0; attempt < attempts && !good; ++attempt) {
+        tcflush(line, TCIFLUSH);
+        good = ask(line, request);
     }
     return good;
 }
