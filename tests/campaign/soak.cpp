@@ -335,6 +335,8 @@ bool soakFor(int minutes, quint32 seed)
                 std::printf("stuck: %s, step %d\n", stuck.constData(), soak.stepsDone());
                 return false;
             }
+            // A program's event loop does it after each event of a user; here steps are no events of one.
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             wait(500);
         }
         idle.push_back(idleShare());
