@@ -105,7 +105,8 @@ class Campaign:
 
     def tell(self):
         kept = [case for case in self.cases if case.promise == "kept"]
-        print(f"{'':57} {'cases':>6} {'right':>6} {'counted':>8} {'left out':>9} {'silently wrong':>15} {'stuck':>6} {'unmet':>6}")
+        print(f"{'':57} {'cases':>6} {'right':>6} {'counted':>8} {'left out':>9} {'silently wrong':>15} {'stuck':>6}"
+              f" {'unmet':>6}")
         for operation in OPERATIONS:
             cases = [case for case in kept if case.operation == operation.name]
             if cases:
