@@ -5,8 +5,10 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QPalette>
+#include <QVector>
 #include <QWidget>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -96,6 +98,24 @@ QColor fadedText(const QPalette& colors)
         }
     }
     return text;
+}
+
+QPalette knownPalette(const QPalette& palette)
+{
+    // Those of all rows of all lists, in a window in use and in one that isn't.
+    constexpr int enough = 64;
+    static QVector<QPalette> known;
+    const auto equal = std::find(known.cbegin(), known.cend(), palette);
+    if (equal != known.cend()) {
+        QPalette same = *equal;
+        same.setCurrentColorGroup(palette.currentColorGroup()); // which equality leaves out
+        return same;
+    }
+    if (known.size() == enough) {
+        known.removeFirst();
+    }
+    known.append(palette);
+    return palette;
 }
 
 void applyStyleSheet(QWidget* widget, const QString& styleSheet)

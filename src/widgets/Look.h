@@ -36,6 +36,10 @@ QString richText(const QString& text);
 /// window's own text where that has less.
 QColor fadedText(const QPalette& colors);
 
+/// An equal palette from the last ones asked for, or this one from now on. Styles find the pictures that they keep of a
+/// control by the palette's identity, not by its colours.
+QPalette knownPalette(const QPalette& palette);
+
 /// Sets a style sheet unless the widget has it already: setting one makes Qt polish the widget and its children anew.
 void applyStyleSheet(QWidget* widget, const QString& styleSheet);
 

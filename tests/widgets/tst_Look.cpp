@@ -16,6 +16,8 @@ private slots:
     void coloursHaveFourParts();
     void combosWearTheirRowAndAreRedWithout();
     void equalStyleSheetsAreNotSetAgain();
+    void equalPalettesAreOneAndKeepTheirGroup();
+    void manyPalettesAreKnownForAWhile();
     void richTextShowsWhatWasTyped_data();
     void richTextShowsWhatWasTyped();
     void longWordsMayBeBroken();
@@ -61,6 +63,37 @@ void tst_Look::equalStyleSheetsAreNotSetAgain()
     QVERIFY(once > 0);
     look::applyStyleSheet(&label, sheet);
     QCOMPARE(label.changes, once);
+}
+
+void tst_Look::equalPalettesAreOneAndKeepTheirGroup()
+{
+    const auto make = [](QPalette::ColorGroup group) {
+        QPalette made(QColor(1, 2, 3), QColor(4, 5, 6));
+        made.setColor(QPalette::Disabled, QPalette::ButtonText, Qt::gray);
+        made.setCurrentColorGroup(group);
+        return made;
+    };
+    const QPalette first = look::knownPalette(make(QPalette::Active));
+    const QPalette second = look::knownPalette(make(QPalette::Disabled));
+    QVERIFY(make(QPalette::Active).cacheKey() != make(QPalette::Active).cacheKey());
+    QCOMPARE(second.cacheKey(), first.cacheKey());
+    QCOMPARE(second.color(QPalette::ButtonText), QColor(Qt::gray));
+    QVERIFY(first.color(QPalette::ButtonText) != QColor(Qt::gray));
+    QPalette other = make(QPalette::Active);
+    other.setColor(QPalette::Button, Qt::red);
+    QVERIFY(look::knownPalette(other).cacheKey() != first.cacheKey());
+}
+
+void tst_Look::manyPalettesAreKnownForAWhile()
+{
+    const auto key = [](int shade) { return look::knownPalette(QPalette(QColor(shade, 50, 50))).cacheKey(); };
+    const qint64 oldest = key(0);
+    QCOMPARE(key(0), oldest);
+    for (int shade = 1; shade < 200; ++shade) {
+        const qint64 newest = key(shade);
+        QCOMPARE(key(shade), newest);
+    }
+    QVERIFY(key(0) != oldest);
 }
 
 void tst_Look::richTextShowsWhatWasTyped_data()

@@ -1,7 +1,14 @@
 #include "ui/scripts/PlainPartsStyle.h"
 
+#include "widgets/Look.h"
+
 #include <QApplication>
+#include <QStyleFactory>
 #include <QStyleOption>
+
+PlainPartsStyle::PlainPartsStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion")))
+{
+}
 
 void PlainPartsStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                          const QWidget* widget) const
@@ -14,6 +21,7 @@ void PlainPartsStyle::drawComplexControl(ComplexControl control, const QStyleOpt
     QStyleOptionSpinBox plain(*spinBox);
     plain.palette = QApplication::palette(widget);
     plain.palette.setBrush(QPalette::Base, spinBox->palette.base()); // the field itself keeps the sheet's colour
+    plain.palette = look::knownPalette(plain.palette);
     QProxyStyle::drawComplexControl(control, &plain, painter, widget);
 }
 

@@ -12,7 +12,8 @@ class PlainPartsStyle : public QProxyStyle
     Q_OBJECT
 
 public:
-    using QProxyStyle::QProxyStyle;
+    /// Draws what the Fusion style draws, whichever style the desktop has: that of the whole program.
+    PlainPartsStyle();
 
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget = nullptr) const override;

@@ -1,7 +1,9 @@
 #include "ui/scripts/ScriptSection.h"
 
 #include "texts/texts.h"
+#include "widgets/ColoredComboStyle.h"
 #include "widgets/Look.h"
+#include "widgets/SheetAlone.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -44,6 +46,7 @@ void ScriptSection::shade(QWidget* frame, const QCheckBox* box)
 
 void ScriptSection::setUpList(QComboBox* combo)
 {
+    combo->setStyle(ColoredComboStyle::shared());
     combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     combo->setMaxVisibleItems(20);
     combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -86,8 +89,7 @@ void ScriptSection::choose(QComboBox* combo, const ParamItemPtr& row)
 
 void ScriptSection::paint(QComboBox* combo)
 {
-    look::applyStyleSheet(combo,
-                          QStringLiteral("QComboBox{%1}").arg(look::comboProperties(combo, combo->currentIndex())));
+    sheetAlone::apply(combo, QStringLiteral("QComboBox{%1}").arg(look::comboProperties(combo, combo->currentIndex())));
     combo->setToolTip(QString());
 }
 

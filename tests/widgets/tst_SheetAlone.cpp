@@ -1,0 +1,146 @@
+#include "widgets/Look.h"
+#include "widgets/SheetAlone.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QImage>
+#include <QStyleFactory>
+#include <QtTest>
+
+#include <memory>
+
+namespace
+{
+
+QString sheet(const QColor& color)
+{
+    return QStringLiteral("QComboBox{combobox-popup: 0; background-color: %1;}").arg(look::rgba(color));
+}
+
+/// Counts how often what it watches is told that its style has changed.
+class StyleChanges : public QObject
+{
+public:
+    explicit StyleChanges(QObject* watched)
+    {
+        watched->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::StyleChange ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
+} // namespace
+
+class tst_SheetAlone : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void aWidgetLooksAsInASheetSetByQt();
+    void theWidgetAloneIsStyledAnew();
+    void aSheetThatIsThereIsNotSetAgain();
+    void theFirstSheetAndNoneAreSetAsEver();
+    void whatIsBelowCanBeStyledAfterwards();
+
+private:
+    static QImage picture(QWidget* widget)
+    {
+        return widget->grab().toImage();
+    }
+
+    std::unique_ptr<QComboBox> makeCombo() const;
+
+    std::unique_ptr<QComboBox> combo;
+};
+
+void tst_SheetAlone::initTestCase()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+}
+
+std::unique_ptr<QComboBox> tst_SheetAlone::makeCombo() const
+{
+    auto made = std::make_unique<QComboBox>();
+    made->addItems({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")});
+    made->setFixedSize(120, 24);
+    return made;
+}
+
+void tst_SheetAlone::init()
+{
+    combo = makeCombo();
+    sheetAlone::apply(combo.get(), sheet(Qt::yellow));
+    combo->show();
+    QVERIFY(QTest::qWaitForWindowExposed(combo.get()));
+}
+
+void tst_SheetAlone::aWidgetLooksAsInASheetSetByQt()
+{
+    for (const QColor& color : {QColor(Qt::green), QColor(Qt::red), QColor(200, 0, 0, 90), QColor(Qt::yellow)}) {
+        sheetAlone::apply(combo.get(), sheet(color));
+        const std::unique_ptr<QComboBox> other = makeCombo();
+        other->setStyleSheet(sheet(color));
+        other->show();
+        QVERIFY(QTest::qWaitForWindowExposed(other.get()));
+        combo->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(combo.get()));
+        const QImage alone = picture(combo.get());
+        other->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(other.get()));
+        QCOMPARE(alone, picture(other.get()));
+        QCOMPARE(combo->styleSheet(), other->styleSheet());
+        QCOMPARE(combo->sizeHint(), other->sizeHint());
+        QCOMPARE(combo->view()->palette(), other->view()->palette());
+    }
+}
+
+void tst_SheetAlone::theWidgetAloneIsStyledAnew()
+{
+    const StyleChanges own(combo.get());
+    const StyleChanges below(combo->view());
+    sheetAlone::apply(combo.get(), sheet(Qt::green));
+    QCOMPARE(own.count, 1);
+    QCOMPARE(below.count, 0);
+}
+
+void tst_SheetAlone::aSheetThatIsThereIsNotSetAgain()
+{
+    const StyleChanges own(combo.get());
+    sheetAlone::apply(combo.get(), sheet(Qt::yellow));
+    QCOMPARE(own.count, 0);
+}
+
+void tst_SheetAlone::theFirstSheetAndNoneAreSetAsEver()
+{
+    const QImage yellow = picture(combo.get());
+    sheetAlone::apply(combo.get(), QString());
+    const QImage bare = picture(combo.get());
+    QVERIFY(bare != yellow);
+    sheetAlone::apply(combo.get(), sheet(Qt::yellow));
+    QCOMPARE(picture(combo.get()), yellow);
+    combo->setStyleSheet(QString());
+    QCOMPARE(picture(combo.get()), bare);
+}
+
+void tst_SheetAlone::whatIsBelowCanBeStyledAfterwards()
+{
+    sheetAlone::apply(combo.get(), sheet(Qt::green));
+    const StyleChanges below(combo->view());
+    combo->view()->setStyleSheet(QStringLiteral("background-color: blue"));
+    QVERIFY(below.count > 0);
+    combo->showPopup();
+    const QImage rows = picture(combo->view()->viewport());
+    QCOMPARE(rows.pixelColor(rows.width() - 2, rows.height() - 2), QColor(Qt::blue)); // the first row is selected
+}
+
+QTEST_MAIN(tst_SheetAlone)
+#include "tst_SheetAlone.moc"
