@@ -15,7 +15,7 @@ public:
     /// Draws what the Fusion style draws.
     ColoredComboStyle();
 
-    /// The one for all combo boxes of the application, whose it is. The style is set before the first sheet.
+    /// The one for all combo boxes of the application, which owns it. The style is set before the first sheet.
     static ColoredComboStyle* shared();
 
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QPalette>
 #include <QVector>
 #include <QWidget>
@@ -102,9 +103,13 @@ QColor fadedText(const QPalette& colors)
 
 QPalette knownPalette(const QPalette& palette)
 {
-    // Those of all rows of all lists, in a window in use and in one that isn't.
-    constexpr int enough = 64;
+    constexpr int enough = 64; // those of all rows of all lists, enabled and disabled
     static QVector<QPalette> known;
+    static qreal ratio = 0;
+    if (ratio != qApp->devicePixelRatio()) { // the pictures kept are too coarse or too fine now
+        ratio = qApp->devicePixelRatio();
+        known.clear();
+    }
     const auto equal = std::find(known.cbegin(), known.cend(), palette);
     if (equal != known.cend()) {
         QPalette same = *equal;

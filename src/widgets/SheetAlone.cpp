@@ -66,7 +66,8 @@ void apply(QWidget* widget, const QString& sheet)
     if (widget->styleSheet() == sheet) {
         return;
     }
-    if (widget->styleSheet().isEmpty() || sheet.isEmpty()) {
+    // What hasn't been shown is styled when it is.
+    if (widget->styleSheet().isEmpty() || sheet.isEmpty() || !widget->testAttribute(Qt::WA_WState_Polished)) {
         widget->setStyleSheet(sheet);
         return;
     }

@@ -1,3 +1,4 @@
+#include "widgets/ColoredComboStyle.h"
 #include "widgets/Look.h"
 #include "widgets/SheetAlone.h"
 
@@ -8,6 +9,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <utility>
 
 namespace
 {
@@ -45,10 +47,12 @@ private slots:
     void initTestCase();
     void init();
 
+    void aWidgetLooksAsInASheetSetByQt_data();
     void aWidgetLooksAsInASheetSetByQt();
     void theWidgetAloneIsStyledAnew();
     void aSheetThatIsThereIsNotSetAgain();
     void theFirstSheetAndNoneAreSetAsEver();
+    void whatWasNeverShownIsNotStyled();
     void whatIsBelowCanBeStyledAfterwards();
 
 private:
@@ -83,8 +87,31 @@ void tst_SheetAlone::init()
     QVERIFY(QTest::qWaitForWindowExposed(combo.get()));
 }
 
+void tst_SheetAlone::aWidgetLooksAsInASheetSetByQt_data()
+{
+    QTest::addColumn<bool>("keepsPictures");
+    QTest::addColumn<bool>("enabled");
+    QTest::newRow("enabled") << false << true;
+    QTest::newRow("disabled") << false << false;
+    QTest::newRow("whose pictures are kept") << true << true;
+    QTest::newRow("whose pictures are kept, disabled") << true << false;
+}
+
 void tst_SheetAlone::aWidgetLooksAsInASheetSetByQt()
 {
+    QFETCH(const bool, keepsPictures);
+    QFETCH(const bool, enabled);
+    const auto look = [enabled](QComboBox* box) {
+        box->setEnabled(enabled);
+        const QImage closed = picture(box);
+        box->showPopup();
+        const QImage rows = picture(box->view()->viewport());
+        box->hidePopup();
+        return std::make_pair(closed, rows);
+    };
+    if (keepsPictures) {
+        combo->setStyle(ColoredComboStyle::shared());
+    }
     for (const QColor& color : {QColor(Qt::green), QColor(Qt::red), QColor(200, 0, 0, 90), QColor(Qt::yellow)}) {
         sheetAlone::apply(combo.get(), sheet(color));
         const std::unique_ptr<QComboBox> other = makeCombo();
@@ -93,20 +120,21 @@ void tst_SheetAlone::aWidgetLooksAsInASheetSetByQt()
         QVERIFY(QTest::qWaitForWindowExposed(other.get()));
         combo->activateWindow();
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(combo.get()));
-        const QImage alone = picture(combo.get());
+        const auto alone = look(combo.get());
         other->activateWindow();
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(other.get()));
-        QCOMPARE(alone, picture(other.get()));
+        const auto byQt = look(other.get());
+        QCOMPARE(alone.first, byQt.first);
+        QCOMPARE(alone.second, byQt.second);
         QCOMPARE(combo->styleSheet(), other->styleSheet());
         QCOMPARE(combo->sizeHint(), other->sizeHint());
-        QCOMPARE(combo->view()->palette(), other->view()->palette());
     }
 }
 
 void tst_SheetAlone::theWidgetAloneIsStyledAnew()
 {
-    const StyleChanges own(combo.get());
-    const StyleChanges below(combo->view());
+    StyleChanges own(combo.get());
+    StyleChanges below(combo->view());
     sheetAlone::apply(combo.get(), sheet(Qt::green));
     QCOMPARE(own.count, 1);
     QCOMPARE(below.count, 0);
@@ -114,7 +142,7 @@ void tst_SheetAlone::theWidgetAloneIsStyledAnew()
 
 void tst_SheetAlone::aSheetThatIsThereIsNotSetAgain()
 {
-    const StyleChanges own(combo.get());
+    StyleChanges own(combo.get());
     sheetAlone::apply(combo.get(), sheet(Qt::yellow));
     QCOMPARE(own.count, 0);
 }
@@ -131,10 +159,21 @@ void tst_SheetAlone::theFirstSheetAndNoneAreSetAsEver()
     QCOMPARE(picture(combo.get()), bare);
 }
 
+void tst_SheetAlone::whatWasNeverShownIsNotStyled()
+{
+    const std::unique_ptr<QComboBox> hidden = makeCombo();
+    sheetAlone::apply(hidden.get(), sheet(Qt::yellow));
+    StyleChanges own(hidden.get());
+    sheetAlone::apply(hidden.get(), sheet(Qt::green));
+    QCOMPARE(own.count, 0);
+    QCOMPARE(hidden->styleSheet(), sheet(Qt::green));
+    QVERIFY(!hidden->testAttribute(Qt::WA_WState_Polished));
+}
+
 void tst_SheetAlone::whatIsBelowCanBeStyledAfterwards()
 {
     sheetAlone::apply(combo.get(), sheet(Qt::green));
-    const StyleChanges below(combo->view());
+    StyleChanges below(combo->view());
     combo->view()->setStyleSheet(QStringLiteral("background-color: blue"));
     QVERIFY(below.count > 0);
     combo->showPopup();

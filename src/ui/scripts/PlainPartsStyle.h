@@ -12,7 +12,7 @@ class PlainPartsStyle : public QProxyStyle
     Q_OBJECT
 
 public:
-    /// Draws what the Fusion style draws, whichever style the desktop has: that of the whole program.
+    /// Draws with Fusion, the style of the whole program, whichever style the desktop has.
     PlainPartsStyle();
 
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,

@@ -128,7 +128,7 @@ void ScriptLists::rebuildActive()
 
 ScriptLists::ScriptEntry ScriptLists::makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text)
 {
-    auto* label = new ScriptLabel(list->viewport()); // where it stays, or it would be styled twice
+    auto* label = new ScriptLabel(list->viewport()); // given later, its parent would style it again
     label->setContentsMargins(rowPadding, rowPadding, rowPadding, rowPadding);
     label->installEventFilter(this);
     auto* item = new QListWidgetItem;

@@ -96,8 +96,7 @@ void Setting_Script_Widget::setUpFields()
         if (combo != nullptr) {
             // The style took them for menus before their sheets made them lists, and menus have no scroll bar.
             combo->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-            // Each new colour of a combo lays its list out again, and measures all rows unless they are told to be
-            // alike.
+            // Where a combo is styled with its list, all rows are measured unless they are told to be alike.
             qobject_cast<QListView*>(combo->view())->setUniformItemSizes(true);
         }
         field->installEventFilter(this);

@@ -1,5 +1,6 @@
 #include "ui/scripts/ShownEditor.h"
 
+#include <QAbstractItemView>
 #include <QLineEdit>
 
 /// Name, mode, delay and duration of a script, as the editor shows and edits them.
@@ -17,6 +18,7 @@ private slots:
     void modeDelayAndDurationAreStored();
     void missingRowsShowRedAndStay();
     void numberTakesTheColourOfTheList();
+    void aListIsNotStyledWithTheColourOfItsComboBox();
 
 private:
     std::unique_ptr<ShownEditor> shown;
@@ -132,6 +134,32 @@ void tst_GeneralSection::numberTakesTheColourOfTheList()
     shown->edit();
     shown->editor->setStateColor(QStringLiteral("rgba(0, 255, 17, 150)"));
     QVERIFY(shown->widget("labelNumScript")->styleSheet().contains(QLatin1String("rgba(0, 255, 17, 150)")));
+}
+
+void tst_GeneralSection::aListIsNotStyledWithTheColourOfItsComboBox()
+{
+    struct StyleChanges : public QObject
+    {
+        int count = 0;
+
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            count += event->type() == QEvent::StyleChange ? 1 : 0;
+            return false;
+        }
+    };
+    shown->edit(1);
+    auto* const combo = shown->find<QComboBox>(QStringLiteral("comboModeWorkRelay"));
+    combo->setCurrentIndex(0);
+    const QString before = combo->styleSheet();
+    StyleChanges ofComboBox;
+    StyleChanges ofList;
+    combo->installEventFilter(&ofComboBox);
+    combo->view()->installEventFilter(&ofList);
+    combo->setCurrentIndex(1);
+    QVERIFY(combo->styleSheet() != before);
+    QCOMPARE(ofComboBox.count, 1);
+    QCOMPARE(ofList.count, 0);
 }
 
 QTEST_MAIN(tst_GeneralSection)

@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QImage>
+#include <QPixmapCache>
 #include <QSpinBox>
 #include <QStyleFactory>
+#include <QStyleOptionComplex>
 #include <QTest>
 
 class tst_PlainPartsStyle : public QObject
@@ -23,6 +25,7 @@ private slots:
     void buttonsOfATransparentSpinBoxLookAsEverywhere();
     void fieldOfASpinBoxKeepsTheColourOfItsSheet();
     void indicatorOfATransparentCheckBoxHasAFrame();
+    void pictureOfASpinBoxIsDrawnOnce();
 
 private:
     /// A picture of a control on the grey of a window, in the sheet and style given.
@@ -73,6 +76,39 @@ void tst_PlainPartsStyle::indicatorOfATransparentCheckBoxHasAFrame()
     for (int x = 0; x < 16; ++x) {
         QCOMPARE(pixel(mended, x, 12), pixel(bare, x, 12));
     }
+}
+
+/// The style below asks where the buttons are for a picture that it doesn't find.
+void tst_PlainPartsStyle::pictureOfASpinBoxIsDrawnOnce()
+{
+    class CountingStyle : public PlainPartsStyle
+    {
+    public:
+        QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                             const QWidget* widget) const override
+        {
+            asked += part == SC_SpinBoxUp ? 1 : 0;
+            return PlainPartsStyle::subControlRect(control, option, part, widget);
+        }
+
+        mutable int asked = 0;
+    };
+    QPixmapCache::clear();
+    CountingStyle style;
+    QSpinBox box;
+    box.setStyle(&style);
+    box.setStyleSheet(QStringLiteral("background-color: rgb(10,200,30)"));
+    box.resize(60, 24);
+    box.ensurePolished();
+    const auto askedForAPicture = [&] {
+        const int before = style.asked;
+        box.grab();
+        return style.asked - before;
+    };
+    askedForAPicture(); // and for the layout
+    QPixmapCache::clear();
+    const int drawing = askedForAPicture();
+    QVERIFY(askedForAPicture() < drawing);
 }
 
 QTEST_MAIN(tst_PlainPartsStyle)
