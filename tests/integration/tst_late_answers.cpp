@@ -283,7 +283,8 @@ void tst_late_answers::aSilentUnitCostsOneWait()
     for (int i = 1; i < sent.size(); ++i) {
         waits += sent.at(i - 1).msecsTo(sent.at(i)) > longStillness ? 1 : 0;
     }
-    QCOMPARE(waits, 1);
+    // One, and what a machine that stands still for seconds adds. One at each step would be a hundred.
+    QVERIFY2(waits >= 1 && waits < 10, qPrintable(QString::number(waits)));
 }
 
 HUBN_THREADED_TEST_MAIN(tst_late_answers)
