@@ -1,3 +1,4 @@
+#include "support/StyleChanges.h"
 #include "widgets/Look.h"
 
 #include <QComboBox>
@@ -44,25 +45,16 @@ void tst_Look::combosWearTheirRowAndAreRedWithout()
 
 void tst_Look::equalStyleSheetsAreNotSetAgain()
 {
-    struct Label : public QLabel
-    {
-        int changes = 0;
-
-        void changeEvent(QEvent* event) override
-        {
-            changes += event->type() == QEvent::StyleChange ? 1 : 0;
-            QLabel::changeEvent(event);
-        }
-    };
     const QString sheet = QStringLiteral("QLabel{color: red}");
-    Label label;
+    QLabel label;
     label.ensurePolished();
+    StyleChanges changes(&label);
     look::applyStyleSheet(&label, sheet);
     QCOMPARE(label.styleSheet(), sheet);
-    const int once = label.changes;
+    const int once = changes.count;
     QVERIFY(once > 0);
     look::applyStyleSheet(&label, sheet);
-    QCOMPARE(label.changes, once);
+    QCOMPARE(changes.count, once);
 }
 
 void tst_Look::equalPalettesAreOneAndKeepTheirGroup()

@@ -1,3 +1,4 @@
+#include "support/StyleChanges.h"
 #include "widgets/ColoredComboStyle.h"
 #include "widgets/Look.h"
 #include "widgets/SheetAlone.h"
@@ -18,24 +19,6 @@ QString sheet(const QColor& color)
 {
     return QStringLiteral("QComboBox{combobox-popup: 0; background-color: %1;}").arg(look::rgba(color));
 }
-
-/// Counts how often what it watches is told that its style has changed.
-class StyleChanges : public QObject
-{
-public:
-    explicit StyleChanges(QObject* watched)
-    {
-        watched->installEventFilter(this);
-    }
-
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        count += event->type() == QEvent::StyleChange ? 1 : 0;
-        return false;
-    }
-
-    int count = 0;
-};
 
 } // namespace
 

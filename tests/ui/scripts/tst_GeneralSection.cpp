@@ -1,3 +1,4 @@
+#include "support/StyleChanges.h"
 #include "ui/scripts/ShownEditor.h"
 
 #include <QAbstractItemView>
@@ -138,24 +139,12 @@ void tst_GeneralSection::numberTakesTheColourOfTheList()
 
 void tst_GeneralSection::aListIsNotStyledWithTheColourOfItsComboBox()
 {
-    struct StyleChanges : public QObject
-    {
-        int count = 0;
-
-        bool eventFilter(QObject*, QEvent* event) override
-        {
-            count += event->type() == QEvent::StyleChange ? 1 : 0;
-            return false;
-        }
-    };
     shown->edit(1);
     auto* const combo = shown->find<QComboBox>(QStringLiteral("comboModeWorkRelay"));
     combo->setCurrentIndex(0);
     const QString before = combo->styleSheet();
-    StyleChanges ofComboBox;
-    StyleChanges ofList;
-    combo->installEventFilter(&ofComboBox);
-    combo->view()->installEventFilter(&ofList);
+    StyleChanges ofComboBox(combo);
+    StyleChanges ofList(combo->view());
     combo->setCurrentIndex(1);
     QVERIFY(combo->styleSheet() != before);
     QCOMPARE(ofComboBox.count, 1);
