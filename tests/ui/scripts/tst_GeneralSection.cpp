@@ -3,6 +3,8 @@
 
 #include <QAbstractItemView>
 #include <QLineEdit>
+#include <QProxyStyle>
+#include <QStyleFactory>
 
 /// Name, mode, delay and duration of a script, as the editor shows and edits them.
 class tst_GeneralSection : public QObject
@@ -20,6 +22,7 @@ private slots:
     void missingRowsShowRedAndStay();
     void numberTakesTheColourOfTheList();
     void aListIsNotStyledWithTheColourOfItsComboBox();
+    void listsAreDrawnByTheStyleThatKeepsTheirPictures();
 
 private:
     std::unique_ptr<ShownEditor> shown;
@@ -149,6 +152,38 @@ void tst_GeneralSection::aListIsNotStyledWithTheColourOfItsComboBox()
     QVERIFY(combo->styleSheet() != before);
     QCOMPARE(ofComboBox.count, 1);
     QCOMPARE(ofList.count, 0);
+}
+
+void tst_GeneralSection::listsAreDrawnByTheStyleThatKeepsTheirPictures()
+{
+    /// The application's style, which draws all other combo boxes.
+    class CountingStyle : public QProxyStyle
+    {
+    public:
+        using QProxyStyle::QProxyStyle;
+
+        void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                const QWidget* widget) const override
+        {
+            drawn += control == CC_ComboBox ? 1 : 0;
+            QProxyStyle::drawComplexControl(control, option, painter, widget);
+        }
+
+        mutable int drawn = 0;
+    };
+    auto* const style = new CountingStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(style);
+    QComboBox other;
+    other.grab();
+    const int drawnForOne = style->drawn;
+    shown->edit(1);
+    for (const char* name : {"comboModeWorkRelay", "comboDelay", "comboDuration"}) {
+        shown->widget(name)->grab();
+    }
+    const int drawnForAll = style->drawn;
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QCOMPARE(drawnForOne, 1);
+    QCOMPARE(drawnForAll, drawnForOne);
 }
 
 QTEST_MAIN(tst_GeneralSection)
