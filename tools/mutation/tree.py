@@ -23,7 +23,7 @@ class Tree:
         changed = set()
         listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=self.original,
                                 check=True, capture_output=True, text=True).stdout
-        wanted = {name for name in listed.split("\0") if name and (self.original / name).exists()}
+        wanted = {name for name in listed.split("\0") if name and (self.original / name).is_file()}
         for name in wanted:
             source, target = self.original / name, self.copy / name
             if not target.exists() or source.read_bytes() != target.read_bytes():
