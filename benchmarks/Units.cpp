@@ -76,8 +76,8 @@ QSharedPointer<RelayInfo> fullModel(int outputsOfTerminal)
     }
     for (const ScriptInfoPtr& script : scripts) {
         script->name = QStringLiteral("Script of the hall");
-        script->stateChannel = model->stateChannelAt(random.bounded(model->stateChannels().size()));
-        script->mode = model->modeAt(random.bounded(model->modes().size()));
+        script->stateChannel = model->stateChannels().value(random.bounded(model->stateChannels().size()));
+        script->mode = model->modes().value(random.bounded(model->modes().size()));
         script->stateTerminal = model->terminalStates();
         for (QList<bool>* const flags : {&script->addressFilter, &script->activateFilter, &script->daysOfWeek}) {
             for (bool& flag : *flags) {

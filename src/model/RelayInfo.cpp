@@ -69,41 +69,6 @@ TerminalTypes RelayInfo::terminalTypes() const
     return types;
 }
 
-ParamItemPtr RelayInfo::stateChannelAt(int index) const
-{
-    return tables.stateChannels.value(index);
-}
-
-ParamItemPtr RelayInfo::terminalStateAt(int index) const
-{
-    return tables.terminalStates.value(index);
-}
-
-ParamItemPtr RelayInfo::outputStateAt(int index) const
-{
-    return tables.outputStates.value(index);
-}
-
-ParamItemPtr RelayInfo::durationAt(int index) const
-{
-    return tables.durations.value(index);
-}
-
-ParamItemPtr RelayInfo::delayAt(int index) const
-{
-    return tables.delays.value(index);
-}
-
-ParamItemPtr RelayInfo::modeAt(int index) const
-{
-    return tables.modes.value(index);
-}
-
-TerminalTypePtr RelayInfo::terminalTypeAt(int index) const
-{
-    return types.value(index);
-}
-
 QList<ScriptInfoPtr> RelayInfo::scripts() const
 {
     return scriptList;

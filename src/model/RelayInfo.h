@@ -49,15 +49,6 @@ public:
     ParamItems delays() const;
     TerminalTypes terminalTypes() const; ///< a blank row, then the catalogue sorted by label
 
-    /// The row of a table at a position; null if the index is negative or past the end.
-    ParamItemPtr stateChannelAt(int index) const;
-    ParamItemPtr terminalStateAt(int index) const;
-    ParamItemPtr outputStateAt(int index) const;
-    ParamItemPtr durationAt(int index) const;
-    ParamItemPtr delayAt(int index) const;
-    ParamItemPtr modeAt(int index) const;
-    TerminalTypePtr terminalTypeAt(int index) const;
-
     QList<ScriptInfoPtr> scripts() const;                   ///< always 32
     QList<GroupRelayPtr> groups() const;                    ///< head unit first
     QList<ConnectedTerminalPtr> connectedTerminals() const; ///< last list from the head unit

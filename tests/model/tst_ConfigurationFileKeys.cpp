@@ -361,20 +361,20 @@ void tst_ConfigurationFileKeys::stateValueThatDisagreesBecomesAPrivateRow()
     QCOMPARE(load("Script[3].StateChannelNumber=2\r\nScript[3].StateChannelValue=3\r\n"), 0);
     QCOMPARE(model->errorCount(), 0);
     QCOMPARE(model->findScript(3)->stateChannel->name, s("<Other>"));
-    QCOMPARE(int(model->stateChannelAt(2)->code), 1); // the row of the table is as it was
+    QCOMPARE(int(model->stateChannels().value(2)->code), 1); // the row of the table is as it was
 }
 
 void tst_ConfigurationFileKeys::typeFilterNumbersGoIntoTheScriptsOwnRecord()
 {
     RandomModel::addTerminalTypes(*model);
-    model->findScript(3)->terminalFilter = model->terminalTypeAt(3);
+    model->findScript(3)->terminalFilter = model->terminalTypes().value(3);
     QCOMPARE(load("Script[3].Filter.Class=2\r\nScript[3].Filter.Version=1\r\n"
                   "Script[3].Filter.Type=65\r\nScript[3].Filter.Characteristic=32\r\n"),
              0);
     const TerminalTypePtr filter = model->findScript(3)->terminalFilter;
     QCOMPARE(filter->label, s("<other type>"));
     QVERIFY(!model->terminalTypes().contains(filter));
-    QVERIFY(sameModel(*filter, *model->terminalTypeAt(3)));
+    QVERIFY(sameModel(*filter, *model->terminalTypes().value(3)));
 }
 
 void tst_ConfigurationFileKeys::activatedScriptsGoByResetNumbers()

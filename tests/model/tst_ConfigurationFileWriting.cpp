@@ -119,7 +119,7 @@ void tst_ConfigurationFileWriting::terminalIsWrittenAsInItsExample()
     model->addOutput(group, s("Output"));
     RelayInformation& output = *group->outputs.at(1);
     output.returnStartState = true;
-    output.startState = model->outputStateAt(1);
+    output.startState = model->outputStates().value(1);
     output.activatedScripts = {model->findScript(0), model->findScript(3)};
     QCOMPARE(save(*model), "[Comment]\r\nHall, floor 2\r\n\r\n[Configuration]\r\nNumberOfDevices=2\r\n" +
                                defaultHeadUnit() +
@@ -151,11 +151,11 @@ void tst_ConfigurationFileWriting::writtenLines_data()
     row("name", "Script[2].Name=A=B", [](RelayInfo&, ScriptInfo& script) { script.name = s("A=B"); });
     row("number", "Script[2].Number=77", [](RelayInfo&, ScriptInfo& script) { script.number = 77; });
     row("plain state", "Script[2].StateChannelNumber=2|Script[2].StateChannelValue=1",
-        [](RelayInfo& info, ScriptInfo& script) { script.stateChannel = info.stateChannelAt(2); });
+        [](RelayInfo& info, ScriptInfo& script) { script.stateChannel = info.stateChannels().value(2); });
     row("linked state", "Script[2].StateChannelNumber=18|Script[2].StateChannelValue=129",
-        [](RelayInfo& info, ScriptInfo& script) { script.stateChannel = info.stateChannelAt(18); });
+        [](RelayInfo& info, ScriptInfo& script) { script.stateChannel = info.stateChannels().value(18); });
     row("data corrupted, the second", "Script[2].StateChannelNumber=14|Script[2].StateChannelValue=9",
-        [](RelayInfo& info, ScriptInfo& script) { script.stateChannel = info.stateChannelAt(14); });
+        [](RelayInfo& info, ScriptInfo& script) { script.stateChannel = info.stateChannels().value(14); });
     row("private state", "Script[2].StateChannelNumber=OTHER|Script[2].StateChannelValue=85",
         [](RelayInfo&, ScriptInfo& script) { script.stateChannel = scriptRules::makeOtherState(0x55); });
     row("no state", "Script[2].StateChannelNumber=OTHER",
@@ -166,12 +166,13 @@ void tst_ConfigurationFileWriting::writtenLines_data()
     row("no channels", "Script[2].NumberChannels=NONE",
         [](RelayInfo&, ScriptInfo& script) { script.numberChannels.clear(); });
     row("terminal states", "Script[2].StateTerminal=66", [](RelayInfo& info, ScriptInfo& script) {
-        script.stateTerminal = {info.terminalStateAt(0), info.terminalStateAt(5)};
+        script.stateTerminal = {info.terminalStates().value(0), info.terminalStates().value(5)};
     });
-    row("mode", "Script[2].Mode=7", [](RelayInfo& info, ScriptInfo& script) { script.mode = info.modeAt(4); });
-    row("delay", "Script[2].Delay=7", [](RelayInfo& info, ScriptInfo& script) { script.delay = info.delayAt(7); });
+    row("mode", "Script[2].Mode=7", [](RelayInfo& info, ScriptInfo& script) { script.mode = info.modes().value(4); });
+    row("delay", "Script[2].Delay=7",
+        [](RelayInfo& info, ScriptInfo& script) { script.delay = info.delays().value(7); });
     row("duration", "Script[2].Duration=31",
-        [](RelayInfo& info, ScriptInfo& script) { script.duration = info.durationAt(31); });
+        [](RelayInfo& info, ScriptInfo& script) { script.duration = info.durations().value(31); });
     row("rows that are missing", "", [](RelayInfo&, ScriptInfo& script) {
         script.mode.reset();
         script.delay.reset();
@@ -207,7 +208,7 @@ void tst_ConfigurationFileWriting::writtenLines_data()
         "Script[2].Filter.Characteristic=32",
         [](RelayInfo& info, ScriptInfo& script) {
             RandomModel::addTerminalTypes(info);
-            script.terminalFilter = info.terminalTypeAt(3);
+            script.terminalFilter = info.terminalTypes().value(3);
         });
     row("addresses", "Script[2].Filter.Address=0; 31; ", [](RelayInfo&, ScriptInfo& script) {
         script.addressFilter[0] = true;
@@ -227,7 +228,7 @@ void tst_ConfigurationFileWriting::writtenLines_data()
             info.findOutput(0, 2)->returnStartState = true;
         });
     row("output on", "ExecutiveTerminal[0].Output[7].StartState=1",
-        [](RelayInfo& info, ScriptInfo&) { info.findOutput(0, 7)->startState = info.outputStateAt(1); });
+        [](RelayInfo& info, ScriptInfo&) { info.findOutput(0, 7)->startState = info.outputStates().value(1); });
 }
 
 void tst_ConfigurationFileWriting::writtenLines()

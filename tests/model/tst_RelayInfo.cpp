@@ -32,7 +32,7 @@ private slots:
     void blankRecordsHaveTheirDefaults();
     void startsWithTheHeadUnitAlone();
     void startsWithThirtyTwoScriptsInTheirDefaults();
-    void indexedAccessorsYieldNullOutsideTheTables();
+    void positionsOutsideTheTablesGiveNoRow();
     void resetOfTheHeadUnitAloneConnectsIt();
     void resetBringsBackTheConnectedExecutiveTerminals();
     void resetOfScriptsKeepsTheRecordsAndReplacesTheirFields();
@@ -108,7 +108,7 @@ void tst_RelayInfo::startsWithTheHeadUnitAlone()
     for (int i = 0; i < 8; ++i) {
         QCOMPARE(int(unit->outputs.at(i)->number), i);
         QCOMPARE(unit->outputs.at(i)->name, s("Internal relay"));
-        QCOMPARE(unit->outputs.at(i)->startState, model.outputStateAt(0));
+        QCOMPARE(unit->outputs.at(i)->startState, model.outputStates().value(0));
         QVERIFY(!unit->outputs.at(i)->returnStartState);
         QVERIFY(unit->outputs.at(i)->activatedScripts.isEmpty());
     }
@@ -126,10 +126,10 @@ void tst_RelayInfo::startsWithThirtyTwoScriptsInTheirDefaults()
         const ScriptInfoPtr script = model.scripts().at(i);
         QCOMPARE(int(script->number), i);
         QCOMPARE(script->name, s("Script"));
-        QCOMPARE(script->mode, model.modeAt(0));
-        QCOMPARE(script->delay, model.delayAt(0));
-        QCOMPARE(script->duration, model.durationAt(0));
-        QCOMPARE(script->stateChannel, model.stateChannelAt(0));
+        QCOMPARE(script->mode, model.modes().value(0));
+        QCOMPARE(script->delay, model.delays().value(0));
+        QCOMPARE(script->duration, model.durations().value(0));
+        QCOMPARE(script->stateChannel, model.stateChannels().value(0));
         QVERIFY(script->stateTerminal.isEmpty());
         QCOMPARE(script->activateFilter, (QList<bool>{false, false, false, false}));
         QCOMPARE(script->daysOfWeek, (QList<bool>{false, false, false, false, false, false, false}));
@@ -147,24 +147,24 @@ void tst_RelayInfo::startsWithThirtyTwoScriptsInTheirDefaults()
     QCOMPARE(filters.size(), 32); // each script has a filter of its own
 }
 
-void tst_RelayInfo::indexedAccessorsYieldNullOutsideTheTables()
+void tst_RelayInfo::positionsOutsideTheTablesGiveNoRow()
 {
     const RelayInfo model;
     for (const int index : {-1, -1000, 1000}) {
-        QVERIFY(!model.stateChannelAt(index));
-        QVERIFY(!model.terminalStateAt(index));
-        QVERIFY(!model.outputStateAt(index));
-        QVERIFY(!model.durationAt(index));
-        QVERIFY(!model.delayAt(index));
-        QVERIFY(!model.modeAt(index));
-        QVERIFY(!model.terminalTypeAt(index));
+        QVERIFY(!model.stateChannels().value(index));
+        QVERIFY(!model.terminalStates().value(index));
+        QVERIFY(!model.outputStates().value(index));
+        QVERIFY(!model.durations().value(index));
+        QVERIFY(!model.delays().value(index));
+        QVERIFY(!model.modes().value(index));
+        QVERIFY(!model.terminalTypes().value(index));
     }
-    QVERIFY(!model.outputStateAt(model.outputStates().size()));
-    QCOMPARE(model.stateChannelAt(24), model.stateChannels().constLast());
-    QCOMPARE(model.terminalStateAt(0), model.terminalStates().constFirst());
-    QCOMPARE(model.durationAt(31), model.durations().constLast());
-    QCOMPARE(model.delayAt(7), model.delays().constLast());
-    QCOMPARE(model.modeAt(4), model.modes().constLast());
+    QVERIFY(!model.outputStates().value(model.outputStates().size()));
+    QCOMPARE(model.stateChannels().value(24), model.stateChannels().constLast());
+    QCOMPARE(model.terminalStates().value(0), model.terminalStates().constFirst());
+    QCOMPARE(model.durations().value(31), model.durations().constLast());
+    QCOMPARE(model.delays().value(7), model.delays().constLast());
+    QCOMPARE(model.modes().value(4), model.modes().constLast());
 }
 
 void tst_RelayInfo::resetOfTheHeadUnitAloneConnectsIt()
@@ -193,7 +193,7 @@ void tst_RelayInfo::resetBringsBackTheConnectedExecutiveTerminals()
     QCOMPARE(group->outputs.size(), 2);
     QCOMPARE(int(group->outputs.at(1)->number), 1);
     QCOMPARE(group->outputs.at(0)->name, s("Output"));
-    QCOMPARE(group->outputs.at(0)->startState, model.outputStateAt(0));
+    QCOMPARE(group->outputs.at(0)->startState, model.outputStates().value(0));
 }
 
 void tst_RelayInfo::resetOfScriptsKeepsTheRecordsAndReplacesTheirFields()
@@ -203,10 +203,10 @@ void tst_RelayInfo::resetOfScriptsKeepsTheRecordsAndReplacesTheirFields()
     const TerminalTypePtr formerFilter = script->terminalFilter;
     script->number = 99;
     script->name = s("Fire");
-    script->mode = model.modeAt(1);
-    script->delay = model.delayAt(1);
-    script->duration = model.durationAt(1);
-    script->stateChannel = model.stateChannelAt(2);
+    script->mode = model.modes().value(1);
+    script->delay = model.delays().value(1);
+    script->duration = model.durations().value(1);
+    script->stateChannel = model.stateChannels().value(2);
     script->stateTerminal = model.terminalStates();
     script->activateFilter = {true, true, true, true};
     script->daysOfWeek[3] = true;
@@ -223,10 +223,10 @@ void tst_RelayInfo::resetOfScriptsKeepsTheRecordsAndReplacesTheirFields()
     QCOMPARE(model.scripts().at(7), script);
     QCOMPARE(int(script->number), 7);
     QCOMPARE(script->name, s("Script"));
-    QCOMPARE(script->mode, model.modeAt(0));
-    QCOMPARE(script->delay, model.delayAt(0));
-    QCOMPARE(script->duration, model.durationAt(0));
-    QCOMPARE(script->stateChannel, model.stateChannelAt(0));
+    QCOMPARE(script->mode, model.modes().value(0));
+    QCOMPARE(script->delay, model.delays().value(0));
+    QCOMPARE(script->duration, model.durations().value(0));
+    QCOMPARE(script->stateChannel, model.stateChannels().value(0));
     QVERIFY(script->stateTerminal.isEmpty());
     QCOMPARE(script->activateFilter, fresh.findScript(7)->activateFilter);
     QCOMPARE(script->daysOfWeek, fresh.findScript(7)->daysOfWeek);
@@ -314,7 +314,7 @@ void tst_RelayInfo::outputsTakeTheLowestFreeNumber()
     model.addOutput(group, s("D"));
     QCOMPARE(int(group->outputs.at(2)->number), 1);
     QCOMPARE(group->outputs.at(2)->name, s("D"));
-    QCOMPARE(group->outputs.at(2)->startState, model.outputStateAt(0));
+    QCOMPARE(group->outputs.at(2)->startState, model.outputStates().value(0));
 }
 
 void tst_RelayInfo::theNinthOutputIsNamelessAndWithoutNumber()
@@ -402,7 +402,7 @@ void tst_RelayInfo::terminalTypesAreLabelledAndSorted()
         labels.append(type->label);
     }
     QCOMPARE(labels, (QStringList{s("<other type>"), s("Button (31 30 10)"), s("Siren (2a 0b 0c)")}));
-    const TerminalTypePtr siren = model.terminalTypeAt(2);
+    const TerminalTypePtr siren = model.terminalTypes().value(2);
     QCOMPARE(siren->name, s("Siren"));
     QCOMPARE(int(siren->terminalClass), 2);
     QCOMPARE(int(siren->version), 10);
@@ -418,8 +418,8 @@ void tst_RelayInfo::theFirstTerminalTypeBeginsTheListAnew()
     model.addTerminalType(true, s("A"), 1, 1, 1, 1, {});
     model.addTerminalType(true, s("B"), 1, 1, 1, 2, {});
     QCOMPARE(model.terminalTypes().size(), 2);
-    QCOMPARE(model.terminalTypeAt(0)->background, QColor(187, 187, 187, 150));
-    QCOMPARE(model.terminalTypeAt(1)->name, s("B"));
+    QCOMPARE(model.terminalTypes().value(0)->background, QColor(187, 187, 187, 150));
+    QCOMPARE(model.terminalTypes().value(1)->name, s("B"));
 }
 
 void tst_RelayInfo::aCatalogueReplacesTheTypesOfTheOneBefore()
@@ -442,14 +442,14 @@ void tst_RelayInfo::terminalTypesMayHaveEqualNumbers()
     model.addTerminalType(true, s("B"), 1, 1, 1, 1, {});
     model.addTerminalType(false, s("A"), 1, 1, 1, 1, {});
     QCOMPARE(model.terminalTypes().size(), 3);
-    QVERIFY(sameModel(*model.terminalTypeAt(1), *model.terminalTypeAt(2)));
+    QVERIFY(sameModel(*model.terminalTypes().value(1), *model.terminalTypes().value(2)));
 }
 
 void tst_RelayInfo::aNameThatLooksLikeAPlaceMarkerStaysAsItIs()
 {
     RelayInfo model;
     model.addTerminalType(true, s("%1 %5"), 1, 1, 1, 1, {});
-    QCOMPARE(model.terminalTypeAt(0)->label, s("%1 %5 (11 01 01)")); // "%" sorts before "<"
+    QCOMPARE(model.terminalTypes().value(0)->label, s("%1 %5 (11 01 01)")); // "%" sorts before "<"
 }
 
 void tst_RelayInfo::commentIsKept()

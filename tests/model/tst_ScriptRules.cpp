@@ -95,7 +95,7 @@ void tst_ScriptRules::statesHaveTheirKind_data()
 void tst_ScriptRules::statesHaveTheirKind()
 {
     QFETCH(int, position);
-    QTEST(int(scriptRules::kindOf(model->stateChannelAt(position))), "kind");
+    QTEST(int(scriptRules::kindOf(model->stateChannels().value(position))), "kind");
 }
 
 void tst_ScriptRules::linkedStatesAloneBelongToAFamily()
@@ -123,12 +123,12 @@ void tst_ScriptRules::twoClassesReportAFamily()
 void tst_ScriptRules::statesOfACodeAreThoseOfTheClass()
 {
     const ParamItems rows = model->stateChannels();
-    QCOMPARE(scriptRules::findStateOfCode(rows, 4), model->stateChannelAt(9));
-    QCOMPARE(scriptRules::findStateOfClass(rows, 4, 4), model->stateChannelAt(9));
-    QCOMPARE(scriptRules::findStateOfClass(rows, 3, 4), model->stateChannelAt(21));
+    QCOMPARE(scriptRules::findStateOfCode(rows, 4), model->stateChannels().value(9));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 4, 4), model->stateChannels().value(9));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 3, 4), model->stateChannels().value(21));
     QVERIFY(!scriptRules::findStateOfClass(rows, 1, 4));
-    QCOMPARE(scriptRules::findStateOfClass(rows, 1, 1), model->stateChannelAt(2));
-    QCOMPARE(scriptRules::findStateOfClass(rows, 1, 255), model->stateChannelAt(0));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 1, 1), model->stateChannels().value(2));
+    QCOMPARE(scriptRules::findStateOfClass(rows, 1, 255), model->stateChannels().value(0));
     QVERIFY(!scriptRules::findStateOfClass(rows, 3, 255));
 }
 
@@ -140,14 +140,14 @@ void tst_ScriptRules::aMissingStateIsNotActive()
 
 void tst_ScriptRules::statesAreFoundByName()
 {
-    QCOMPARE(scriptRules::findState(model->stateChannels(), s("Alarm (fire)")), model->stateChannelAt(2));
-    QCOMPARE(scriptRules::findState(model->stateChannels(), s("State of PNB-NX")), model->stateChannelAt(17));
+    QCOMPARE(scriptRules::findState(model->stateChannels(), s("Alarm (fire)")), model->stateChannels().value(2));
+    QCOMPARE(scriptRules::findState(model->stateChannels(), s("State of PNB-NX")), model->stateChannels().value(17));
 }
 
 void tst_ScriptRules::everyButtonStateIsFoundByKeyAndPress()
 {
     for (int i = 17; i < 25; ++i) {
-        const ParamItemPtr row = model->stateChannelAt(i);
+        const ParamItemPtr row = model->stateChannels().value(i);
         const bool isLong = row->linked->code > 15;
         QCOMPARE(findLinkedState(model->stateChannels(), StateKind::Button, row->linked->name, isLong), row);
     }
@@ -156,13 +156,13 @@ void tst_ScriptRules::everyButtonStateIsFoundByKeyAndPress()
 void tst_ScriptRules::oneNameOfAnalogStatesStandsForThreeCodes()
 {
     const ParamItemPtr found = findLinkedState(model->stateChannels(), StateKind::Analog, s("Data corrupted"), false);
-    QCOMPARE(found, model->stateChannelAt(13)); // the first, code 8
+    QCOMPARE(found, model->stateChannels().value(13)); // the first, code 8
     QCOMPARE(int(found->effectiveCode()), 8);
 }
 
 void tst_ScriptRules::familiesWithoutKeysKnowTheShortPressOnly()
 {
-    const ParamItemPtr row = model->stateChannelAt(5); // the first analog one
+    const ParamItemPtr row = model->stateChannels().value(5); // the first analog one
     row->linked = ParamItemPtr::create(*row->linked);
     row->linked->code = 0x81; // a long press, were it a button's
     QCOMPARE(findLinkedState(model->stateChannels(), StateKind::Analog, row->linked->name, false), row);
@@ -185,26 +185,27 @@ void tst_ScriptRules::statesOfAFamilyAreThoseOfItsTable()
 
 void tst_ScriptRules::pressChangesTheRowOfTheSameKey()
 {
-    const ParamItemPtr shortPress = model->stateChannelAt(21); // button 3
+    const ParamItemPtr shortPress = model->stateChannels().value(21); // button 3
     const ParamItemPtr longPress = scriptRules::withPress(model->stateChannels(), shortPress, true);
-    QCOMPARE(longPress, model->stateChannelAt(22));
+    QCOMPARE(longPress, model->stateChannels().value(22));
     QCOMPARE(scriptRules::withPress(model->stateChannels(), longPress, true), longPress);
     QCOMPARE(scriptRules::withPress(model->stateChannels(), longPress, false), shortPress);
 }
 
 void tst_ScriptRules::pressOfAStateWithoutLinkChangesNothing()
 {
-    QCOMPARE(scriptRules::withPress(model->stateChannels(), model->stateChannelAt(2), true), model->stateChannelAt(2));
+    QCOMPARE(scriptRules::withPress(model->stateChannels(), model->stateChannels().value(2), true),
+             model->stateChannels().value(2));
     QVERIFY(!scriptRules::withPress(model->stateChannels(), {}, true));
-    const ParamItemPtr analog = model->stateChannelAt(6);
+    const ParamItemPtr analog = model->stateChannels().value(6);
     QCOMPARE(scriptRules::withPress(model->stateChannels(), analog, true), analog); // it has no long press
 }
 
 void tst_ScriptRules::onlyButtonsHaveALongPress()
 {
-    QVERIFY(scriptRules::isLongPress(model->stateChannelAt(18)));
-    QVERIFY(!scriptRules::isLongPress(model->stateChannelAt(17)));
-    QVERIFY(!scriptRules::isLongPress(model->stateChannelAt(0)));
+    QVERIFY(scriptRules::isLongPress(model->stateChannels().value(18)));
+    QVERIFY(!scriptRules::isLongPress(model->stateChannels().value(17)));
+    QVERIFY(!scriptRules::isLongPress(model->stateChannels().value(0)));
     QVERIFY(!scriptRules::isLongPress(scriptRules::makeOtherState(0x81)));
     QVERIFY(!scriptRules::isLongPress({}));
 }
@@ -223,7 +224,7 @@ void tst_ScriptRules::otherStatesArePrivateRows()
 
 void tst_ScriptRules::oneTerminalStateIsATrigger()
 {
-    scriptRules::setTerminalStates(*script, {model->terminalStateAt(3)});
+    scriptRules::setTerminalStates(*script, {model->terminalStates().value(3)});
     QVERIFY(!script->notActive);
     scriptRules::setTerminalStates(*script, {});
     QVERIFY(script->notActive);
@@ -232,10 +233,10 @@ void tst_ScriptRules::oneTerminalStateIsATrigger()
 void tst_ScriptRules::aChannelStateIsATrigger()
 {
     for (int i = 1; i < 25; ++i) {
-        scriptRules::setStateChannel(*script, model->stateChannelAt(i), TypeFilter::Keep);
+        scriptRules::setStateChannel(*script, model->stateChannels().value(i), TypeFilter::Keep);
         QVERIFY(!script->notActive);
     }
-    scriptRules::setStateChannel(*script, model->stateChannelAt(0), TypeFilter::Keep);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(0), TypeFilter::Keep);
     QVERIFY(script->notActive);
 }
 
@@ -252,8 +253,8 @@ void tst_ScriptRules::code255IsNoTrigger()
 
 void tst_ScriptRules::notActiveEmptiesTheChannels()
 {
-    scriptRules::setStateChannel(*script, model->stateChannelAt(2), TypeFilter::Keep);
-    scriptRules::setStateChannel(*script, model->stateChannelAt(0), TypeFilter::Keep);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(2), TypeFilter::Keep);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(0), TypeFilter::Keep);
     QVERIFY(script->numberChannels.isEmpty());
 }
 
@@ -261,7 +262,7 @@ void tst_ScriptRules::aStateBringsBackChannelOne()
 {
     for (const QList<bool>& none : {QList<bool>(), QList<bool>{false, false, false, false}}) {
         script->numberChannels = none;
-        scriptRules::setStateChannel(*script, model->stateChannelAt(2), TypeFilter::Keep);
+        scriptRules::setStateChannel(*script, model->stateChannels().value(2), TypeFilter::Keep);
         QCOMPARE(script->numberChannels, (QList<bool>{true, false, false, false}));
     }
 }
@@ -269,7 +270,7 @@ void tst_ScriptRules::aStateBringsBackChannelOne()
 void tst_ScriptRules::aStateKeepsTheChannelsThatAreSet()
 {
     script->numberChannels = {false, true, false, true};
-    scriptRules::setStateChannel(*script, model->stateChannelAt(2), TypeFilter::Keep);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(2), TypeFilter::Keep);
     QCOMPARE(script->numberChannels, (QList<bool>{false, true, false, true}));
 }
 
@@ -296,7 +297,7 @@ void tst_ScriptRules::aStateSwitchesOffAFilterThatCannotReportIt()
     QFETCH(int, terminalClass);
     script->activateFilter = {true, true, true, true};
     script->terminalFilter->terminalClass = quint8(terminalClass);
-    const ParamItemPtr state = position < 0 ? scriptRules::makeOtherState(7) : model->stateChannelAt(position);
+    const ParamItemPtr state = position < 0 ? scriptRules::makeOtherState(7) : model->stateChannels().value(position);
     scriptRules::setStateChannel(*script, state, TypeFilter::SwitchOffIfUnfit);
     QTEST(script->activateFilter.first(), "filterOn");
     QCOMPARE(script->activateFilter.mid(1), (QList<bool>{true, true, true}));
@@ -307,7 +308,7 @@ void tst_ScriptRules::notActiveLeavesTheFilterOn()
 {
     script->activateFilter[0] = true;
     script->terminalFilter->terminalClass = 3;
-    scriptRules::setStateChannel(*script, model->stateChannelAt(0), TypeFilter::SwitchOffIfUnfit);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(0), TypeFilter::SwitchOffIfUnfit);
     QVERIFY(script->activateFilter.first());
 }
 
@@ -315,7 +316,7 @@ void tst_ScriptRules::keepingLeavesTheFilterOn()
 {
     script->activateFilter[0] = true;
     script->terminalFilter->terminalClass = 1;
-    scriptRules::setStateChannel(*script, model->stateChannelAt(6), TypeFilter::Keep);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(6), TypeFilter::Keep);
     QVERIFY(script->activateFilter.first());
 }
 
@@ -323,7 +324,7 @@ void tst_ScriptRules::aFilterThatIsOffOrMissingIsNoHindrance()
 {
     script->terminalFilter.reset();
     script->activateFilter[0] = true;
-    scriptRules::setStateChannel(*script, model->stateChannelAt(6), TypeFilter::SwitchOffIfUnfit);
+    scriptRules::setStateChannel(*script, model->stateChannels().value(6), TypeFilter::SwitchOffIfUnfit);
     QVERIFY(script->activateFilter.first());
     QVERIFY(!scriptRules::adaptStateToFilter(*script, model->stateChannels()));
 }
@@ -348,11 +349,11 @@ void tst_ScriptRules::adaptingActsOnlyWithAFilter()
     QFETCH(bool, filterOn);
     QFETCH(int, terminalClass);
     QFETCH(int, position);
-    script->stateChannel = model->stateChannelAt(position);
+    script->stateChannel = model->stateChannels().value(position);
     script->activateFilter[0] = filterOn;
     script->terminalFilter->terminalClass = quint8(terminalClass);
     QVERIFY(!scriptRules::adaptStateToFilter(*script, model->stateChannels()));
-    QCOMPARE(script->stateChannel, model->stateChannelAt(position));
+    QCOMPARE(script->stateChannel, model->stateChannels().value(position));
     QCOMPARE(script->numberChannels, (QList<bool>{true, false, false, false}));
 }
 
@@ -388,7 +389,7 @@ void tst_ScriptRules::adaptingGivesTheStateOfTheClass()
     QFETCH(int, from);
     QFETCH(int, terminalClass);
     QFETCH(int, to);
-    script->stateChannel = from < 0 ? scriptRules::makeOtherState(quint8(code)) : model->stateChannelAt(from);
+    script->stateChannel = from < 0 ? scriptRules::makeOtherState(quint8(code)) : model->stateChannels().value(from);
     script->activateFilter[0] = true;
     script->terminalFilter->terminalClass = quint8(terminalClass);
     QVERIFY(scriptRules::adaptStateToFilter(*script, model->stateChannels()));
@@ -515,7 +516,7 @@ void tst_ScriptRules::withoutAFilterEveryTerminalPasses()
 void tst_ScriptRules::privateFilterKeepsTheNumbersAndLeavesTheCatalogue()
 {
     RandomModel::addTerminalTypes(*model);
-    const TerminalTypePtr row = model->terminalTypeAt(3);
+    const TerminalTypePtr row = model->terminalTypes().value(3);
     const TerminalType before = *row;
     script->terminalFilter = row;
     scriptRules::makeTypeFilterPrivate(*script);

@@ -187,7 +187,7 @@ void tst_recordsFilters::aSecondRecordOfAScriptLeavesTheCatalogueAlone()
     RelayInfo fresh;
     RandomModel::addTerminalTypes(fresh);
     for (int i = 0; i < fresh.terminalTypes().size(); ++i) {
-        QVERIFY(sameModel(*model->terminalTypeAt(i), *fresh.terminalTypeAt(i)));
+        QVERIFY(sameModel(*model->terminalTypes().value(i), *fresh.terminalTypes().value(i)));
     }
 }
 

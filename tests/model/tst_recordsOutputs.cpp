@@ -36,7 +36,7 @@ void tst_recordsOutputs::outputIsWrittenAsItsWorkedExample()
     model->addOutput(group, s("A"));
     model->addOutput(group, s("B"));
     RelayInformation& output = *group->outputs.at(1);
-    output.startState = model->outputStateAt(1);
+    output.startState = model->outputStates().value(1);
     output.returnStartState = true;
     output.activatedScripts = {model->findScript(3), model->findScript(7)};
     QCOMPARE(model->makeOutputRecords().constLast(), hex("05 01 03 03 07"));
@@ -47,7 +47,7 @@ void tst_recordsOutputs::outputIsReadAsItsWorkedExample()
     model->readOutputRecords({hex("05 01 03 03 07")});
     const RelayInformationPtr output = model->findOutput(5, 1);
     QVERIFY(output);
-    QCOMPARE(output->startState, model->outputStateAt(1));
+    QCOMPARE(output->startState, model->outputStates().value(1));
     QVERIFY(output->returnStartState);
     QCOMPARE(output->activatedScripts, (QList<ScriptInfoPtr>{model->findScript(3), model->findScript(7)}));
 }
@@ -88,7 +88,7 @@ void tst_recordsOutputs::outputNumbersHaveThreeBits()
     QCOMPARE(model->makeOutputRecords().at(8), hex("00 07 00")); // the nameless output's 255
 
     model->readOutputRecords({hex("00 fa 01")});
-    QCOMPARE(model->findOutput(0, 2)->startState, model->outputStateAt(1));
+    QCOMPARE(model->findOutput(0, 2)->startState, model->outputStates().value(1));
 }
 
 void tst_recordsOutputs::shortOutputRecordsArePassedOver()
@@ -115,7 +115,7 @@ void tst_recordsOutputs::outputsBelowTheWantedOneArePlaceholders()
              (QStringList{s("???"), s("???"), s("???"), s("???"), s("???"), s("???"), s("Output")}));
     for (int i = 0; i < 7; ++i) {
         QCOMPARE(int(group->outputs.at(i)->number), i);
-        QCOMPARE(group->outputs.at(i)->startState, model->outputStateAt(0));
+        QCOMPARE(group->outputs.at(i)->startState, model->outputStates().value(0));
     }
 }
 
@@ -123,7 +123,7 @@ void tst_recordsOutputs::placeholdersGetTheirNameFromTheirRecord()
 {
     model->readOutputRecords({hex("05 02 00"), hex("05 01 01")});
     QCOMPARE(outputNames(model->findGroup(5)), (QStringList{s("???"), s("Output"), s("Output")}));
-    QCOMPARE(model->findOutput(5, 1)->startState, model->outputStateAt(1));
+    QCOMPARE(model->findOutput(5, 1)->startState, model->outputStates().value(1));
 }
 
 void tst_recordsOutputs::missingOutputsOfAKnownGroupAreAdded()

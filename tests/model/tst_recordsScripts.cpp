@@ -35,10 +35,10 @@ private slots:
 void tst_recordsScripts::scriptIsWrittenAsItsWorkedExample()
 {
     ScriptInfo& script = *model->findScript(3);
-    script.mode = model->modeAt(1);
-    script.duration = model->durationAt(5);
-    script.delay = model->delayAt(2);
-    script.stateChannel = model->stateChannelAt(2);
+    script.mode = model->modes().value(1);
+    script.duration = model->durations().value(5);
+    script.delay = model->delays().value(2);
+    script.stateChannel = model->stateChannels().value(2);
     script.activateFilter = {false, true, true, false};
     script.daysOfWeek = {true, true, true, true, true, false, false};
     script.timeFilter = {30, 8, 45, 17};
@@ -75,7 +75,7 @@ void tst_recordsScripts::scriptOfZeros()
 {
     const ScriptInfoPtr script = readScript(*model, QByteArray(22, '\0'));
     QCOMPARE(script->mode->name, s("Deactivation"));
-    QCOMPARE(script->stateChannel, model->stateChannelAt(1)); // code 0, "Norm"
+    QCOMPARE(script->stateChannel, model->stateChannels().value(1)); // code 0, "Norm"
     QCOMPARE(script->numberChannels, (QList<bool>{true, false, false, false}));
     QCOMPARE(script->dateFilter, (QList<int>{1, 1, 1, 1}));
     QCOMPARE(int(script->terminalFilter->terminalClass), 0);
@@ -101,11 +101,11 @@ void tst_recordsScripts::readingScriptsResetsTheOthers()
 {
     const ScriptInfoPtr other = model->findScript(9);
     other->name = s("Fire");
-    other->stateChannel = model->stateChannelAt(2);
+    other->stateChannel = model->stateChannels().value(2);
     model->readScriptRecords({});
     QCOMPARE(other->name, s("Script"));
     QVERIFY(other->notActive);
-    QCOMPARE(other->stateChannel, model->stateChannelAt(0));
+    QCOMPARE(other->stateChannel, model->stateChannels().value(0));
 }
 
 void tst_recordsScripts::scriptNumberIsWrittenWithSixBitsAndReadWithFive()
@@ -113,15 +113,15 @@ void tst_recordsScripts::scriptNumberIsWrittenWithSixBitsAndReadWithFive()
     model->scripts().at(0)->number = 0xFF;
     QCOMPARE(writeScript(*model, 0).at(0), char(63));
     model->readScriptRecords({scriptRecord({{0, 0x20 | 7}, {3, 1}})});
-    QCOMPARE(model->findScript(7)->stateChannel, model->stateChannelAt(2));
+    QCOMPARE(model->findScript(7)->stateChannel, model->stateChannels().value(2));
 }
 
 void tst_recordsScripts::modeDelayAndDurationAreRowsOfTheirCodes()
 {
     for (int code = 0; code < 256; ++code) {
         const ScriptInfoPtr script = readScript(*model, scriptRecord({{2, code}}));
-        QCOMPARE(script->duration, model->durationAt(code >> 3));
-        QCOMPARE(script->delay, model->delayAt(code & 7));
+        QCOMPARE(script->duration, model->durations().value(code >> 3));
+        QCOMPARE(script->delay, model->delays().value(code & 7));
         QCOMPARE(quint8(writeScript(*model, 0).at(2)), quint8(code));
     }
     const ParamItems modes = model->modes();
@@ -134,7 +134,7 @@ void tst_recordsScripts::modeDelayAndDurationAreRowsOfTheirCodes()
 void tst_recordsScripts::unknownModeKeepsTheDefault()
 {
     for (const int code : {4, 5, 6}) {
-        QCOMPARE(readScript(*model, scriptRecord({{1, code}}))->mode, model->modeAt(0));
+        QCOMPARE(readScript(*model, scriptRecord({{1, code}}))->mode, model->modes().value(0));
     }
 }
 
@@ -230,7 +230,7 @@ void tst_recordsScripts::triggerFlagFollowsStateAndTerminalStates()
 void tst_recordsScripts::terminalStatesAreRowsOfTheirBits()
 {
     const ScriptInfoPtr script = readScript(*model, scriptRecord({{4, 0xC3}}));
-    QCOMPARE(script->stateTerminal, (ParamItems{model->terminalStateAt(0), model->terminalStateAt(5)}));
+    QCOMPARE(script->stateTerminal, (ParamItems{model->terminalStates().value(0), model->terminalStates().value(5)}));
     QCOMPARE(writeScript(*model, 0).at(4), char(0x42));
 }
 

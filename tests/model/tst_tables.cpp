@@ -204,7 +204,7 @@ void tst_tables::onlyChannelStatesAreLinked()
 void tst_tables::terminalTypesBeginWithTheBlankRow()
 {
     QCOMPARE(model.terminalTypes().size(), 1);
-    const TerminalTypePtr blank = model.terminalTypeAt(0);
+    const TerminalTypePtr blank = model.terminalTypes().value(0);
     QCOMPARE(blank->label, QStringLiteral("<other type>"));
     QCOMPARE(blank->background, QColor(187, 187, 187, 150));
     QCOMPARE(blank->name, QStringLiteral("F0 00 00"));
@@ -222,7 +222,7 @@ void tst_tables::someModeCodesHaveNoRow()
 void tst_tables::masksChooseRowsInTableOrder()
 {
     const ParamItems chosen = rowsOfMask(model.terminalStates(), 0x42);
-    QCOMPARE(chosen, (ParamItems{model.terminalStateAt(0), model.terminalStateAt(5)}));
+    QCOMPARE(chosen, (ParamItems{model.terminalStates().value(0), model.terminalStates().value(5)}));
     QVERIFY(rowsOfMask(model.terminalStates(), 0x81).isEmpty());
     QCOMPARE(maskOf(model.terminalStates()), 0x7E);
     QCOMPARE(maskOf({}), 0);
@@ -231,7 +231,7 @@ void tst_tables::masksChooseRowsInTableOrder()
 void tst_tables::tablesOfTwoModelsShareNoRow()
 {
     const RelayInfo other;
-    QVERIFY(other.modeAt(0) != model.modeAt(0));
+    QVERIFY(other.modes().value(0) != model.modes().value(0));
 }
 
 QTEST_GUILESS_MAIN(tst_tables)

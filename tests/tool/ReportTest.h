@@ -16,8 +16,8 @@ struct ReportedSite
         model.setCatalogue(catalogue);
         script->name = QStringLiteral("Horn");
         wait(texts::channelAlarm());
-        script->mode = model.modeAt(1);
-        script->duration = model.durationAt(19);
+        script->mode = model.modes().value(1);
+        script->duration = model.durations().value(19);
         siren->name = QStringLiteral("Siren");
         siren->activatedScripts = {script};
     }

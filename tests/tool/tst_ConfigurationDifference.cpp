@@ -74,7 +74,7 @@ const QVector<Change>& changes()
         [](R& r, M& m) { m.setComment(r.name()); },
         [](R& r, M& m) { m.groups().at(r.below(m.groups().size()))->name = r.name(); },
         [](R& r, M& m) { anyOutput(r, m)->name = r.name(); },
-        [](R& r, M& m) { anyOutput(r, m)->startState = m.outputStateAt(r.below(3)); },
+        [](R& r, M& m) { anyOutput(r, m)->startState = m.outputStates().value(r.below(3)); },
         [](R& r, M& m) { anyOutput(r, m)->returnStartState = r.flag(); },
         [](R& r, M& m) { anyOutput(r, m)->activatedScripts.append(m.findScript(quint8(r.below(32)))); },
         [](R& r, M& m) {
@@ -86,10 +86,10 @@ const QVector<Change>& changes()
         [](R& r, M& m) { m.addOutput(m.groups().at(r.below(m.groups().size())), r.name()); },
         [](R& r, M& m) { m.groups().at(r.below(m.groups().size()))->outputs.removeLast(); },
         [](R& r, M& m) { anyScript(r, m).name = r.name(); },
-        [](R& r, M& m) { anyScript(r, m).mode = m.modeAt(r.below(6)); },
-        [](R& r, M& m) { anyScript(r, m).delay = m.delayAt(r.below(9)); },
-        [](R& r, M& m) { anyScript(r, m).duration = m.durationAt(r.below(33)); },
-        [](R& r, M& m) { anyScript(r, m).stateChannel = m.stateChannelAt(r.below(26)); },
+        [](R& r, M& m) { anyScript(r, m).mode = m.modes().value(r.below(6)); },
+        [](R& r, M& m) { anyScript(r, m).delay = m.delays().value(r.below(9)); },
+        [](R& r, M& m) { anyScript(r, m).duration = m.durations().value(r.below(33)); },
+        [](R& r, M& m) { anyScript(r, m).stateChannel = m.stateChannels().value(r.below(26)); },
         [](R& r, M& m) { anyScript(r, m).stateChannel = scriptRules::makeOtherState(quint8(r.below(256))); },
         [](R& r, M& m) { anyScript(r, m).stateTerminal = rowsOfMask(m.terminalStates(), r.below(256)); },
         [](R& r, M& m) { anyScript(r, m).numberChannels[r.below(4)] = r.flag(); },
@@ -98,7 +98,7 @@ const QVector<Change>& changes()
         [](R& r, M& m) { anyScript(r, m).addressFilter[r.below(32)] = r.flag(); },
         [](R& r, M& m) { anyScript(r, m).timeFilter[r.below(4)] = r.below(60); },
         [](R& r, M& m) { anyScript(r, m).dateFilter[r.below(4)] = r.below(32); },
-        [](R& r, M& m) { anyScript(r, m).terminalFilter = m.terminalTypeAt(r.below(7)); },
+        [](R& r, M& m) { anyScript(r, m).terminalFilter = m.terminalTypes().value(r.below(7)); },
         [](R& r, M& m) {
             ScriptInfo& script = anyScript(r, m);
             scriptRules::makeTypeFilterPrivate(script);
@@ -120,7 +120,7 @@ void fillPlain(RelayInfo& model)
     model.addOutput(group, s("Fan"));
     group->outputs.first()->activatedScripts = {model.findScript(3), model.findScript(0)};
     model.findScript(3)->name = s("Horn");
-    model.findScript(3)->duration = model.durationAt(19);
+    model.findScript(3)->duration = model.durations().value(19);
 }
 
 } // namespace
@@ -218,7 +218,7 @@ void tst_ConfigurationDifference::eachChangeIsToldInWords_data()
     row("terminal 5 'Haldeon-NX', output 2 'Fan': name 'Fan' -> 'Door'",
         [](R&, M& m) { m.findOutput(5, 1)->name = s("Door"); });
     row("head unit 'HUBN-NX-Q', output 8 'Internal relay': start state OFF -> ON",
-        [](R&, M& m) { m.findOutput(0, 7)->startState = m.outputStateAt(1); });
+        [](R&, M& m) { m.findOutput(0, 7)->startState = m.outputStates().value(1); });
     row("terminal 5 'Haldeon-NX', output 2 'Fan': return to the start state off -> on",
         [](R&, M& m) { m.findOutput(5, 1)->returnStartState = true; });
     row("terminal 5 'Haldeon-NX', output 1 'Horn': scripts 4, 1 -> 4, 1, 32",
@@ -228,12 +228,13 @@ void tst_ConfigurationDifference::eachChangeIsToldInWords_data()
     row("terminal 5 'Haldeon-NX', output 1 'Horn': scripts 4, 1 -> none",
         [](R&, M& m) { m.findOutput(5, 0)->activatedScripts.clear(); });
     row("script 4 'Horn': name 'Horn' -> 'Bell'", [](R&, M& m) { m.findScript(3)->name = s("Bell"); });
-    row("script 4 'Horn': mode Deactivation -> Activation", [](R&, M& m) { m.findScript(3)->mode = m.modeAt(1); });
-    row("script 4 'Horn': delay No delay -> 5 seconds", [](R&, M& m) { m.findScript(3)->delay = m.delayAt(1); });
+    row("script 4 'Horn': mode Deactivation -> Activation",
+        [](R&, M& m) { m.findScript(3)->mode = m.modes().value(1); });
+    row("script 4 'Horn': delay No delay -> 5 seconds", [](R&, M& m) { m.findScript(3)->delay = m.delays().value(1); });
     row("script 4 'Horn': duration 5 minutes -> 10 minutes",
-        [](R&, M& m) { m.findScript(3)->duration = m.durationAt(24); });
+        [](R&, M& m) { m.findScript(3)->duration = m.durations().value(24); });
     row("script 4 'Horn': state of a channel Not active -> Alarm (fire)",
-        [](R&, M& m) { m.findScript(3)->stateChannel = m.stateChannelAt(2); });
+        [](R&, M& m) { m.findScript(3)->stateChannel = m.stateChannels().value(2); });
     row("script 4 'Horn': state of a channel Not active -> State of PNB-NX: Button 1(Alarm), long press", [](R&, M& m) {
         m.findScript(3)->stateChannel = scriptRules::findStateOfClass(m.stateChannels(), InterfaceClass, 0x81);
     });
@@ -243,7 +244,7 @@ void tst_ConfigurationDifference::eachChangeIsToldInWords_data()
         m.findScript(3)->numberChannels = {true, false, true, true};
     });
     row("script 4 'Horn': states of a terminal Not active -> Tamper",
-        [](R&, M& m) { m.findScript(3)->stateTerminal = {m.terminalStateAt(0)}; });
+        [](R&, M& m) { m.findScript(3)->stateTerminal = {m.terminalStates().value(0)}; });
     row("script 4 'Horn': filter by type off -> on",
         [](R&, M& m) { m.findScript(3)->activateFilter[ScriptInfo::ByType] = true; });
     row("script 4 'Horn': filter by addresses off -> on",
@@ -294,7 +295,7 @@ void tst_ConfigurationDifference::oneThingChangedIsOneDifference()
     RelayInfo after;
     fillPlain(before);
     fillPlain(after);
-    after.findScript(3)->duration = after.durationAt(24);
+    after.findScript(3)->duration = after.durations().value(24);
     const auto differences = configurationDifferences(before, after, Names::Compared);
     QCOMPARE(differences.size(), 1);
     QCOMPARE(differences.at(0).where, s("script 4 'Horn'"));
@@ -307,7 +308,7 @@ void tst_ConfigurationDifference::statesOfOneCodeAreTheSame()
 {
     RelayInfo before;
     RelayInfo after;
-    before.findScript(0)->stateChannel = before.stateChannelAt(2);
+    before.findScript(0)->stateChannel = before.stateChannels().value(2);
     after.findScript(0)->stateChannel = scriptRules::makeOtherState(1);
     QCOMPARE(linesOf(before, after), QStringList());
 }
@@ -369,8 +370,8 @@ void tst_ConfigurationDifference::withoutNamesTheSideThatHasANameGivesIt()
     fillPlain(file);
     fillPlain(unit);
     unit.findScript(3)->name = texts::defaultScriptName();
-    unit.findScript(3)->mode = unit.modeAt(1);
-    unit.findScript(4)->mode = unit.modeAt(1);
+    unit.findScript(3)->mode = unit.modes().value(1);
+    unit.findScript(4)->mode = unit.modes().value(1);
     QCOMPARE(linesOf(file, unit, Names::Ignored), QStringList({s("script 4 'Horn': mode Deactivation -> Activation"),
                                                                s("script 5: mode Deactivation -> Activation")}));
     QCOMPARE(linesOf(unit, file, Names::Ignored).constFirst(), s("script 4 'Horn': mode Activation -> Deactivation"));

@@ -63,7 +63,7 @@ void tst_ScriptSentence::aTriggerIsNamedAsItsTerminalsReportIt_data()
     const auto statuses = [](int mask, bool alone) {
         return [mask, alone](ReportedSite& site) {
             if (alone) {
-                site.script->stateChannel = site.model.stateChannelAt(0);
+                site.script->stateChannel = site.model.stateChannels().value(0);
                 site.script->numberChannels.clear();
             }
             site.script->stateTerminal = rowsOfMask(site.model.terminalStates(), mask);
@@ -251,7 +251,7 @@ void tst_ScriptSentence::theActionNamesOutputsModeAndTimes_data()
         QTest::newRow(name) << edit << QString::fromUtf8(action);
     };
     const auto mode = [](int index) {
-        return [index](ReportedSite& site) { site.script->mode = site.model.modeAt(index); };
+        return [index](ReportedSite& site) { site.script->mode = site.model.modes().value(index); };
     };
     row("off", mode(0), "output 1 “Siren” of the head unit is switched off for 5 minutes.");
     row("slow pulse", mode(2), "output 1 “Siren” of the head unit pulses every 2 seconds for 5 minutes.");
@@ -259,10 +259,10 @@ void tst_ScriptSentence::theActionNamesOutputsModeAndTimes_data()
     row("disable", mode(4), "the activation of output 1 “Siren” of the head unit is disabled for 5 minutes.");
     row("unknown mode", mode(-1), "output 1 “Siren” of the head unit is driven in an unknown way for 5 minutes.");
     row(
-        "delay", [](ReportedSite& site) { site.script->delay = site.model.delayAt(2); },
+        "delay", [](ReportedSite& site) { site.script->delay = site.model.delays().value(2); },
         "output 1 “Siren” of the head unit is switched on after 10 seconds for 5 minutes.");
     row(
-        "no limit", [](ReportedSite& site) { site.script->duration = site.model.durationAt(0); },
+        "no limit", [](ReportedSite& site) { site.script->duration = site.model.durations().value(0); },
         "output 1 “Siren” of the head unit is switched on with no time limit.");
     row(
         "unknown times",
@@ -278,7 +278,7 @@ void tst_ScriptSentence::theActionNamesOutputsModeAndTimes_data()
         "return from what has no limit",
         [](ReportedSite& site) {
             site.siren->returnStartState = true;
-            site.script->duration = site.model.durationAt(0);
+            site.script->duration = site.model.durations().value(0);
         },
         "output 1 “Siren” of the head unit is switched on with no time limit; when the script ends, the output "
         "returns to off.");

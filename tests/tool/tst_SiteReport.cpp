@@ -165,7 +165,7 @@ void tst_SiteReport::outputsStandUnderTheirTerminals()
 {
     ReportedSite site;
     const RelayInformationPtr lamp = site.addOutput(7, QStringLiteral("Yard"), QStringLiteral("Lamp"));
-    lamp->startState = site.model.outputStateAt(1);
+    lamp->startState = site.model.outputStates().value(1);
     lamp->returnStartState = true;
     lamp->activatedScripts.append(site.model.findScript(1));
     site.model.addGroup(QStringLiteral("Without outputs"), 8);

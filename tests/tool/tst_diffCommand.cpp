@@ -41,11 +41,11 @@ void tst_diffCommand::initTestCase()
 {
     RelayInfo model;
     model.findScript(3)->name = s("Horn");
-    model.findScript(3)->duration = model.durationAt(19);
+    model.findScript(3)->duration = model.durations().value(19);
     QCOMPARE(model.saveToFile(path("a.cfg")), int(RelayInfo::FileOk));
     model.groups().constFirst()->expand = false;
     QCOMPARE(model.saveToFile(path("same.cfg")), int(RelayInfo::FileOk));
-    model.findScript(3)->duration = model.durationAt(24);
+    model.findScript(3)->duration = model.durations().value(24);
     model.setComment(s("Hall"));
     QCOMPARE(model.saveToFile(path("b.cfg")), int(RelayInfo::FileOk));
 }

@@ -155,7 +155,7 @@ void TypeFilterSection::paintList()
 void TypeFilterSection::typeChosen(int index)
 {
     paintList();
-    const TerminalTypePtr row = model.terminalTypeAt(index);
+    const TerminalTypePtr row = model.terminalTypes().value(index);
     if (!row) {
         return;
     }

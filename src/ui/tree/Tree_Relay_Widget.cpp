@@ -333,7 +333,7 @@ void Tree_Relay_Widget::sl_StartStateChanged(int index)
     }
     treeNodes::paintStartState(node->comboStartState, index);
     if (node->relay && index >= 0) {
-        node->relay->startState = m_info->outputStateAt(index);
+        node->relay->startState = m_info->outputStates().value(index);
     }
 }
 

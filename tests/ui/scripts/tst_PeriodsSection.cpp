@@ -158,7 +158,7 @@ void tst_PeriodsSection::shorterMonthStoresItsLastDay()
 void tst_PeriodsSection::timesOutOfRangeAreShownClampedAndKept()
 {
     shown->script()->timeFilter = {85, 24, 60, 45};
-    shown->script()->stateChannel = shown->model->stateChannelAt(2);
+    shown->script()->stateChannel = shown->model->stateChannels().value(2);
     shown->script()->activateFilter[2] = true;
     const QByteArray before = shown->record();
     shown->edit();

@@ -216,7 +216,7 @@ void tst_ScriptLists::rowsAreColouredByModeOrGrey()
     QFETCH(bool, notActive);
     QFETCH(QString, color);
     const ScriptInfoPtr script = info->findScript(3);
-    script->mode = info->modeAt(mode);
+    script->mode = info->modes().value(mode);
     script->notActive = notActive;
     lists->rebuildAll();
     activate({3});
@@ -456,7 +456,7 @@ void tst_ScriptLists::repaintingFollowsNameModeAndTrigger()
     activate({3});
     const ScriptInfoPtr script = info->findScript(3);
     script->name = QStringLiteral("Fan");
-    script->mode = info->modeAt(1);
+    script->mode = info->modes().value(1);
     script->notActive = false;
     lists->refreshStates({});
     for (QLabel* row : {label(all, 3), label(active, 0)}) {

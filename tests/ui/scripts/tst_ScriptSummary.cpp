@@ -135,9 +135,9 @@ void tst_ScriptSummary::missingRowsAreUnknown()
 
 void tst_ScriptSummary::coloursAreThoseOfTheRows()
 {
-    script->mode = info->modeAt(1);
-    script->delay = info->delayAt(1);
-    script->duration = info->durationAt(16);
+    script->mode = info->modes().value(1);
+    script->delay = info->delays().value(1);
+    script->duration = info->durations().value(16);
     const QString html = scriptSummary(script);
     QVERIFY(html.contains(colored(green, QStringLiteral("Activation"))));
     QVERIFY(html.contains(colored(plain, QStringLiteral("5 seconds"))));
@@ -166,7 +166,7 @@ void tst_ScriptSummary::channelStates()
     QFETCH(int, row);
     QFETCH(int, code);
     QFETCH(QString, line);
-    script->stateChannel = row == -2 ? scriptRules::makeOtherState(quint8(code)) : info->stateChannelAt(row);
+    script->stateChannel = row == -2 ? scriptRules::makeOtherState(quint8(code)) : info->stateChannels().value(row);
     QVERIFY2(channelPart().startsWith(line), qPrintable(channelPart()));
     QCOMPARE(channelPart().contains(QStringLiteral("Numbers of channel:")), row > 0 || row == -2);
 }
@@ -185,14 +185,14 @@ void tst_ScriptSummary::channelNumbers()
 {
     QFETCH(QList<bool>, channels);
     QFETCH(QString, numbers);
-    script->stateChannel = info->stateChannelAt(1);
+    script->stateChannel = info->stateChannels().value(1);
     script->numberChannels = channels;
     QVERIFY(channelPart().endsWith(centred(QStringLiteral("Numbers of channel: ") + numbers)));
 }
 
 void tst_ScriptSummary::terminalStatesAreNumbered()
 {
-    script->stateTerminal = {info->terminalStateAt(0), info->terminalStateAt(3)};
+    script->stateTerminal = {info->terminalStates().value(0), info->terminalStates().value(3)};
     QCOMPARE(part(QStringLiteral("<u>Activation by terminal's status:</u>"), QStringLiteral("<hr>")),
              colored(yellow, QStringLiteral("1) Tamper")) + colored(yellow, QStringLiteral("2) Disconnection")));
 }
@@ -233,7 +233,7 @@ void tst_ScriptSummary::typeOfTheCatalogueIsNamed()
 {
     info->addTerminalType(true, QStringLiteral("Haldeon-NX"), 2, 1, 0x41, 0x20, {});
     script->activateFilter[0] = true;
-    script->terminalFilter = info->terminalTypeAt(1);
+    script->terminalFilter = info->terminalTypes().value(1);
     QCOMPARE(linesOf(filterPart()), QStringList{QStringLiteral("Filter by type of terminal: Haldeon-NX")});
     QVERIFY(filterPart().contains(QStringLiteral("<u>Filter by type of terminal:</u> Haldeon-NX")));
     script->terminalFilter.clear();

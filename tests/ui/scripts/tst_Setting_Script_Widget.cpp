@@ -302,7 +302,7 @@ void tst_Setting_Script_Widget::wheelScrollsThePanelAndEditsNothing()
 void tst_Setting_Script_Widget::tabWalksFromTopToBottom()
 {
     shown->script()->activateFilter = {true, true, true, true};
-    shown->script()->stateChannel = shown->model->stateChannelAt(18);
+    shown->script()->stateChannel = shown->model->stateChannels().value(18);
     shown->edit();
     shown->open();
     QWidget* first = shown->widget("lineEditNameScript");

@@ -211,7 +211,7 @@ void tst_Setting_Script_WidgetShowing::stateIsNamedByTheClassOfTheFilter()
     QFETCH(const QString, type);
     QFETCH(const int, expectedRow);
     ShownEditor shown;
-    const ParamItemPtr state = shown.model->stateChannelAt(stateRow);
+    const ParamItemPtr state = shown.model->stateChannels().value(stateRow);
     const int typeRow = shown.combo("comboBoxSelectType")->findText(type);
     QVERIFY2(typeRow >= 0, qPrintable(type));
     for (const bool own : {false, true}) {
@@ -219,7 +219,7 @@ void tst_Setting_Script_WidgetShowing::stateIsNamedByTheClassOfTheFilter()
         script->stateChannel = state;
         script->numberChannels = QList<bool>({false, stateRow != 0, false, false});
         script->activateFilter[0] = true;
-        script->terminalFilter = shown.model->terminalTypeAt(typeRow);
+        script->terminalFilter = shown.model->terminalTypes().value(typeRow);
         if (own) {
             scriptRules::makeTypeFilterPrivate(*script);
         }
@@ -227,7 +227,7 @@ void tst_Setting_Script_WidgetShowing::stateIsNamedByTheClassOfTheFilter()
         shown.edit();
         QCOMPARE(shown.record(), before);
         QVERIFY(shown.button("checkBoxType")->isChecked());
-        const ParamItemPtr expected = shown.model->stateChannelAt(expectedRow);
+        const ParamItemPtr expected = shown.model->stateChannels().value(expectedRow);
         if (expected) {
             QCOMPARE(script->stateChannel, expected);
         } else {
@@ -248,7 +248,7 @@ void tst_Setting_Script_WidgetShowing::otherCodeOfNoStateBecomesNotActive()
         script->activateFilter[0] = true;
         script->terminalFilter->terminalClass = quint8(terminalClass);
         shown.edit();
-        QCOMPARE(script->stateChannel, shown.model->stateChannelAt(0));
+        QCOMPARE(script->stateChannel, shown.model->stateChannels().value(0));
         QVERIFY(script->numberChannels.isEmpty());
         QVERIFY(!shown.widget("F_NumChannel")->isEnabled());
     }

@@ -110,14 +110,14 @@ void tst_Setting_Script_WidgetSwitching::ownFilterOfClassThreeKeepsItsButtonStat
     const ScriptInfoPtr script = shown->script();
     script->activateFilter[0] = true;
     script->terminalFilter->terminalClass = 3;
-    script->stateChannel = shown->model->stateChannelAt(18); // the long press of button 1
+    script->stateChannel = shown->model->stateChannels().value(18); // the long press of button 1
     const QByteArray before = shown->record();
     shown->edit();
     QVERIFY(script->activateFilter.at(0));
     QVERIFY(shown->button("checkBoxType")->isChecked());
     QCOMPARE(shown->combo("comboStateChannel")->currentText(), texts::statePanicButton());
     QVERIFY(shown->button("radioLongPress")->isChecked());
-    QCOMPARE(script->stateChannel, shown->model->stateChannelAt(18));
+    QCOMPARE(script->stateChannel, shown->model->stateChannels().value(18));
     QCOMPARE(shown->record(), before);
 }
 
@@ -125,7 +125,7 @@ void tst_Setting_Script_WidgetSwitching::nullFilterShowsAnyTerminal()
 {
     shown->script()->terminalFilter.reset();
     shown->script()->activateFilter[0] = true;
-    shown->script()->stateChannel = shown->model->stateChannelAt(2);
+    shown->script()->stateChannel = shown->model->stateChannels().value(2);
     const QByteArray before = shown->record();
     shown->edit();
     QCOMPARE(shown->combo("comboBoxSelectType")->currentText(), texts::placeholderOtherType());
@@ -141,7 +141,7 @@ void tst_Setting_Script_WidgetSwitching::nullFilterShowsAnyTerminal()
 
 void tst_Setting_Script_WidgetSwitching::emptyChannelsOfAnActiveScriptGetTheFirst()
 {
-    shown->script()->stateChannel = shown->model->stateChannelAt(2);
+    shown->script()->stateChannel = shown->model->stateChannels().value(2);
     shown->script()->numberChannels.clear();
     shown->edit();
     QCOMPARE(shown->script()->numberChannels, QList<bool>({true, false, false, false}));
@@ -163,7 +163,7 @@ void tst_Setting_Script_WidgetSwitching::codeInTwoFamiliesKeepsItsFamily_data()
 void tst_Setting_Script_WidgetSwitching::codeInTwoFamiliesKeepsItsFamily()
 {
     QFETCH(const int, row);
-    const ParamItemPtr state = shown->model->stateChannelAt(row);
+    const ParamItemPtr state = shown->model->stateChannels().value(row);
     for (const bool filtered : {false, true}) {
         for (const int terminalClass : {0, 1, 3, 4, 15}) {
             if (filtered && row > 0 && !scriptRules::classFitsState(quint8(terminalClass), state)) {
@@ -192,7 +192,7 @@ void tst_Setting_Script_WidgetSwitching::dataCorruptedKeepsItsCode_data()
 void tst_Setting_Script_WidgetSwitching::dataCorruptedKeepsItsCode()
 {
     QFETCH(const int, code);
-    shown->script()->stateChannel = shown->model->stateChannelAt(5 + code);
+    shown->script()->stateChannel = shown->model->stateChannels().value(5 + code);
     shown->edit();
     QCOMPARE(shown->combo("comboBoxAnalog")->currentText(), texts::analogDataCorrupted());
     shown->edit(1);

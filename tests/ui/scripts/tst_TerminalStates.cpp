@@ -73,8 +73,8 @@ void tst_TerminalStates::clickOnBoxTextOrSpaceFlipsOnce()
         QCOMPARE(shown->script()->stateTerminal.size(), expected == Qt::Checked ? 1 : 0);
     }
     QCOMPARE(*changes, 3);
-    QCOMPARE(shown->script()->stateTerminal.first(), shown->model->terminalStateAt(row));
-    QCOMPARE(int(shown->record().at(4)), int(shown->model->terminalStateAt(row)->code));
+    QCOMPARE(shown->script()->stateTerminal.first(), shown->model->terminalStates().value(row));
+    QCOMPARE(int(shown->record().at(4)), int(shown->model->terminalStates().value(row)->code));
 }
 
 void tst_TerminalStates::everyOfManyFastClicksCounts_data()
@@ -120,8 +120,8 @@ void tst_TerminalStates::checkedStatesAreStoredInTableOrder()
     for (const int row : {4, 0, 2}) {
         list->item(row)->setCheckState(Qt::Checked);
     }
-    const ParamItems expected = {shown->model->terminalStateAt(0), shown->model->terminalStateAt(2),
-                                 shown->model->terminalStateAt(4)};
+    const ParamItems expected = {shown->model->terminalStates().value(0), shown->model->terminalStates().value(2),
+                                 shown->model->terminalStates().value(4)};
     QCOMPARE(shown->script()->stateTerminal, expected);
     list->item(0)->setCheckState(Qt::Unchecked);
     QCOMPARE(shown->script()->stateTerminal, expected.mid(1));

@@ -113,7 +113,7 @@ void tst_TriggerSection::notActiveEmptiesTheChannels()
 {
     shown->chooseState(texts::channelAlarm());
     shown->chooseState(texts::placeholderNotActive());
-    QCOMPARE(shown->script()->stateChannel, shown->model->stateChannelAt(0));
+    QCOMPARE(shown->script()->stateChannel, shown->model->stateChannels().value(0));
     QVERIFY(shown->script()->numberChannels.isEmpty());
     QCOMPARE(shown->spin("spinBoxOtherStateChannel")->value(), 255);
     QVERIFY(shown->script()->notActive);
@@ -131,7 +131,7 @@ void tst_TriggerSection::plainStateTakesItsRow_data()
 void tst_TriggerSection::plainStateTakesItsRow()
 {
     QFETCH(const int, row);
-    const ParamItemPtr state = shown->model->stateChannelAt(row);
+    const ParamItemPtr state = shown->model->stateChannels().value(row);
     shown->chooseState(texts::otherState());
     shown->chooseState(state->name);
     QCOMPARE(shown->script()->stateChannel, state);
@@ -288,10 +288,10 @@ void tst_TriggerSection::tableRowsAreNeverWritten()
     ShownEditor::type(shown->spin("spinBoxOtherStateChannel"), "2");
     shown->chooseState(texts::channelShort());
     shown->spin("spinBoxOtherStateChannel")->setValue(99);
-    QCOMPARE(int(shown->model->stateChannelAt(3)->code), 2);
+    QCOMPARE(int(shown->model->stateChannels().value(3)->code), 2);
     shown->chooseState(texts::stateAnalog());
     shown->spin("spinBoxOtherStateChannel")->setValue(99);
-    QCOMPARE(int(shown->model->stateChannelAt(5)->code), 255);
+    QCOMPARE(int(shown->model->stateChannels().value(5)->code), 255);
 }
 
 void tst_TriggerSection::unfitStateSwitchesTheTypeFilterOff_data()

@@ -99,7 +99,7 @@ void tst_TypeFilterSection::catalogueTypeFillsTheNumbersAndLocksThem()
     const QComboBox* list = shown->combo("comboBoxSelectType");
     for (int row = 1; row < list->count(); ++row) {
         shown->choose("comboBoxSelectType", list->itemText(row));
-        const TerminalTypePtr type = shown->model->terminalTypeAt(row);
+        const TerminalTypePtr type = shown->model->terminalTypes().value(row);
         QCOMPARE(shown->script()->terminalFilter, type);
         QVERIFY(!shown->widget("F_ManualType")->isEnabled());
         QCOMPARE(shown->spin("spinBoxClass")->value(), int(type->terminalClass));
@@ -426,7 +426,7 @@ void tst_TypeFilterSection::anyClassNeverChangesTheState_data()
 void tst_TypeFilterSection::anyClassNeverChangesTheState()
 {
     QFETCH(const int, row);
-    shown->script()->stateChannel = shown->model->stateChannelAt(row);
+    shown->script()->stateChannel = shown->model->stateChannels().value(row);
     shown->edit();
     const ParamItemPtr before = shown->script()->stateChannel;
     shown->filterByClass(15, true);
@@ -448,7 +448,7 @@ void tst_TypeFilterSection::notActiveIsNeverAdapted()
 {
     for (const int terminalClass : {3, 4, 1}) {
         shown->filterByClass(terminalClass, true);
-        QCOMPARE(shown->script()->stateChannel, shown->model->stateChannelAt(0));
+        QCOMPARE(shown->script()->stateChannel, shown->model->stateChannels().value(0));
     }
 }
 

@@ -117,7 +117,7 @@ void tst_Tree_Relay_Widget::nodeOfAnOutputHoldsItsWidgets()
 void tst_Tree_Relay_Widget::startStateAndReturnAreShown()
 {
     const auto outputs = info->groups().first()->outputs;
-    outputs.at(1)->startState = info->outputStateAt(1);
+    outputs.at(1)->startState = info->outputStates().value(1);
     outputs.at(1)->returnStartState = true;
     build();
     const QComboBox* off = combo(0, 0);
@@ -132,8 +132,8 @@ void tst_Tree_Relay_Widget::startStateAndReturnAreShown()
     QCOMPARE(on->styleSheet(), comboStyle(QStringLiteral("rgba(0, 255, 17, 150)")));
     QVERIFY(part<QCheckBox>(outputItem(0, 1), "checkReturn")->isChecked());
     // To show is not to edit.
-    QCOMPARE(outputs.at(0)->startState, info->outputStateAt(0));
-    QCOMPARE(outputs.at(1)->startState, info->outputStateAt(1));
+    QCOMPARE(outputs.at(0)->startState, info->outputStates().value(0));
+    QCOMPARE(outputs.at(1)->startState, info->outputStates().value(1));
 }
 
 void tst_Tree_Relay_Widget::startStateThatTheTableLacksIsRed()
@@ -287,13 +287,13 @@ void tst_Tree_Relay_Widget::chosenStartStateGoesIntoTheModel()
     box->setToolTip(QStringLiteral("old"));
     box->setFocus();
     QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(relay->startState, info->outputStateAt(1));
+    QCOMPARE(relay->startState, info->outputStates().value(1));
     QCOMPARE(box->styleSheet(), comboStyle(QStringLiteral("rgba(0, 255, 17, 150)")));
     QVERIFY(box->toolTip().isEmpty());
     box->setCurrentIndex(-1);
     QCOMPARE(box->styleSheet(), comboStyle(QStringLiteral("red")));
-    QCOMPARE(relay->startState, info->outputStateAt(1));
-    QCOMPARE(info->groups().first()->outputs.at(0)->startState, info->outputStateAt(0));
+    QCOMPARE(relay->startState, info->outputStates().value(1));
+    QCOMPARE(info->groups().first()->outputs.at(0)->startState, info->outputStates().value(0));
 }
 
 void tst_Tree_Relay_Widget::wheelIsLeftToTheTree()
@@ -325,7 +325,7 @@ void tst_Tree_Relay_Widget::slotsWithoutASenderDoNothing()
     build();
     tree->sl_StartStateChanged(1);
     tree->sl_ReturnStateClicked();
-    QCOMPARE(info->groups().first()->outputs.first()->startState, info->outputStateAt(0));
+    QCOMPARE(info->groups().first()->outputs.first()->startState, info->outputStates().value(0));
     QVERIFY(!info->groups().first()->outputs.first()->returnStartState);
 }
 
