@@ -36,28 +36,76 @@ public:
     };
 
     explicit RelayInfo(QObject* parent = nullptr);
-    ~RelayInfo() override;
 
     /// The tables, in table order.
-    ParamItems stateChannels() const;
-    ParamItems buttonStates() const;
-    ParamItems analogStates() const;
-    ParamItems terminalStates() const;
-    ParamItems outputStates() const;
-    ParamItems modes() const;
-    ParamItems durations() const;
-    ParamItems delays() const;
-    TerminalTypes terminalTypes() const; ///< a blank row, then the catalogue sorted by label
+    ParamItems stateChannels() const
+    {
+        return tables.stateChannels;
+    }
+    ParamItems buttonStates() const
+    {
+        return tables.buttonStates;
+    }
+    ParamItems analogStates() const
+    {
+        return tables.analogStates;
+    }
+    ParamItems terminalStates() const
+    {
+        return tables.terminalStates;
+    }
+    ParamItems outputStates() const
+    {
+        return tables.outputStates;
+    }
+    ParamItems modes() const
+    {
+        return tables.modes;
+    }
+    ParamItems durations() const
+    {
+        return tables.durations;
+    }
+    ParamItems delays() const
+    {
+        return tables.delays;
+    }
+    /// A blank row, then the catalogue sorted by label.
+    TerminalTypes terminalTypes() const
+    {
+        return types;
+    }
 
-    QList<ScriptInfoPtr> scripts() const;                   ///< always 32
-    QList<GroupRelayPtr> groups() const;                    ///< head unit first
-    QList<ConnectedTerminalPtr> connectedTerminals() const; ///< last list from the head unit
+    /// Always 32.
+    QList<ScriptInfoPtr> scripts() const
+    {
+        return scriptList;
+    }
+    /// Head unit first.
+    QList<GroupRelayPtr> groups() const
+    {
+        return groupList;
+    }
+    /// Last list from the head unit.
+    QList<ConnectedTerminalPtr> connectedTerminals() const
+    {
+        return connectedList;
+    }
 
-    QString comment() const;
-    void setComment(const QString& comment);
+    QString comment() const
+    {
+        return commentText;
+    }
+    void setComment(const QString& comment)
+    {
+        commentText = comment;
+    }
 
     /// Errors of the last loadFromFile().
-    int errorCount() const;
+    int errorCount() const
+    {
+        return fileErrors;
+    }
 
     ScriptInfoPtr findScript(quint8 number) const;                        ///< first with that number, else null
     GroupRelayPtr findGroup(quint16 address) const;                       ///< first with that address, else null
