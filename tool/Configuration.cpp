@@ -18,7 +18,7 @@ std::unique_ptr<Configuration> loadConfiguration(const QString& path, Console& c
 {
     auto configuration = std::make_unique<Configuration>();
     ConfigurationErrors faults;
-    if (const int result = configuration->model.loadFromFile(path, faults); result != RelayInfo::FileOk) {
+    if (const int result = configuration->model.loadFromFile(path, &faults); result != RelayInfo::FileOk) {
         console.error(whyUnread(path, result));
         return nullptr;
     }

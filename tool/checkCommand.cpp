@@ -76,7 +76,7 @@ ExitCode check(const QCommandLineParser& /*commandLine*/, const QStringList& arg
     const QString& path = arguments.at(0);
     RelayInfo model;
     ConfigurationErrors errors;
-    const int result = model.loadFromFile(path, errors);
+    const int result = model.loadFromFile(path, &errors);
     if (result != RelayInfo::FileOk) {
         console.error(whyUnread(path, result));
         return ExitCode::BadInput;

@@ -19,12 +19,13 @@ struct ConfigurationEntry
     int script = -1;
 };
 
-/// What the keys work on. The tables must outlive it.
+/// What a configuration file holds and its keys work on. The tables must outlive it.
 struct ConfigurationModel
 {
     const ParamTables& tables;
     QList<GroupRelayPtr> groups;
     QList<ScriptInfoPtr> scripts;
+    QString comment;
 };
 
 /// Does what a key says. Returns what is wrong with it, which stays as it was.

@@ -77,47 +77,39 @@ ConfigurationFault::Kind faultOfForm(const QStringRef& line)
     return line.startsWith(QLatin1Char('=')) ? ConfigurationFault::NoKey : ConfigurationFault::NoValue;
 }
 
+ConfigurationFaults readLine(const QStringRef& line, ConfigurationModel& model, bool& inComment)
+{
+    if (line.contains(commentSection)) {
+        inComment = true;
+        return {};
+    }
+    if (inComment && !endsComment(line)) {
+        model.comment += line;
+        model.comment += QLatin1Char('\n');
+        return {};
+    }
+    inComment = false;
+
+    const QVector<QStringRef> parts = line.split(QLatin1Char('='), Qt::SkipEmptyParts);
+    if (parts.size() >= 2) {
+        return applyEntry(model, makeEntry(parts.at(0), parts.at(1)));
+    }
+    if (parts.size() == 1 && parts.first() != configurationSection && parts.first() != scriptsSection) {
+        return {{faultOfForm(line), 0, 0, {}}};
+    }
+    return {};
+}
+
 } // namespace
 
-ConfigurationReader::ConfigurationReader(const ParamTables& paramTables, const QList<GroupRelayPtr>& resetGroups,
-                                         const QList<ScriptInfoPtr>& resetScripts)
-    : model{paramTables, resetGroups, resetScripts}
+int readConfiguration(const QString& text, ConfigurationModel& model, ConfigurationErrors* told)
 {
-}
-
-int ConfigurationReader::errorCount() const
-{
-    return errors;
-}
-
-QList<GroupRelayPtr> ConfigurationReader::groups() const
-{
-    return model.groups;
-}
-
-QString ConfigurationReader::comment() const
-{
-    return commentText;
-}
-
-void ConfigurationReader::read(const QString& text)
-{
-    readLines(text, nullptr);
-}
-
-ConfigurationErrors ConfigurationReader::readAndTell(const QString& text)
-{
-    ConfigurationErrors told;
-    readLines(text, &told);
-    return told;
-}
-
-void ConfigurationReader::readLines(const QString& text, ConfigurationErrors* told)
-{
+    int errors = 0;
+    bool inComment = false;
     LineCounter counter;
     const QVector<QStringRef> lines = text.splitRef(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
     for (const QStringRef& line : lines) {
-        ConfigurationFaults faults = readLine(line);
+        ConfigurationFaults faults = readLine(line, model, inComment);
         errors += countOf(faults);
         if (told == nullptr) {
             continue;
@@ -134,29 +126,7 @@ void ConfigurationReader::readLines(const QString& text, ConfigurationErrors* to
     for (const ScriptInfoPtr& script : std::as_const(model.scripts)) {
         scriptRules::updateTrigger(*script);
     }
-}
-
-ConfigurationFaults ConfigurationReader::readLine(const QStringRef& line)
-{
-    if (line.contains(commentSection)) {
-        inComment = true;
-        return {};
-    }
-    if (inComment && !endsComment(line)) {
-        commentText += line;
-        commentText += QLatin1Char('\n');
-        return {};
-    }
-    inComment = false;
-
-    const QVector<QStringRef> parts = line.split(QLatin1Char('='), Qt::SkipEmptyParts);
-    if (parts.size() >= 2) {
-        return applyEntry(model, makeEntry(parts.at(0), parts.at(1)));
-    }
-    if (parts.size() == 1 && parts.first() != configurationSection && parts.first() != scriptsSection) {
-        return {{faultOfForm(line), 0, 0, {}}};
-    }
-    return {};
+    return errors;
 }
 
 int countOf(const ConfigurationFaults& faults)

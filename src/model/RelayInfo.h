@@ -152,12 +152,9 @@ public:
     QByteArray fileContents() const;
 
     /// Reads a configuration file. Returns FileOk if it was read, whatever errorCount() it gave; with FileNotOpened and
-    /// FileNotFound the model is untouched.
-    int loadFromFile(const QString& path);
-
-    /// Reads a configuration file and tells each line of it that is wrong. What their faults count is errorCount();
-    /// there may be lines with faults that count for nothing.
-    int loadFromFile(const QString& path, ConfigurationErrors& errors);
+    /// FileNotFound the model is untouched. With `errors` it tells each line that is wrong. What their faults count is
+    /// errorCount(); there may be lines with faults that count for nothing.
+    int loadFromFile(const QString& path, ConfigurationErrors* errors = nullptr);
 
     /// Reads the contents of a configuration file as loadFromFile() does.
     void loadFileContents(QByteArray contents);
@@ -166,7 +163,6 @@ private:
     GroupRelayPtr makeTerminalGroup(const ConnectedTerminal& terminal) const;
     void appendHeadUnit(bool connected);
     void sortGroups();
-    int loadFile(const QString& path, ConfigurationErrors* errors);
     void load(QIODevice& file, ConfigurationErrors* errors);
 
     const ParamTables tables;

@@ -83,19 +83,11 @@ void RelayInfo::loadFileContents(QByteArray contents)
     load(file, nullptr);
 }
 
-int RelayInfo::loadFromFile(const QString& path)
+int RelayInfo::loadFromFile(const QString& path, ConfigurationErrors* errors)
 {
-    return loadFile(path, nullptr);
-}
-
-int RelayInfo::loadFromFile(const QString& path, ConfigurationErrors& errors)
-{
-    errors.clear();
-    return loadFile(path, &errors);
-}
-
-int RelayInfo::loadFile(const QString& path, ConfigurationErrors* errors)
-{
+    if (errors != nullptr) {
+        errors->clear();
+    }
     fileErrors = 0;
     QFile file(path);
     if (!file.exists()) {
@@ -115,16 +107,11 @@ void RelayInfo::load(QIODevice& file, ConfigurationErrors* errors)
 
     resetGroups(true);
     resetScripts();
-    ConfigurationReader reader(tables, groupList, scriptList);
-    if (errors == nullptr) {
-        reader.read(text);
-    } else {
-        *errors = reader.readAndTell(text);
-        if (endsAtNul) {
-            errors->append(errorOfNul(text));
-        }
+    ConfigurationModel model{tables, groupList, scriptList, {}};
+    fileErrors = readConfiguration(text, model, errors);
+    if (errors != nullptr && endsAtNul) {
+        errors->append(errorOfNul(text));
     }
-    groupList = reader.groups();
-    commentText = reader.comment();
-    fileErrors = reader.errorCount();
+    groupList = model.groups;
+    commentText = model.comment;
 }

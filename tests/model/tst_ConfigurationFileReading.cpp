@@ -170,7 +170,7 @@ void tst_ConfigurationFileReading::wrongLinesAreToldOnRequest()
 
     ConfigurationErrors errors;
     RelayInfo telling;
-    QCOMPARE(telling.loadFromFile(directory->filePath(s("loaded.cfg")), errors), 0);
+    QCOMPARE(telling.loadFromFile(directory->filePath(s("loaded.cfg")), &errors), 0);
     QCOMPARE(telling.errorCount(), 4);
     QCOMPARE(save(telling), loaded);
     QCOMPARE(errors.size(), 2);
@@ -193,7 +193,7 @@ void tst_ConfigurationFileReading::lineFeedsAreToldWhereTheyDoHarm()
 {
     QCOMPARE(load("[Comment]\r\na\nb\r\n[Scripts]\nScript[0].Mode=1\r\n"), 0);
     ConfigurationErrors errors;
-    QCOMPARE(model->loadFromFile(directory->filePath(s("loaded.cfg")), errors), 0);
+    QCOMPARE(model->loadFromFile(directory->filePath(s("loaded.cfg")), &errors), 0);
     QCOMPARE(model->errorCount(), 0);
     QCOMPARE(errors.size(), 1);
     QCOMPARE(errors.at(0).line, 4);
@@ -206,9 +206,9 @@ void tst_ConfigurationFileReading::whatIsToldIsNoneOfAFormerFile()
 {
     QCOMPARE(load("wrong\r\n"), 0);
     ConfigurationErrors errors;
-    QCOMPARE(model->loadFromFile(directory->filePath(s("loaded.cfg")), errors), 0);
+    QCOMPARE(model->loadFromFile(directory->filePath(s("loaded.cfg")), &errors), 0);
     QCOMPARE(errors.size(), 1);
-    QCOMPARE(model->loadFromFile(directory->filePath(s("missing.cfg")), errors), 3);
+    QCOMPARE(model->loadFromFile(directory->filePath(s("missing.cfg")), &errors), 3);
     QVERIFY(errors.isEmpty());
 }
 
