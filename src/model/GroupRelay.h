@@ -19,7 +19,14 @@ struct RelayInformation
 
 using RelayInformationPtr = QSharedPointer<RelayInformation>;
 
-RelayInformationPtr makeOutput(quint8 number, const QString& name, const ParamItemPtr& startState);
+inline RelayInformationPtr makeOutput(quint8 number, const QString& name, const ParamItemPtr& startState)
+{
+    auto output = RelayInformationPtr::create();
+    output->number = number;
+    output->name = name;
+    output->startState = startState;
+    return output;
+}
 
 /// One executive terminal, or the head unit, with its outputs.
 struct GroupRelay

@@ -94,25 +94,12 @@ GroupRelay& demandGroup(QList<GroupRelayPtr>& groups, quint16 address)
     return *group;
 }
 
-} // namespace
-
-RecordReader::RecordReader(const ParamTables& paramTables, const TerminalTypes& terminalTypes)
-    : tables(paramTables), types(terminalTypes)
+TerminalTypePtr findType(const TerminalTypes& types, const TerminalIdentity& model)
 {
+    return firstOf(types, [&](const TerminalTypePtr& type) { return sameModel(*type, model); });
 }
 
-QList<ConnectedTerminalPtr> RecordReader::terminals(const QByteArrayList& records) const
-{
-    QList<ConnectedTerminalPtr> list;
-    for (const QByteArray& record : records) {
-        if (record.size() >= terminalLeastSize) {
-            list.append(makeTerminal(record));
-        }
-    }
-    return list;
-}
-
-ConnectedTerminalPtr RecordReader::makeTerminal(const QByteArray& record) const
+ConnectedTerminalPtr makeTerminal(const QByteArray& record, const TerminalTypes& types)
 {
     auto terminal = ConnectedTerminalPtr::create();
     terminal->address = byteAt(record, terminalAddress);
@@ -121,7 +108,7 @@ ConnectedTerminalPtr RecordReader::makeTerminal(const QByteArray& record) const
     for (int i = 0; i < outputCount(record.size()); ++i) {
         terminal->outputs.append(texts::defaultOutputName());
     }
-    if (const TerminalTypePtr type = findType(*terminal)) {
+    if (const TerminalTypePtr type = findType(types, *terminal)) {
         terminal->label = type->name;
         for (int i = 0; i < qMin(terminal->outputs.size(), type->outputs.size()); ++i) {
             terminal->outputs[i] = type->outputs.at(i);
@@ -130,49 +117,30 @@ ConnectedTerminalPtr RecordReader::makeTerminal(const QByteArray& record) const
     return terminal;
 }
 
-void RecordReader::readOutputs(const QByteArrayList& records, QList<GroupRelayPtr>& groups,
-                               const QList<ScriptInfoPtr>& scripts) const
-{
-    for (const QByteArray& record : records) {
-        if (record.size() < outputLeastSize) {
-            continue;
-        }
-        // The byte has a sign: 0x80 is the address -128.
-        GroupRelay& group = demandGroup(groups, quint16(qint8(record.at(outputAddress))));
-        const RelayInformationPtr output = demandOutput(group, byteAt(record, outputNumber) & 7);
-        if (output->name == placeholderName()) {
-            output->name = texts::defaultOutputName();
-        }
-        const quint8 flags = byteAt(record, outputFlags);
-        output->startState = tables.outputStates.value(flags & startStateFlag);
-        output->returnStartState = (flags & returnFlag) != 0;
-        output->activatedScripts = scriptsOf(record, scripts);
-    }
-}
-
-RelayInformationPtr RecordReader::demandOutput(GroupRelay& group, quint8 number) const
+RelayInformationPtr demandOutput(GroupRelay& group, quint8 number, const ParamItemPtr& startState)
 {
     if (const RelayInformationPtr known = firstOfNumber(group.outputs, number)) {
         return known;
     }
     for (quint8 missing = 0; missing <= number; ++missing) {
         if (!firstOfNumber(group.outputs, missing)) {
-            group.outputs.append(makeOutput(missing, placeholderName(), tables.outputStates.first()));
+            group.outputs.append(makeOutput(missing, placeholderName(), startState));
         }
     }
     return group.outputs.last();
 }
 
-void RecordReader::readScripts(const QByteArrayList& records, const QList<ScriptInfoPtr>& scripts) const
+/// The channel state that a code stands for. The families share their codes, so with a filter by type its class tells
+/// them apart; without one, or with a class that no terminal has, the first row from the top is as good as any.
+ParamItemPtr stateOf(const ParamItems& rows, quint8 code, bool filterByType, quint8 terminalClass)
 {
-    for (const QByteArray& record : records) {
-        if (record.size() >= scriptSize) {
-            readScript(record, *scripts.at(byteAt(record, scriptNumber) & 31));
-        }
-    }
+    const ParamItemPtr row = filterByType && terminalClass < terminalClasses
+                                 ? scriptRules::findStateOfClass(rows, terminalClass, code)
+                                 : scriptRules::findStateOfCode(rows, code);
+    return row ? row : scriptRules::makeOtherState(code);
 }
 
-void RecordReader::readScript(const QByteArray& record, ScriptInfo& script) const
+void readScript(const QByteArray& record, const ParamTables& tables, const TerminalTypes& types, ScriptInfo& script)
 {
     const auto rowOfCode = [](const ParamItems& rows, int code) {
         const ParamItemPtr row = findByCode(rows, code);
@@ -192,28 +160,57 @@ void RecordReader::readScript(const QByteArray& record, ScriptInfo& script) cons
 
     // A type that the catalogue doesn't have gets a record of the script's own.
     const TerminalIdentity model = unpackModel(record, scriptTypeFilter);
-    script.terminalFilter = findType(model);
+    script.terminalFilter = findType(types, model);
     if (!script.terminalFilter) {
         script.terminalFilter = TerminalTypePtr::create();
         static_cast<TerminalIdentity&>(*script.terminalFilter) = model;
     }
 
-    script.stateChannel =
-        stateOf(byteAt(record, scriptState), script.activateFilter.at(ScriptInfo::ByType), model.terminalClass);
+    script.stateChannel = stateOf(tables.stateChannels, byteAt(record, scriptState),
+                                  script.activateFilter.at(ScriptInfo::ByType), model.terminalClass);
     scriptRules::setTerminalStates(script, rowsOfMask(tables.terminalStates, byteAt(record, scriptTerminalStates)));
 }
 
-/// The channel state that a code stands for. The families share their codes, so with a filter by type its class tells
-/// them apart; without one, or with a class that no terminal has, the first row from the top is as good as any.
-ParamItemPtr RecordReader::stateOf(quint8 code, bool filterByType, quint8 terminalClass) const
+} // namespace
+
+QList<ConnectedTerminalPtr> readTerminals(const QByteArrayList& records, const TerminalTypes& types)
 {
-    const ParamItemPtr row = filterByType && terminalClass < terminalClasses
-                                 ? scriptRules::findStateOfClass(tables.stateChannels, terminalClass, code)
-                                 : scriptRules::findStateOfCode(tables.stateChannels, code);
-    return row ? row : scriptRules::makeOtherState(code);
+    QList<ConnectedTerminalPtr> list;
+    for (const QByteArray& record : records) {
+        if (record.size() >= terminalLeastSize) {
+            list.append(makeTerminal(record, types));
+        }
+    }
+    return list;
 }
 
-TerminalTypePtr RecordReader::findType(const TerminalIdentity& model) const
+void readOutputs(const QByteArrayList& records, const ParamTables& tables, QList<GroupRelayPtr>& groups,
+                 const QList<ScriptInfoPtr>& scripts)
 {
-    return firstOf(types, [&](const TerminalTypePtr& type) { return sameModel(*type, model); });
+    for (const QByteArray& record : records) {
+        if (record.size() < outputLeastSize) {
+            continue;
+        }
+        // The byte has a sign: 0x80 is the address -128.
+        GroupRelay& group = demandGroup(groups, quint16(qint8(record.at(outputAddress))));
+        const RelayInformationPtr output =
+            demandOutput(group, byteAt(record, outputNumber) & 7, tables.outputStates.first());
+        if (output->name == placeholderName()) {
+            output->name = texts::defaultOutputName();
+        }
+        const quint8 flags = byteAt(record, outputFlags);
+        output->startState = tables.outputStates.value(flags & startStateFlag);
+        output->returnStartState = (flags & returnFlag) != 0;
+        output->activatedScripts = scriptsOf(record, scripts);
+    }
+}
+
+void readScripts(const QByteArrayList& records, const ParamTables& tables, const TerminalTypes& types,
+                 const QList<ScriptInfoPtr>& scripts)
+{
+    for (const QByteArray& record : records) {
+        if (record.size() >= scriptSize) {
+            readScript(record, tables, types, *scripts.at(byteAt(record, scriptNumber) & 31));
+        }
+    }
 }

@@ -8,31 +8,16 @@
 #include <QByteArrayList>
 #include <QList>
 
-/// Reads the records of the device into groups and scripts that were reset before. Records that are too short are
-/// passed over; bytes that mean nothing leave what the reset left.
-///
-/// RelayInfo makes one for a reading; the tables and types must outlive it.
-class RecordReader
-{
-public:
-    RecordReader(const ParamTables& paramTables, const TerminalTypes& terminalTypes);
+// Readers of the records of the device. Records that are too short are passed over; bytes that mean nothing leave what
+// is there.
 
-    QList<ConnectedTerminalPtr> terminals(const QByteArrayList& records) const;
+QList<ConnectedTerminalPtr> readTerminals(const QByteArrayList& records, const TerminalTypes& types);
 
-    /// Sets the outputs of the records. Those that are missing come into being, with all lower numbers of their
-    /// terminal, and a terminal that is missing at the end of the groups.
-    void readOutputs(const QByteArrayList& records, QList<GroupRelayPtr>& groups,
-                     const QList<ScriptInfoPtr>& scripts) const;
+/// Sets the outputs of the records. Those that are missing come into being, with all lower numbers of their terminal,
+/// and a terminal that is missing at the end of the groups.
+void readOutputs(const QByteArrayList& records, const ParamTables& tables, QList<GroupRelayPtr>& groups,
+                 const QList<ScriptInfoPtr>& scripts);
 
-    void readScripts(const QByteArrayList& records, const QList<ScriptInfoPtr>& scripts) const;
-
-private:
-    ConnectedTerminalPtr makeTerminal(const QByteArray& record) const;
-    RelayInformationPtr demandOutput(GroupRelay& group, quint8 number) const;
-    void readScript(const QByteArray& record, ScriptInfo& script) const;
-    ParamItemPtr stateOf(quint8 code, bool filterByType, quint8 terminalClass) const;
-    TerminalTypePtr findType(const TerminalIdentity& model) const;
-
-    const ParamTables& tables;
-    const TerminalTypes& types;
-};
+/// Sets the scripts of the records. There have to be 32.
+void readScripts(const QByteArrayList& records, const ParamTables& tables, const TerminalTypes& types,
+                 const QList<ScriptInfoPtr>& scripts);

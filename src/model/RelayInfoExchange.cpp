@@ -48,7 +48,7 @@ QByteArrayList RelayInfo::makeScriptRecords() const
 
 void RelayInfo::readTerminalRecords(const QByteArrayList& records)
 {
-    connectedList = RecordReader(tables, types).terminals(records);
+    connectedList = readTerminals(records, types);
     resetGroups(false);
     sortGroups();
 }
@@ -56,14 +56,14 @@ void RelayInfo::readTerminalRecords(const QByteArrayList& records)
 void RelayInfo::readOutputRecords(const QByteArrayList& records)
 {
     resetGroups(false);
-    RecordReader(tables, types).readOutputs(records, groupList, scriptList);
+    readOutputs(records, tables, groupList, scriptList);
     sortGroups();
 }
 
 void RelayInfo::readScriptRecords(const QByteArrayList& records)
 {
     resetScripts();
-    RecordReader(tables, types).readScripts(records, scriptList);
+    readScripts(records, tables, types, scriptList);
 }
 
 int RelayInfo::saveToFile(const QString& path) const
