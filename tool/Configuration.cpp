@@ -2,7 +2,7 @@
 
 #include "tool/Console.h"
 
-Configuration::Configuration() : catalogue(Device::Files::ReadOnly)
+Configuration::Configuration() : catalogue({}, nullptr, Device::Files::ReadOnly)
 {
     model.setCatalogue(catalogue);
 }

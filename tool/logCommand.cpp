@@ -34,7 +34,7 @@ struct LogRead
 /// Nothing if interrupted.
 std::optional<LogRead> readLog(UnitSession& unit)
 {
-    const Device catalogue(Device::Files::ReadOnly);
+    const Device catalogue({}, nullptr, Device::Files::ReadOnly);
     LogEvents events;
     events.setDevices(&catalogue);
     LogRead log;

@@ -68,16 +68,8 @@ bool readLine(const QString& line, DeviceRecord& record)
 
 } // namespace
 
-Device::Device(QObject* parent) : Device(Reporter(), parent)
-{
-}
-
-Device::Device(Reporter errorReporter, QObject* parent) : QObject(parent), reportError(std::move(errorReporter))
-{
-    readCatalogue();
-}
-
-Device::Device(Files keptFiles, QObject* parent) : QObject(parent), files(keptFiles)
+Device::Device(Reporter errorReporter, QObject* parent, Files keptFiles)
+    : QObject(parent), files(keptFiles), reportError(std::move(errorReporter))
 {
     readCatalogue();
 }

@@ -39,9 +39,7 @@ public:
     };
 
     /// Without a reporter an error goes to the debug stream alone.
-    explicit Device(QObject* parent = nullptr);
-    explicit Device(Reporter errorReporter, QObject* parent = nullptr);
-    explicit Device(Files keptFiles, QObject* parent = nullptr);
+    explicit Device(Reporter errorReporter = {}, QObject* parent = nullptr, Files keptFiles = Files::Kept);
 
     int deviceCount() const;
 
@@ -56,7 +54,7 @@ private:
     void readFile();
     void readRecords(QTextStream& stream);
 
-    const Files files = Files::Kept;
+    const Files files;
     Reporter reportError;
     QList<DeviceRecord> records;
 };

@@ -418,7 +418,7 @@ void tst_Device::withAParentAloneAnUnreadableFileIsToldToTheDebugStream()
     QVERIFY(QDir().mkdir(QString::fromLatin1(englishName)));
     const DebugLines debug;
     QObject parent;
-    const auto* device = new Device(&parent);
+    const auto* device = new Device({}, &parent);
     QCOMPARE(device->deviceCount(), 0);
     QCOMPARE(debug.linesWith(QStringLiteral("(WARNING) Error Devices_EN.csv Error opening file")).size(), 1);
 }
@@ -426,7 +426,7 @@ void tst_Device::withAParentAloneAnUnreadableFileIsToldToTheDebugStream()
 void tst_Device::aParentAloneIsEnoughForACatalogue()
 {
     QObject parent;
-    const auto* device = new Device(&parent);
+    const auto* device = new Device({}, &parent);
     QCOMPARE(device->parent(), &parent);
     QCOMPARE(device->deviceCount(), 51);
 }

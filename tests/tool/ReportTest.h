@@ -53,7 +53,7 @@ struct ReportedSite
         static_cast<TerminalIdentity&>(*script->terminalFilter) = {terminalClass, version, type, characteristic};
     }
 
-    const Device catalogue{Device::Files::ReadOnly};
+    const Device catalogue{{}, nullptr, Device::Files::ReadOnly};
     RelayInfo model;
     const ScriptInfoPtr script = model.findScript(3);
     const RelayInformationPtr siren = model.findOutput(0, 0);
