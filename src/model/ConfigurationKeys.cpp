@@ -1,7 +1,6 @@
 #include "model/ConfigurationKeys.h"
 
 #include "model/ScriptRules.h"
-#include "model/configurationList.h"
 #include "model/firstOf.h"
 
 #include <algorithm>
@@ -42,6 +41,42 @@ template <typename Items>
 Faults noSuch(Fault::Kind kind, int index, const Items& items)
 {
     return {{kind, 0, items.size() - 1, QString::number(index)}};
+}
+
+// Lists as values: their parts stand between semicolons.
+
+/// Adds a fault of a part of a list; those of one kind are told together, by the first part.
+void addFault(Faults& faults, const Fault& fault, const QStringRef& part)
+{
+    const auto known =
+        std::find_if(faults.begin(), faults.end(), [&fault](const Fault& each) { return each.kind == fault.kind; });
+    if (known != faults.end()) {
+        ++known->count;
+        return;
+    }
+    faults.append(fault);
+    faults.last().part = part.toString();
+}
+
+/// Calls a function for each number of a list value; the function returns false for a number it refuses, for which
+/// refused() makes the fault. So does a part that is no number, unless the list begins with the word for an empty one.
+template <typename Take, typename Refused>
+Faults readList(const QString& value, Take take, Refused refused)
+{
+    const QVector<QStringRef> parts = value.splitRef(QLatin1Char(';'), Qt::SkipEmptyParts);
+    const bool wordsAllowed = !parts.isEmpty() && parts.first().trimmed() == QLatin1String("NONE");
+    Faults faults;
+    for (const QStringRef& part : parts) {
+        bool isNumber = false;
+        const QStringRef word = part.trimmed();
+        const int number = word.toInt(&isNumber);
+        if (isNumber && !take(number)) {
+            addFault(faults, refused(), word);
+        } else if (!isNumber && !wordsAllowed) {
+            addFault(faults, {Fault::PartNoNumber, 0, 0, {}}, word);
+        }
+    }
+    return faults;
 }
 
 // The effects of the keys. Each returns the faults it met.
@@ -136,19 +171,29 @@ Faults setActivatedScripts(Model& model, RelayInformation& output, const Entry& 
         });
 }
 
-Faults setAddressFilter(Model&, ScriptInfo& script, const Entry& entry)
+/// Sets the listed positions of a list of flags and clears the others.
+template <QList<bool> ScriptInfo::*list>
+Faults setFlags(Model&, ScriptInfo& script, const Entry& entry)
 {
-    return readFlags(script.addressFilter, entry.value);
+    QList<bool>& flags = script.*list;
+    std::fill(flags.begin(), flags.end(), false);
+    return readList(
+        entry.value,
+        [&flags](int position) {
+            if (position < 0 || position >= flags.size()) {
+                return false;
+            }
+            flags[position] = true;
+            return true;
+        },
+        [&flags] {
+            return Fault{Fault::PartOutOfRange, 0, flags.size() - 1, {}};
+        });
 }
 
-Faults setDays(Model&, ScriptInfo& script, const Entry& entry)
+Faults setChannels(Model& model, ScriptInfo& script, const Entry& entry)
 {
-    return readFlags(script.daysOfWeek, entry.value);
-}
-
-Faults setChannels(Model&, ScriptInfo& script, const Entry& entry)
-{
-    const Faults faults = readFlags(script.numberChannels, entry.value);
+    const Faults faults = setFlags<&ScriptInfo::numberChannels>(model, script, entry);
     scriptRules::ensureChannel(script.numberChannels);
     return faults;
 }
@@ -224,39 +269,23 @@ struct Rule
 {
     const char* fragment;
     Number number;
-    int lowest; ///< a script's number below this is an error: only where the field can't hold it
-    int highest;
     Faults (*onModel)(Model&, const Entry&);
     Faults (*onGroup)(Model&, GroupRelay&, const Entry&);
     Faults (*onOutput)(Model&, RelayInformation&, const Entry&);
     Faults (*onScript)(Model&, ScriptInfo&, const Entry&);
+    int lowest = noLowest; ///< a script's number below this is an error: only where the field can't hold it
+    int highest = noHighest;
 };
-
-constexpr Rule modelRule(const char* fragment, Faults (*effect)(Model&, const Entry&))
-{
-    return {fragment, Number::Demanded, noLowest, noHighest, effect, nullptr, nullptr, nullptr};
-}
-
-constexpr Rule groupRule(const char* fragment, Faults (*effect)(Model&, GroupRelay&, const Entry&))
-{
-    return {fragment, Number::Free, noLowest, noHighest, nullptr, effect, nullptr, nullptr};
-}
-
-constexpr Rule outputRule(const char* fragment, Number number,
-                          Faults (*effect)(Model&, RelayInformation&, const Entry&))
-{
-    return {fragment, number, noLowest, noHighest, nullptr, nullptr, effect, nullptr};
-}
 
 constexpr Rule scriptRule(const char* fragment, Number number, Faults (*effect)(Model&, ScriptInfo&, const Entry&))
 {
-    return {fragment, number, noLowest, noHighest, nullptr, nullptr, nullptr, effect};
+    return {fragment, number, nullptr, nullptr, nullptr, effect};
 }
 
 constexpr Rule numberRule(const char* fragment, int lowest, int highest,
                           Faults (*effect)(Model&, ScriptInfo&, const Entry&))
 {
-    return {fragment, Number::Demanded, lowest, highest, nullptr, nullptr, nullptr, effect};
+    return {fragment, Number::Demanded, nullptr, nullptr, nullptr, effect, lowest, highest};
 }
 
 constexpr const char* fragmentAtEnd = ".Number"; ///< the one fragment that must be the end of its key
@@ -264,18 +293,16 @@ constexpr const char* fragmentAtEnd = ".Number"; ///< the one fragment that must
 // Days end at 30 and months at 11, although the model and the records know 31 and 12. It is meant so: files of all
 // versions are read alike.
 constexpr Rule rules[] = {
-    modelRule("NumberOfDevices", addGroups),
-    {".Name", Number::Free, noLowest, noHighest, nullptr, setName<GroupRelay>, setName<RelayInformation>,
-     setName<ScriptInfo>},
-    {".Address", Number::Free, noLowest, noHighest, nullptr, setAddress, nullptr, setAddressFilter},
-    groupRule(".Expand", setExpand),
-    groupRule(".NumberOfOutputs", addOutputs),
-    {fragmentAtEnd, Number::Demanded, noLowest, noHighest, nullptr, nullptr, setRecordNumber<RelayInformation>,
-     setRecordNumber<ScriptInfo>},
-    outputRule(".ReturnStartState", Number::Demanded, setReturn),
-    outputRule(".StartState", Number::Demanded, setStartState),
-    outputRule(".ActivatedScripts", Number::Free, setActivatedScripts),
-    modelRule("NumberOfScripts", ignoreCount),
+    {"NumberOfDevices", Number::Demanded, addGroups, nullptr, nullptr, nullptr},
+    {".Name", Number::Free, nullptr, setName<GroupRelay>, setName<RelayInformation>, setName<ScriptInfo>},
+    {".Address", Number::Free, nullptr, setAddress, nullptr, setFlags<&ScriptInfo::addressFilter>},
+    {".Expand", Number::Free, nullptr, setExpand, nullptr, nullptr},
+    {".NumberOfOutputs", Number::Free, nullptr, addOutputs, nullptr, nullptr},
+    {fragmentAtEnd, Number::Demanded, nullptr, nullptr, setRecordNumber<RelayInformation>, setRecordNumber<ScriptInfo>},
+    {".ReturnStartState", Number::Demanded, nullptr, nullptr, setReturn, nullptr},
+    {".StartState", Number::Demanded, nullptr, nullptr, setStartState, nullptr},
+    {".ActivatedScripts", Number::Free, nullptr, nullptr, setActivatedScripts, nullptr},
+    {"NumberOfScripts", Number::Demanded, ignoreCount, nullptr, nullptr, nullptr},
     scriptRule(".StateChannelNumber", Number::Free, setStatePosition),
     numberRule(".StateChannelValue", 0, 255, setStateValue),
     scriptRule(".NumberChannels", Number::Free, setChannels),
@@ -287,7 +314,7 @@ constexpr Rule rules[] = {
     scriptRule(".ActivateFilterAddress", Number::Free, setFilterFlag<ScriptInfo::ByAddress>),
     scriptRule(".ActivateFilterDate", Number::Free, setFilterFlag<ScriptInfo::ByDate>),
     scriptRule(".ActivateFilterTime", Number::Free, setFilterFlag<ScriptInfo::ByTime>),
-    scriptRule(".DaysOfWeek", Number::Free, setDays),
+    scriptRule(".DaysOfWeek", Number::Free, setFlags<&ScriptInfo::daysOfWeek>),
     numberRule(".MinuteOfBegin", noLowest, 60, setItem<&ScriptInfo::timeFilter, 0>),
     numberRule(".HourOfBegin", noLowest, 24, setItem<&ScriptInfo::timeFilter, 1>),
     numberRule(".MinuteOfEnd", noLowest, 60, setItem<&ScriptInfo::timeFilter, 2>),

@@ -24,17 +24,6 @@ QString listText(const QStringList& parts)
     return parts.isEmpty() ? QStringLiteral("NONE") : parts.join(QLatin1String("; ")) + QLatin1String("; ");
 }
 
-QString positionsText(const QList<bool>& flags)
-{
-    QStringList positions;
-    for (int i = 0; i < flags.size(); ++i) {
-        if (flags.at(i)) {
-            positions.append(QString::number(i));
-        }
-    }
-    return listText(positions);
-}
-
 /// The row's code; that of the first row where there is no row.
 QString codeText(const ParamItemPtr& row)
 {
@@ -76,31 +65,11 @@ constexpr Key<OutputValue> outputKeys[] = {
     {"ActivatedScripts", scriptsText},
 };
 
-QString scriptName(const ParamTables&, const ScriptInfo& script)
-{
-    return oneLine(script.name);
-}
-
-QString numberOfScript(const ParamTables&, const ScriptInfo& script)
-{
-    return QString::number(script.number);
-}
-
 QString statePosition(const ParamTables& tables, const ScriptInfo& script)
 {
     // Rows are told apart by pointer: several share a name, or a code.
     const int position = tables.stateChannels.indexOf(script.stateChannel);
     return position < 0 ? QStringLiteral("OTHER") : QString::number(position);
-}
-
-QString stateValue(const ParamTables&, const ScriptInfo& script)
-{
-    return QString::number(scriptRules::stateCode(script.stateChannel));
-}
-
-QString terminalStates(const ParamTables&, const ScriptInfo& script)
-{
-    return QString::number(maskOf(script.stateTerminal));
 }
 
 template <ParamItemPtr ScriptInfo::*field>
@@ -116,9 +85,15 @@ QString filterFlag(const ParamTables&, const ScriptInfo& script)
 }
 
 template <QList<bool> ScriptInfo::*list>
-QString positions(const ParamTables&, const ScriptInfo& script)
+QString setPositions(const ParamTables&, const ScriptInfo& script)
 {
-    return positionsText(script.*list);
+    QStringList positions;
+    for (int i = 0; i < (script.*list).size(); ++i) {
+        if ((script.*list).at(i)) {
+            positions.append(QString::number(i));
+        }
+    }
+    return listText(positions);
 }
 
 template <QList<int> ScriptInfo::*list, int item>
@@ -135,12 +110,16 @@ QString typeField(const ParamTables&, const ScriptInfo& script)
 }
 
 constexpr Key<ScriptValue> scriptKeys[] = {
-    {"Name", scriptName},
-    {"Number", numberOfScript},
+    {"Name", [](const ParamTables&, const ScriptInfo& script) { return oneLine(script.name); }},
+    {"Number", [](const ParamTables&, const ScriptInfo& script) { return QString::number(script.number); }},
     {"StateChannelNumber", statePosition},
-    {"StateChannelValue", stateValue},
-    {"NumberChannels", positions<&ScriptInfo::numberChannels>},
-    {"StateTerminal", terminalStates},
+    {"StateChannelValue",
+     [](const ParamTables&, const ScriptInfo& script) {
+         return QString::number(scriptRules::stateCode(script.stateChannel));
+     }},
+    {"NumberChannels", setPositions<&ScriptInfo::numberChannels>},
+    {"StateTerminal",
+     [](const ParamTables&, const ScriptInfo& script) { return QString::number(maskOf(script.stateTerminal)); }},
     {"Mode", rowCode<&ScriptInfo::mode>},
     {"Delay", rowCode<&ScriptInfo::delay>},
     {"Duration", rowCode<&ScriptInfo::duration>},
@@ -148,7 +127,7 @@ constexpr Key<ScriptValue> scriptKeys[] = {
     {"ActivateFilterAddress", filterFlag<ScriptInfo::ByAddress>},
     {"ActivateFilterDate", filterFlag<ScriptInfo::ByDate>},
     {"ActivateFilterTime", filterFlag<ScriptInfo::ByTime>},
-    {"Filter.DaysOfWeek", positions<&ScriptInfo::daysOfWeek>},
+    {"Filter.DaysOfWeek", setPositions<&ScriptInfo::daysOfWeek>},
     {"Filter.MinuteOfBegin", number<&ScriptInfo::timeFilter, 0>},
     {"Filter.HourOfBegin", number<&ScriptInfo::timeFilter, 1>},
     {"Filter.DayOfBegin", number<&ScriptInfo::dateFilter, 0>},
@@ -161,7 +140,7 @@ constexpr Key<ScriptValue> scriptKeys[] = {
     {"Filter.Version", typeField<&TerminalIdentity::version>},
     {"Filter.Type", typeField<&TerminalIdentity::type>},
     {"Filter.Characteristic", typeField<&TerminalIdentity::characteristic>},
-    {"Filter.Address", positions<&ScriptInfo::addressFilter>},
+    {"Filter.Address", setPositions<&ScriptInfo::addressFilter>},
 };
 
 QString indexed(const char* word, int index)
