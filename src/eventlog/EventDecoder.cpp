@@ -270,18 +270,23 @@ void decodeChannelState(EventInfo& event, QList<EventInfo>& rows)
     }
 }
 
-void decodeUnitStatus(EventInfo& event, QList<EventInfo>& rows)
+/// Of the two bytes of an event that something has changed, the first is from before.
+template <typename Table>
+void decodeChange(EventInfo& event, QString (*details)(quint8), const Table& changes, QList<EventInfo>& rows)
 {
     const quint8 now = byteAt(event.data, 1);
-    event.details = textStatusUnit(now);
-    addChanges(event, byteAt(event.data, 0), now, unitStatusChanges, rows);
+    event.details = details(now);
+    addChanges(event, byteAt(event.data, 0), now, changes, rows);
+}
+
+void decodeUnitStatus(EventInfo& event, QList<EventInfo>& rows)
+{
+    decodeChange(event, textStatusUnit, unitStatusChanges, rows);
 }
 
 void decodeTerminalStatus(EventInfo& event, QList<EventInfo>& rows)
 {
-    const quint8 now = byteAt(event.data, 1);
-    event.details = textStatusTerminal(now);
-    addChanges(event, byteAt(event.data, 0), now, terminalStatusChanges, rows);
+    decodeChange(event, textStatusTerminal, terminalStatusChanges, rows);
 }
 
 void decodeStatusChange(EventInfo& event, QList<EventInfo>& rows)
@@ -296,10 +301,8 @@ void decodeStatusChange(EventInfo& event, QList<EventInfo>& rows)
 
 void decodeTerminalMode(EventInfo& event, QList<EventInfo>& rows)
 {
-    const quint8 now = byteAt(event.data, 1);
     event.source += QLatin1Char(')');
-    event.details = textModeTerminal(now);
-    addChanges(event, byteAt(event.data, 0), now, terminalModeChanges, rows);
+    decodeChange(event, textModeTerminal, terminalModeChanges, rows);
 }
 
 void decodeUnknown(EventInfo& event, QList<EventInfo>& rows)

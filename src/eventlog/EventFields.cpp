@@ -46,26 +46,6 @@ QString wordOf(int value, const Text (&words)[Count])
     return value >= 0 && value < static_cast<int>(Count) ? words[value]() : texts::eventFieldUnknown();
 }
 
-QString meaningOfDays(int days)
-{
-    return dayZero().addDays(days).toString(QStringLiteral("dd.MM.yyyy"));
-}
-
-QString meaningOfMinutes(int /*minutes*/)
-{
-    return texts::eventFieldMinutes();
-}
-
-QString meaningOfSorting(int /*value*/)
-{
-    return texts::eventFieldSorting();
-}
-
-QString meaningOfClass(int value)
-{
-    return wordOf(value, classes);
-}
-
 QString meaningOfType(int value)
 {
     QStringList words(hexadecimal(value));
@@ -77,26 +57,6 @@ QString meaningOfType(int value)
     return words.join(QLatin1String(", "));
 }
 
-QString meaningOfCharacteristic(int value)
-{
-    return hexadecimal(value) + QLatin1String(", ") + texts::eventFieldChannels().arg(value >> 4);
-}
-
-QString meaningOfAddress(int value)
-{
-    return value == 0 ? texts::eventFieldHeadUnit() : QString();
-}
-
-QString meaningOfChannel(int value)
-{
-    return value == 0 ? texts::eventFieldNoChannel() : QString();
-}
-
-QString meaningOfCode(int value)
-{
-    return wordOf(value, codes);
-}
-
 /// By the names of the columns: what isn't here says it all by its value.
 struct Meaning
 {
@@ -105,15 +65,16 @@ struct Meaning
 };
 
 constexpr Meaning meanings[] = {
-    {"SortDateTime", &meaningOfSorting},
-    {"DateInDays", &meaningOfDays},
-    {"TimeInMinute", &meaningOfMinutes},
-    {"Class", &meaningOfClass},
+    {"SortDateTime", [](int) { return texts::eventFieldSorting(); }},
+    {"DateInDays", [](int days) { return dayZero().addDays(days).toString(QStringLiteral("dd.MM.yyyy")); }},
+    {"TimeInMinute", [](int) { return texts::eventFieldMinutes(); }},
+    {"Class", [](int value) { return wordOf(value, classes); }},
     {"Type", &meaningOfType},
-    {"Characteristic", &meaningOfCharacteristic},
-    {"AddressTerminal", &meaningOfAddress},
-    {"NumberChannel", &meaningOfChannel},
-    {"CodeEvent", &meaningOfCode},
+    {"Characteristic",
+     [](int value) { return hexadecimal(value) + QLatin1String(", ") + texts::eventFieldChannels().arg(value >> 4); }},
+    {"AddressTerminal", [](int value) { return value == 0 ? texts::eventFieldHeadUnit() : QString(); }},
+    {"NumberChannel", [](int value) { return value == 0 ? texts::eventFieldNoChannel() : QString(); }},
+    {"CodeEvent", [](int value) { return wordOf(value, codes); }},
 };
 
 QString meaningOf(const char* column, const QVariant& value)

@@ -6,8 +6,6 @@
 #include <QSqlQuery>
 #include <QThread>
 
-SqlModel::SqlModel() = default;
-
 QVariant SqlModel::data(const QModelIndex& index, int role) const
 {
     if (role == Qt::TextAlignmentRole && index.column() != logtable::columnOfDetails()) {

@@ -18,8 +18,6 @@ class SqlModel : public QSqlTableModel
     Q_OBJECT
 
 public:
-    SqlModel();
-
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
