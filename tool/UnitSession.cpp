@@ -268,7 +268,7 @@ void UnitSession::showProgress()
 
 QString UnitSession::stateOf(const Port& port)
 {
-    return statePortTraits(port.info().state).text.replace(QLatin1Char('\n'), QLatin1String(", "));
+    return statePortTraits(port.info().state).text().replace(QLatin1Char('\n'), QLatin1String(", "));
 }
 
 QString UnitSession::stateWithTroubleOf(const Port& port)

@@ -47,7 +47,7 @@ QString disconnectStyle()
 PortRow::PortRow(Port* shownPort)
     : port(shownPort), itemPortName(makeItem(port->name())), itemBaudrate(makeItem(texts::noValue())),
       itemCoordinator(makeItem(texts::noValue())), itemSerial(makeItem(texts::noValue())),
-      itemVersion(makeItem(texts::noValue())), itemState(makeItem(statePortTraits(port->info().state).text)),
+      itemVersion(makeItem(texts::noValue())), itemState(makeItem(statePortTraits(port->info().state).text())),
       itemControls(makeItem(QString())), cellWidget(new QWidget), checkBoxCheck(new QCheckBox(texts::wordChecking())),
       buttonConnect(makeButton(texts::buttonDisconnect(), disconnectStyle())),
       buttonFirmware(makeButton(texts::actionFirmwareOfPort(), QStringLiteral("background-color: yellow")))
@@ -79,14 +79,14 @@ void PortRow::nameControls() const
 void PortRow::refresh() const
 {
     const PortInfo& info = port->info();
-    const StatePortTraits traits = statePortTraits(info.state);
+    const StatePortTraits& traits = statePortTraits(info.state);
     itemBaudrate->setText(info.lineBaudrate ? QString::number(*info.lineBaudrate) : texts::noValue());
     itemCoordinator->setText(info.coordinator
                                  ? texts::statusCoordinator() + QStringLiteral(" %1").arg(info.coordinator->address)
                                  : texts::noValue());
     itemSerial->setText(info.coordinator ? QString::number(info.coordinator->serial) : texts::noValue());
     itemVersion->setText(info.coordinator ? info.coordinator->versionText() : texts::noValue());
-    itemState->setText(traits.text);
+    itemState->setText(traits.text());
     itemState->setToolTip(info.trouble ? info.trouble->whatIsWrong() + QLatin1Char('\n') + info.trouble->whatToDo()
                                        : QString());
     const QWidget* const focus = QApplication::focusWidget();

@@ -7,15 +7,8 @@
 namespace
 {
 
-struct Row
-{
-    QString (*text)();
-    bool autoDisconnect;
-    bool showControls;
-};
-
 // By the number of the state.
-constexpr Row rows[] = {
+constexpr StatePortTraits rows[] = {
     {texts::portConnecting, false, false},
     {texts::portOpenError, true, true},
     {texts::portOpenError, true, true},
@@ -27,14 +20,12 @@ constexpr Row rows[] = {
     {texts::portDisabled, false, true},
 };
 
+constexpr StatePortTraits noState = {[] { return QStringLiteral("???"); }, false, true};
+
 } // namespace
 
-StatePortTraits statePortTraits(StatePort state)
+const StatePortTraits& statePortTraits(StatePort state)
 {
     const int number = state;
-    if (number < 0 || number >= int(std::size(rows))) {
-        return {QStringLiteral("???"), false, true};
-    }
-    const Row& row = rows[number];
-    return {row.text(), row.autoDisconnect, row.showControls};
+    return number >= 0 && number < int(std::size(rows)) ? rows[number] : noState;
 }

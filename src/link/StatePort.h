@@ -23,10 +23,10 @@ Q_DECLARE_METATYPE(StatePort)
 /// What follows from a state: how it is shown, and what is done about it.
 struct StatePortTraits
 {
-    QString text;
+    QString (*text)();
     bool autoDisconnect; ///< the port is closed for it, and it goes on being shown
     bool showControls;   ///< whether the controls of the port's row are visible
 };
 
 /// Any number may be asked for; those that are no state have the text "???".
-StatePortTraits statePortTraits(StatePort state);
+const StatePortTraits& statePortTraits(StatePort state);

@@ -291,7 +291,7 @@ void tst_FormChoiceCoordinator::aBoxThatIsSetWithoutAClickCounts()
     recorder.form.sl_receiveAnswer(port, searchAnswer(1));
     recorder.check(0)->setChecked(false);
     recorder.form.sl_setStatePort(port, StateOpenError);
-    QCOMPARE(recorder.state(0), statePortTraits(StateOpenError).text);
+    QCOMPARE(recorder.state(0), statePortTraits(StateOpenError).text());
 }
 
 // Connect and disconnect.

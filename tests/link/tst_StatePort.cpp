@@ -34,8 +34,8 @@ void tst_StatePort::isShownAndActedOn_data()
 void tst_StatePort::isShownAndActedOn()
 {
     QFETCH(const int, state);
-    const StatePortTraits traits = statePortTraits(StatePort(state));
-    QTEST(traits.text, "text");
+    const StatePortTraits& traits = statePortTraits(StatePort(state));
+    QTEST(traits.text(), "text");
     QTEST(traits.autoDisconnect, "autoDisconnect");
     QTEST(traits.showControls, "showControls");
 }
