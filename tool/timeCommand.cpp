@@ -1,5 +1,4 @@
 #include "link/DeviceTime.h"
-#include "link/StepOutcome.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "tool/Console.h"
 #include "tool/UnitSession.h"
@@ -42,8 +41,7 @@ std::optional<message> askForTime(UnitSession& unit)
             return;
         }
         result = answer;
-        const bool isAnswered = !answer.timedOut() && !answer.portFailed() && answer.isValid();
-        if (isAnswered || !answer.hasAttempts()) {
+        if (answer.isAnswered() || !answer.hasAttempts()) {
             loop.quit();
             return;
         }
@@ -117,7 +115,7 @@ ExitCode time(const QCommandLineParser& commandLine, const QStringList& /*argume
     const QDateTime here = QDateTime::currentDateTime();
     const devicetime::Shown shown = devicetime::fromAnswer(*answer);
     if (!shown.correct) {
-        console.error(step::isErrorAnswer(*answer)
+        console.error(answer->isErrorAnswer()
                           ? QStringLiteral("the unit doesn't tell its time: ") + UnitSession::reasonOf(*answer)
                           : QStringLiteral("the unit's time makes no sense: ") + shown.text);
         return ExitCode::WithErrors;

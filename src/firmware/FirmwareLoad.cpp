@@ -11,7 +11,7 @@ bool hasSucceeded(const message& answer)
 {
     const bool accepted =
         answer.answerCode() == protocol_boot::Accepted || answer.answerCode() == protocol_boot::AcceptedToo;
-    return answer.isValid() && !answer.timedOut() && !answer.portFailed() && accepted;
+    return answer.isAnswered() && accepted;
 }
 
 bool carriesImage(const message& answer)

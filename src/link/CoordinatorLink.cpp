@@ -4,7 +4,6 @@
 #include "link/ConfigurationWriting.h"
 #include "link/DeviceTime.h"
 #include "link/LogReading.h"
-#include "link/StepOutcome.h"
 #include "link/TerminalSearch.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
@@ -233,17 +232,16 @@ void CoordinatorLink::answerDeviceTime(const message& answer)
 void CoordinatorLink::answerTimeWritten(const message& answer)
 {
     // Whether the unit has taken the time isn't asked: the watch shows its clock anyway.
-    const bool arrived = !answer.timedOut() && !answer.portFailed() && answer.isValid();
-    if (!arrived && answer.hasAttempts()) {
+    if (!answer.isAnswered() && answer.hasAttempts()) {
         resend(answer);
     } else {
-        emit deviceTimeWritten(arrived && answer.answerCode() == 0);
+        emit deviceTimeWritten(!answer.isErrorAnswer());
     }
 }
 
 void CoordinatorLink::answerOperation(const message& answer)
 {
-    const bool failed = step::isErrorAnswer(answer);
+    const bool failed = answer.isErrorAnswer();
     if (isAbandoned) {
         if (!failed) {
             emit busyStepDone();

@@ -1,6 +1,5 @@
 #include "link/CoordinatorSearch.h"
 
-#include "link/StepOutcome.h"
 #include "link/protocol_HUBN_NX_Q.h"
 
 #include <QtEndian>
@@ -84,5 +83,5 @@ message CoordinatorSearch::check(quint8 address, int baudrate)
 
 bool CoordinatorSearch::isPresent(const message& answer)
 {
-    return !step::isErrorAnswer(answer) && answer.rawAnswer().size() > addressOffset;
+    return !answer.isErrorAnswer() && answer.rawAnswer().size() > addressOffset;
 }

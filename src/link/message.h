@@ -212,6 +212,17 @@ public:
         return fields.attempts != 0;
     }
 
+    /// A whole answer came in time, and the port worked all along.
+    bool isAnswered() const
+    {
+        return isValid() && !timedOut() && !portFailed();
+    }
+    /// The device didn't do what it was asked for: no isAnswered(), or it refused.
+    bool isErrorAnswer() const
+    {
+        return !isAnswered() || answerCode() != 0;
+    }
+
     /// Makes the record ready to be sent again after a failure, with one attempt less (never below 0).
     void prepareRetry();
 

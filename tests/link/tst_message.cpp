@@ -1,4 +1,6 @@
+#include "Answers.h"
 #include "link/message.h"
+#include "link/protocol_HUBN_NX_Q.h"
 
 #include <QtTest>
 
@@ -50,6 +52,8 @@ private slots:
     void keepsNoMoreRoomThanAnAnswerNeeds();
     void isEmptyWithoutARequest();
     void isValidOnlyWithAGoodParse();
+    void judgesAnswers_data();
+    void judgesAnswers();
     void retryClearsTheAnswerAndTakesAnAttempt();
     void retryWithoutAttemptsStaysAtNone();
     void repeatKeepsThePayloadToCompareWith();
@@ -157,6 +161,29 @@ void tst_message::isValidOnlyWithAGoodParse()
         mess.setParseStatus(status);
         QCOMPARE(mess.isValid(), status == 0);
     }
+}
+
+void tst_message::judgesAnswers_data()
+{
+    QTest::addColumn<message>("answer");
+    QTest::addColumn<bool>("failed");
+    const message request = protocol_HUBN_NX_Q::requestReadConfig(1, 0, 0);
+    QTest::newRow("accepted") << answers::good(request) << false;
+    QTest::newRow("never sent") << request << true;
+    QTest::newRow("silence") << answers::timedOut(request) << true;
+    QTest::newRow("port failed") << answers::portFailed(request) << true;
+    QTest::newRow("damaged") << answers::damaged(request) << true;
+    QTest::newRow("refused") << answers::refused(request, 1) << true;
+    QTest::newRow("refused with a negative code") << answers::refused(request, -128) << true;
+    QTest::newRow("code without a meaning") << answers::refused(request, message::noAnswerCode) << true;
+    QTest::newRow("valid, but the port reported an error") << answers::portFailed(answers::good(request)) << true;
+    QTest::newRow("valid, but too late") << answers::timedOut(answers::good(request)) << true;
+}
+
+void tst_message::judgesAnswers()
+{
+    QFETCH(message, answer);
+    QTEST(answer.isErrorAnswer(), "failed");
 }
 
 void tst_message::retryClearsTheAnswerAndTakesAnAttempt()
