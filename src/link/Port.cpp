@@ -1,18 +1,16 @@
 #include "link/Port.h"
 
-#include "link/TroubleFinder.h"
 #include "link/protocol_HUBN_NX_Q.h"
 
 #include <QDebug>
 #include <QThread>
 
 #include <chrono>
-#include <initializer_list>
 #include <utility>
 
 Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject* parent)
-    : QObject(parent), portName(name), thread(new QThread), transmitter(new Transmitter),
-      troubleFinder(new TroubleFinder), timerPeriodic(this), timerFirstConnect(this)
+    : QObject(parent), portName(name), thread(new QThread), transmitter(new Transmitter), timerPeriodic(this),
+      timerFirstConnect(this)
 {
     timerPeriodic.setInterval(std::chrono::seconds(1));
     timerFirstConnect.setInterval(std::chrono::seconds(1));
@@ -23,7 +21,6 @@ Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject
     transmitter->setBootParser(std::move(parseBootAnswer));
     transmitter->keepLateAnswersApart();
     transmitter->moveToThread(thread);
-    troubleFinder->moveToThread(thread);
     connectWorker();
     thread->start(QThread::InheritPriority);
 }
@@ -48,11 +45,9 @@ void Port::connectWorker()
             [this](Transmitter*, int baudrate) { setLineBaudrate(baudrate); });
     connect(transmitter, &Transmitter::sig_SendAnswer, this,
             [this](Transmitter*, const message& answer) { takeAnswer(answer); });
-    connect(this, &Port::troubleAsked, troubleFinder, &TroubleFinder::find);
-    connect(troubleFinder, &TroubleFinder::found, this, &Port::takeTrouble);
-    for (QObject* const worker : std::initializer_list<QObject*>{transmitter, troubleFinder}) {
-        connect(thread, &QThread::finished, worker, &QObject::deleteLater);
-    }
+    connect(this, &Port::troubleAsked, transmitter, &Transmitter::findTrouble);
+    connect(transmitter, &Transmitter::troubleFound, this, &Port::takeTrouble);
+    connect(thread, &QThread::finished, transmitter, &QObject::deleteLater);
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
 }
 

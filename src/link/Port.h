@@ -15,7 +15,6 @@
 #include <optional>
 
 class QThread;
-class TroubleFinder;
 
 /// What is known of a serial port.
 struct PortInfo
@@ -113,8 +112,6 @@ signals:
     void openRequested(Transmitter* receiver, const QString& portName);
     void closeRequested(Transmitter* receiver);
     void sendRequested(Transmitter* receiver, const message& request);
-
-    // To the finder of causes, on the worker's thread.
     void troubleAsked(int number, const QString& portName, bool isGone);
 
 private:
@@ -136,7 +133,6 @@ private:
     quint8 watchedAddress = noCoordinator;  ///< as the search found it, which no misread answer changes
     QPointer<QThread> thread;               ///< without an owner: it ends by itself where nobody waits for it
     Transmitter* transmitter;               ///< goes with the thread
-    TroubleFinder* troubleFinder;           ///< likewise
     QTimer timerPeriodic;                   ///< the watch; 1000 ms
     QTimer timerFirstConnect;               ///< 1000 ms to the next search
     int firstConnectAttempts = 4;           ///< searches that may still start by themselves

@@ -12,8 +12,9 @@
 
 Transmitter::Transmitter(QObject* parent) : QObject(parent)
 {
-    // Both travel in the queued signals of every worker.
+    // All travel in the queued signals of every worker.
     qRegisterMetaType<message>("message");
+    qRegisterMetaType<PortTrouble>("PortTrouble");
     qRegisterMetaType<StatePort>("StatePort");
 }
 
@@ -120,6 +121,12 @@ void Transmitter::sl_AddRequestInQueue(Transmitter* receiver, const message& mes
     }
     queue.add(mess);
     sl_SendNextRequest();
+}
+
+void Transmitter::findTrouble(int number, const QString& portName, bool isGone)
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    emit troubleFound(number, PortTrouble::of(portName, isGone));
 }
 
 void Transmitter::sl_SendNextRequest()

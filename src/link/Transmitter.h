@@ -2,6 +2,7 @@
 
 #include "link/LateAnswers.h"
 #include "link/PortErrors.h"
+#include "link/PortTrouble.h"
 #include "link/RequestQueue.h"
 #include "link/StatePort.h"
 #include "link/message.h"
@@ -56,6 +57,10 @@ public slots:
     /// Queues a request. One without bytes or without a type, or equal to a queued one, is dropped without a report.
     void sl_AddRequestInQueue(Transmitter* receiver, const message& mess);
 
+    /// Finds out why the port of that name can't be used: on this thread, which has nothing to do with such a port,
+    /// while the user's own one has. `isGone`: the device has been lost.
+    void findTrouble(int number, const QString& portName, bool isGone);
+
     void sl_SendNextRequest();
     void sl_onPacketWritten(int n);
     void sl_onDataReceived();
@@ -74,6 +79,9 @@ signals:
 
     /// The end of a request, once for each that was queued.
     void sig_SendAnswer(Transmitter* sender, const message& answer);
+
+    /// What findTrouble() has found, with the number that it was given.
+    void troubleFound(int number, const PortTrouble& trouble);
 
     /// A request was written; periodic marks those of the once-a-second watch.
     void sig_SendRequestInForm(const QDateTime& time, const QByteArray& request, bool periodic);
