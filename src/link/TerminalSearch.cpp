@@ -11,8 +11,9 @@ constexpr int lastTerminalAddress = 124;
 // Room on the bar for what follows the search: the reading of outputs and scripts.
 constexpr int stepsBesideTerminals = 103;
 
-/// The addresses whose bits are set in the list of addresses in use.
-QByteArray addressesInUse(const QByteArray& bitmap)
+} // namespace
+
+QByteArray TerminalSearch::addressesInUse(const QByteArray& bitmap)
 {
     QByteArray addresses;
     for (int address = 1; address <= lastTerminalAddress && address <= 8 * bitmap.size(); ++address) {
@@ -23,8 +24,6 @@ QByteArray addressesInUse(const QByteArray& bitmap)
     }
     return addresses;
 }
-
-} // namespace
 
 void TerminalSearch::start(int mostReadingsOfStep)
 {

@@ -20,6 +20,9 @@ class TerminalSearch : public DeviceOperation
 public:
     using DeviceOperation::DeviceOperation;
 
+    /// The addresses, from 1 on, whose bits are set in the answer of a class.
+    static QByteArray addressesInUse(const QByteArray& bitmap);
+
     /// With so many readings of one step at the most; 0 for as many as it takes.
     void start(int mostReadingsOfStep = 0);
 

@@ -3,6 +3,7 @@
 #include "domain/byteAt.h"
 #include "domain/logRecord.h"
 #include "link/DeviceTime.h"
+#include "link/TerminalSearch.h"
 #include "link/protocol_HUBN_NX_Q.h"
 #include "texts/texts.h"
 
@@ -45,10 +46,10 @@ int numberAt(const QByteArray& bytes, int offset)
     return byteAt(bytes, offset) | byteAt(bytes, offset + 1) << 8;
 }
 
-QString checksumInWords(const QByteArray& frame, bool right)
+/// The checksum that stands at an offset.
+QString checksumInWords(const QByteArray& packet, int offset, bool right)
 {
-    const int place = headerSize + byteAt(frame, 4);
-    const QString value = QStringLiteral("%1").arg(numberAt(frame, place), 4, 16, QLatin1Char('0')).toUpper();
+    const QString value = QStringLiteral("%1").arg(numberAt(packet, offset), 4, 16, QLatin1Char('0')).toUpper();
     return (right ? texts::packetChecksumRight() : texts::packetChecksumWrong()).arg(value);
 }
 
@@ -93,12 +94,10 @@ QString dataOfRequest(int type, const QByteArray& frame)
 
 QString addressesInUse(const QByteArray& bitmap)
 {
-    constexpr int addresses = 124;
+    const QByteArray addresses = TerminalSearch::addressesInUse(bitmap);
     QStringList used;
-    for (int address = 1; address <= addresses && (address - 1) / 8 < bitmap.size(); ++address) {
-        if ((byteAt(bitmap, (address - 1) / 8) >> (address - 1) % 8 & 1) != 0) {
-            used.append(QString::number(address));
-        }
+    for (const char address : addresses) {
+        used.append(QString::number(quint8(address)));
     }
     return used.isEmpty() ? texts::packetNoneInUse() : texts::packetInUse().arg(used.join(QLatin1String(", ")));
 }
@@ -159,10 +158,8 @@ QStringList bootInWords(const QByteArray& bytes, const QString& whose, QString (
     if (length > 3) {
         lines.append(hexBytes(packet.mid(3, length - 3)));
     }
-    const int checksum = numberAt(packet, length);
-    const bool right = P::checkCrc(packet, 1, quint16(length), quint16(checksum));
-    lines.append((right ? texts::packetChecksumRight() : texts::packetChecksumWrong())
-                     .arg(QStringLiteral("%1").arg(checksum, 4, 16, QLatin1Char('0')).toUpper()));
+    const bool right = P::checkCrc(packet, 1, quint16(length), quint16(numberAt(packet, length)));
+    lines.append(checksumInWords(packet, length, right));
     return lines;
 }
 
@@ -209,7 +206,7 @@ QStringList requestInWords(const QByteArray& request)
     const int address = byteAt(frame, 2);
     lines.append(address == 0 ? texts::packetToAll() : texts::packetTo().arg(address));
     appendUnlessEmpty(lines, dataOfRequest(type, frame));
-    lines.append(checksumInWords(frame, status == PacketOk));
+    lines.append(checksumInWords(frame, headerSize + byteAt(frame, 4), status == PacketOk));
     return lines;
 }
 
@@ -236,7 +233,7 @@ QStringList answerInWords(const QByteArray& answer, const QByteArray& request)
     lines.append(code == 0 ? texts::packetAccepted() : texts::packetRefused().arg(code));
     // What a refusal carries is nothing of what was asked for.
     appendUnlessEmpty(lines, dataOfAnswer(code == 0 ? type : 0, frame.mid(headerSize + 1, byteAt(frame, 4) - 1)));
-    lines.append(checksumInWords(frame, status == PacketOk));
+    lines.append(checksumInWords(frame, headerSize + byteAt(frame, 4), status == PacketOk));
     return lines;
 }
 
