@@ -13,11 +13,6 @@ constexpr int lastTerminal = 31;
 constexpr int lastScript = 31;
 constexpr int stepCount = 102;
 
-QByteArray byte(quint8 value)
-{
-    return {1, char(value)};
-}
-
 } // namespace
 
 void ConfigurationReading::start()
@@ -75,7 +70,7 @@ void ConfigurationReading::answerReadConfig(const message& answer, bool failed)
     if (failed) {
         ++errorsConfig;
     } else {
-        readConfigList.append(byte(address) + byte(number) + answer.payload());
+        readConfigList.append(QByteArray(1, char(address)) + char(number) + answer.payload());
     }
     if (number < (address == 0 ? lastHeadUnitOutput : lastTerminalOutput)) {
         readOutput(address, quint8(number + 1));
@@ -99,7 +94,7 @@ void ConfigurationReading::answerReadScript(const message& answer, bool failed)
     if (failed) {
         ++errorsScript;
     } else {
-        readScriptList.append(byte(number) + answer.payload());
+        readScriptList.append(char(number) + answer.payload());
     }
     if (number < lastScript) {
         readScript(quint8(number + 1));

@@ -23,12 +23,6 @@ Transmitter::~Transmitter()
     if (port != nullptr && port->isOpen()) {
         port->close();
     }
-    for (QTimer* timer : {timerAnswer, timerNextRequest, timerQuiet}) {
-        if (timer != nullptr) {
-            timer->stop();
-            timer->deleteLater();
-        }
-    }
 }
 
 void Transmitter::setBootParser(BootParser parser)
@@ -52,12 +46,12 @@ void Transmitter::sl_initialization(Transmitter* receiver, const QString& namePo
     Q_ASSERT(QThread::currentThread() == thread());
     port = new QSerialPort(this);
     errors.emplace(*port);
-    timerAnswer = new QTimer;
+    timerAnswer = new QTimer(this);
     timerAnswer->setInterval(answerTimeout);
     timerAnswer->setTimerType(Qt::PreciseTimer);
-    timerNextRequest = new QTimer;
+    timerNextRequest = new QTimer(this);
     timerNextRequest->setInterval(nextRequestInterval);
-    timerQuiet = new QTimer;
+    timerQuiet = new QTimer(this);
     timerQuiet->setSingleShot(true);
     timerQuiet->setTimerType(Qt::PreciseTimer);
     connect(timerQuiet, &QTimer::timeout, this, &Transmitter::sl_SendNextRequest);

@@ -124,15 +124,6 @@ message build(P::RequestType type, quint8 address, const QByteArray& data = {}, 
     return build(formOfType(type), address, data, flags);
 }
 
-QByteArray byteArray(std::initializer_list<quint8> bytes)
-{
-    QByteArray result;
-    for (const quint8 byte : bytes) {
-        result.append(char(byte));
-    }
-    return result;
-}
-
 bool isReserved(quint8 byte)
 {
     return byte == escapeByte || byte == requestStart || byte == answerStart;
@@ -342,7 +333,7 @@ message protocol_HUBN_NX_Q::requestWriteScript(quint8 address, const QByteArray&
 
 message protocol_HUBN_NX_Q::requestReadConfig(quint8 address, quint8 terminal, quint8 output)
 {
-    message result = build(Read_Config, address, byteArray({terminal, output}));
+    message result = build(Read_Config, address, QByteArray(1, char(terminal)) + char(output));
     result.setAddress(terminal);
     result.setNumber(output);
     return result;
@@ -350,7 +341,7 @@ message protocol_HUBN_NX_Q::requestReadConfig(quint8 address, quint8 terminal, q
 
 message protocol_HUBN_NX_Q::requestReadScript(quint8 address, quint8 number)
 {
-    message result = build(Read_Script, address, byteArray({number}));
+    message result = build(Read_Script, address, QByteArray(1, char(number)));
     result.setNumber(number);
     return result;
 }
@@ -377,7 +368,7 @@ message protocol_HUBN_NX_Q::requestTerminalInfo(quint8 address, quint8 channelCl
 {
     const bool known = channelClass < terminalClasses;
     message result = build(known ? formOfType(Terminal_System_Info + channelClass) : unknownTerminalInfo, address,
-                           byteArray({terminal}));
+                           QByteArray(1, char(terminal)));
     result.markRepeatCheck();
     return result;
 }
