@@ -21,19 +21,21 @@ QString failedBarStyle()
         .arg(look::rgba(QColor(255, 200, 0)), look::rgba(QColor(255, 0, 0)));
 }
 
-QString failureText(FirmwareLoad::End end)
+struct EndTexts
 {
-    switch (end) {
-    case FirmwareLoad::End::PortError:
-        return texts::firmwarePortError();
-    case FirmwareLoad::End::NotResponding:
-        return texts::firmwareNotResponding();
-    case FirmwareLoad::End::WriteError:
-        return texts::firmwareWriteError();
-    default:
-        return texts::firmwareProgrammingError();
-    }
-}
+    QString (*bar)();
+    QString (*result)();
+};
+
+// By FirmwareLoad::End.
+constexpr EndTexts endTexts[] = {
+    {texts::firmwareCompleted, texts::resultFirmwareCompleted},
+    {texts::firmwareAborted, texts::resultFirmwareAborted},
+    {texts::firmwarePortError, texts::resultFirmwareError},
+    {texts::firmwareNotResponding, texts::resultFirmwareError},
+    {texts::firmwareWriteError, texts::resultFirmwareError},
+    {texts::firmwareProgrammingError, texts::resultFirmwareError},
+};
 
 } // namespace
 
@@ -122,31 +124,16 @@ void Loading::startRun()
 
 void Loading::showEnd(FirmwareLoad::End end)
 {
-    if (end == FirmwareLoad::End::Completed) {
-        endWell();
-    } else if (end == FirmwareLoad::End::Aborted) {
-        endWithError(texts::firmwareAborted(), texts::resultFirmwareAborted());
+    const bool isCompleted = end == FirmwareLoad::End::Completed;
+    const EndTexts& told = endTexts[static_cast<int>(end)];
+    ui->progressBar->setFormat(told.bar());
+    ui->progressBar->setValue(ui->progressBar->maximum());
+    ui->progressBar->setStyleSheet(isCompleted ? QStringLiteral("color: black; font-weight:bold;") : failedBarStyle());
+    emit sig_SendResultOperation(told.result() + QLatin1Char('\n') + fileName);
+    ui->ButtonAbort->setText(texts::buttonClose());
+    if (isCompleted) {
+        on_ButtonAbort_clicked();
     } else {
-        endWithError(failureText(end), texts::resultFirmwareError());
+        ui->ButtonRepeat->show();
     }
-}
-
-void Loading::endWithError(const QString& text, const QString& result)
-{
-    ui->progressBar->setFormat(text);
-    ui->progressBar->setValue(ui->progressBar->maximum());
-    ui->progressBar->setStyleSheet(failedBarStyle());
-    emit sig_SendResultOperation(result + QLatin1Char('\n') + fileName);
-    ui->ButtonAbort->setText(texts::buttonClose());
-    ui->ButtonRepeat->show();
-}
-
-void Loading::endWell()
-{
-    ui->progressBar->setFormat(texts::firmwareCompleted());
-    ui->progressBar->setValue(ui->progressBar->maximum());
-    ui->progressBar->setStyleSheet(QStringLiteral("color: black; font-weight:bold;"));
-    emit sig_SendResultOperation(texts::resultFirmwareCompleted() + QLatin1Char('\n') + fileName);
-    ui->ButtonAbort->setText(texts::buttonClose());
-    on_ButtonAbort_clicked();
 }

@@ -55,8 +55,6 @@ protected:
 private:
     void startRun();
     void showEnd(FirmwareLoad::End end);
-    void endWithError(const QString& text, const QString& result);
-    void endWell();
 
     std::unique_ptr<Ui::Loading> ui;
     FirmwareLoad* load;
