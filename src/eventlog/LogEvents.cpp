@@ -38,11 +38,6 @@ EventOfTable toRow(const EventInfo& event)
 
 } // namespace
 
-void LogEvents::setDevices(const Device* catalogue)
-{
-    devices = catalogue;
-}
-
 void LogEvents::decodeEvents(const QByteArrayList& records)
 {
     // The oldest record of a block comes first; the table begins with the newest.

@@ -15,7 +15,10 @@ class Device;
 class LogEvents
 {
 public:
-    void setDevices(const Device* catalogue);
+    void setDevices(const Device* catalogue)
+    {
+        devices = catalogue;
+    }
 
     /// Decodes the records of one block, from the last to the first, and appends the rows they give. A record that is
     /// too short costs one debug line and gives no row.

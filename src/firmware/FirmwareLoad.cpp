@@ -44,11 +44,6 @@ void FirmwareLoad::setImage(const QByteArray& image)
     steps = protocol->requestCount();
 }
 
-int FirmwareLoad::stepCount() const
-{
-    return steps;
-}
-
 void FirmwareLoad::start(quint8 address, int baudrate)
 {
     protocol->buildRequests();
@@ -56,11 +51,6 @@ void FirmwareLoad::start(quint8 address, int baudrate)
     message enterBoot = protocol_HUBN_NX_Q::requestSwitchToBoot(address == noCoordinator ? quint8(0) : address);
     enterBoot.setBaudrate(baudrate);
     send(enterBoot);
-}
-
-bool FirmwareLoad::isRunning() const
-{
-    return running;
 }
 
 void FirmwareLoad::abort()

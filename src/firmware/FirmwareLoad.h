@@ -33,13 +33,19 @@ public:
     void setImage(const QByteArray& image);
 
     /// How many times stepDone() comes in a load that ends well.
-    int stepCount() const;
+    int stepCount() const
+    {
+        return steps;
+    }
 
     /// Begins from the beginning. The address 255 stands for none and is sent as 0; the baud rate is that of the
     /// request to enter the bootloader.
     void start(quint8 address, int baudrate);
 
-    bool isRunning() const;
+    bool isRunning() const
+    {
+        return running;
+    }
 
     /// Ends a load that is on; the answer that is under way changes nothing any more.
     void abort();

@@ -106,16 +106,6 @@ void protocol_boot::buildRequests()
     requests.append(build(Finish));
 }
 
-int protocol_boot::requestCount() const
-{
-    return requests.size();
-}
-
-bool protocol_boot::hasRequests() const
-{
-    return !requests.isEmpty();
-}
-
 message protocol_boot::takeNextRequest()
 {
     return requests.isEmpty() ? message() : requests.takeFirst();

@@ -57,8 +57,14 @@ public:
     void buildRequests();
 
     /// Number of requests not handed out yet.
-    int requestCount() const;
-    bool hasRequests() const;
+    int requestCount() const
+    {
+        return requests.size();
+    }
+    bool hasRequests() const
+    {
+        return !requests.isEmpty();
+    }
 
     /// Hands out the next request; a default message if there is none.
     message takeNextRequest();

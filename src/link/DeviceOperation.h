@@ -1,5 +1,7 @@
 #pragma once
 
+#include "domain/terminals.h"
+
 #include <QObject>
 #include <QString>
 
@@ -21,7 +23,10 @@ public:
     using QObject::QObject;
 
     /// Before the first call there is no current port, and nothing can be sent.
-    virtual void setCoordinator(quint8 address);
+    virtual void setCoordinator(quint8 address)
+    {
+        coordinatorAddress = address;
+    }
 
     /// Whether answers to requests of this type belong here.
     virtual bool handles(int requestType) const = 0;
@@ -48,8 +53,15 @@ signals:
     void resultReady(const QString& result);
 
 protected:
-    bool hasPort() const;
-    quint8 coordinator() const; ///< noCoordinator without a port
+    bool hasPort() const
+    {
+        return coordinatorAddress.has_value();
+    }
+    /// It is noCoordinator without a port.
+    quint8 coordinator() const
+    {
+        return coordinatorAddress.value_or(noCoordinator);
+    }
 
     /// One line of a result: `success`, or `failure` with the number of errors.
     static QString outcome(const QString& success, const QString& failure, int errors);

@@ -209,8 +209,8 @@ void FormChoiceCoordinator::checkTrouble()
     }
 }
 
-template <typename Field>
-PortRow* FormChoiceCoordinator::findRow(Field PortRow::*field, const QObject* object) const
+template <typename Field, typename Object>
+PortRow* FormChoiceCoordinator::findRow(Field PortRow::*field, const Object* object) const
 {
     const auto found = std::find_if(portRows.cbegin(), portRows.cend(),
                                     [field, object](const PortRow* row) { return row->*field == object; });
@@ -237,9 +237,8 @@ void FormChoiceCoordinator::sendStatus(PortStatus status)
 void FormChoiceCoordinator::on_buttonChoicePort_clicked()
 {
     const QTableWidgetItem* const chosen = ui->tableWidget->item(ui->tableWidget->currentRow(), ColumnCoordinator);
-    const auto found = std::find_if(portRows.cbegin(), portRows.cend(),
-                                    [chosen](const PortRow* row) { return row->itemCoordinator == chosen; });
-    link.choose(found != portRows.cend() ? (*found)->port : nullptr);
+    const PortRow* const row = findRow(&PortRow::itemCoordinator, chosen);
+    link.choose(row != nullptr ? row->port : nullptr);
 }
 
 void FormChoiceCoordinator::sl_buttonConnectPress()
@@ -268,21 +267,6 @@ void FormChoiceCoordinator::sl_checkBoxCheckCoordinatorPress()
 }
 
 // What goes to the link as it is.
-
-quint8 FormChoiceCoordinator::currentAddress() const
-{
-    return link.currentAddress();
-}
-
-int FormChoiceCoordinator::currentBaudrate() const
-{
-    return link.currentBaudrate();
-}
-
-void FormChoiceCoordinator::sl_updatePortList()
-{
-    link.updatePortList();
-}
 
 void FormChoiceCoordinator::sl_setStatePort(Transmitter* sender, StatePort state)
 {
@@ -322,47 +306,6 @@ void FormChoiceCoordinator::sl_tryFirstConnectCoordinator()
     if (Port* const port = portOfTimer()) {
         port->repeatSearch();
     }
-}
-
-void FormChoiceCoordinator::sl_PreOperationReadConfigAndScript()
-{
-    link.readConfiguration();
-}
-
-void FormChoiceCoordinator::sl_SendRequestReadConfig(uchar address, uchar number)
-{
-    link.readOutput(address, number);
-}
-
-void FormChoiceCoordinator::sl_SendRequestReadScript(uchar number)
-{
-    link.readScript(number);
-}
-
-void FormChoiceCoordinator::sl_PreOperationWriteConfigAndScript(const QByteArrayList& listConfig,
-                                                                const QByteArrayList& listScript)
-{
-    link.writeConfiguration(listConfig, listScript);
-}
-
-void FormChoiceCoordinator::sl_SendRequestSyncTime()
-{
-    link.setDeviceTime();
-}
-
-void FormChoiceCoordinator::sl_SendRequestBeginReadLog()
-{
-    link.readLog();
-}
-
-void FormChoiceCoordinator::sl_SendRequestOnCurrentPort(const message& request)
-{
-    link.send(request);
-}
-
-void FormChoiceCoordinator::sl_CurrentLoadingFirmwareIsRunning(bool running)
-{
-    link.setFirmwareRunning(running);
 }
 
 void FormChoiceCoordinator::sl_HideFormWaiting()

@@ -42,10 +42,16 @@ public:
 
     /// Coordinator address of the current port, noCoordinator if there is no current port or it was chosen without an
     /// address.
-    quint8 currentAddress() const;
+    quint8 currentAddress() const
+    {
+        return link.currentAddress();
+    }
 
     /// Baud rate at which the current port was chosen, 1200 if there is no current port.
-    int currentBaudrate() const;
+    int currentBaudrate() const
+    {
+        return link.currentBaudrate();
+    }
 
     /// The link that the form shows, for what the form has nothing to add to. A row's firmware button calls the link's
     /// firmware runner.
@@ -56,7 +62,10 @@ public:
 
 public slots:
     // Ports and their coordinators.
-    void sl_updatePortList();
+    void sl_updatePortList()
+    {
+        link.updatePortList();
+    }
     void sl_setStatePort(Transmitter* sender, StatePort state);
     void sl_setBaudratePort(Transmitter* sender, int baudrate);
     void sl_receiveAnswer(Transmitter* sender, const message& answer);
@@ -70,14 +79,38 @@ public slots:
     // Operations of the current port.
 
     /// The busy form stays up for the receiver of the scripts to end.
-    void sl_PreOperationReadConfigAndScript();
-    void sl_SendRequestReadConfig(uchar address, uchar number);
-    void sl_SendRequestReadScript(uchar number);
-    void sl_PreOperationWriteConfigAndScript(const QByteArrayList& listConfig, const QByteArrayList& listScript);
-    void sl_SendRequestSyncTime();
-    void sl_SendRequestBeginReadLog();
-    void sl_SendRequestOnCurrentPort(const message& request);
-    void sl_CurrentLoadingFirmwareIsRunning(bool running);
+    void sl_PreOperationReadConfigAndScript()
+    {
+        link.readConfiguration();
+    }
+    void sl_SendRequestReadConfig(uchar address, uchar number)
+    {
+        link.readOutput(address, number);
+    }
+    void sl_SendRequestReadScript(uchar number)
+    {
+        link.readScript(number);
+    }
+    void sl_PreOperationWriteConfigAndScript(const QByteArrayList& listConfig, const QByteArrayList& listScript)
+    {
+        link.writeConfiguration(listConfig, listScript);
+    }
+    void sl_SendRequestSyncTime()
+    {
+        link.setDeviceTime();
+    }
+    void sl_SendRequestBeginReadLog()
+    {
+        link.readLog();
+    }
+    void sl_SendRequestOnCurrentPort(const message& request)
+    {
+        link.send(request);
+    }
+    void sl_CurrentLoadingFirmwareIsRunning(bool running)
+    {
+        link.setFirmwareRunning(running);
+    }
     void sl_HideFormWaiting();
 
 signals:
@@ -146,8 +179,8 @@ private:
     void sendStatus(PortStatus status);
 
     Port* portOfTimer() const; ///< the port whose timer calls a slot
-    template <typename Field>
-    PortRow* findRow(Field PortRow::*field, const QObject* object) const;
+    template <typename Field, typename Object>
+    PortRow* findRow(Field PortRow::*field, const Object* object) const;
 
     CoordinatorLink link;
     std::unique_ptr<Ui::FormChoiceCoordinator> ui;

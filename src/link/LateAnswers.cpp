@@ -97,11 +97,6 @@ bool LateAnswers::letsGo(const message& next, Moment now)
     return false;
 }
 
-std::optional<LateAnswers::Moment> LateAnswers::waitEnd() const
-{
-    return end;
-}
-
 void LateAnswers::forget()
 {
     *this = LateAnswers(parse);

@@ -56,7 +56,10 @@ public:
     bool letsGo(const message& next, Moment now);
 
     /// When the wait ends if nothing comes; none if nobody waits.
-    std::optional<Moment> waitEnd() const;
+    std::optional<Moment> waitEnd() const
+    {
+        return end;
+    }
 
     /// The line has gone, and whatever was on it.
     void forget();

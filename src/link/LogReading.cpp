@@ -39,11 +39,6 @@ void LogReading::start()
     }
 }
 
-void LogReading::forceNext()
-{
-    logCountPrevious = -1;
-}
-
 bool LogReading::handles(int requestType) const
 {
     return requestType == protocol_HUBN_NX_Q::Read_Log || requestType == protocol_HUBN_NX_Q::Read_Info_Log;

@@ -25,7 +25,10 @@ public:
     void start();
 
     /// Makes the next reading read, whatever the counter says.
-    void forceNext();
+    void forceNext()
+    {
+        logCountPrevious = -1;
+    }
 
     bool handles(int requestType) const override;
     void takeAnswer(const message& answer, bool failed) override;

@@ -51,31 +51,6 @@ void Port::connectWorker()
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
 }
 
-const QString& Port::name() const
-{
-    return portName;
-}
-
-const PortInfo& Port::info() const
-{
-    return known;
-}
-
-quint8 Port::address() const
-{
-    return known.coordinator ? known.coordinator->address : noCoordinator;
-}
-
-Transmitter* Port::worker() const
-{
-    return transmitter;
-}
-
-void Port::start()
-{
-    emit initRequested(transmitter, portName);
-}
-
 void Port::stop()
 {
     if (closing) {
@@ -107,11 +82,6 @@ void Port::close()
     emit closeRequested(transmitter);
 }
 
-void Port::send(const message& request)
-{
-    emit sendRequested(transmitter, request);
-}
-
 void Port::setWatched(bool on)
 {
     switchWatch(on);
@@ -122,11 +92,6 @@ void Port::setWatched(bool on)
     }
 }
 
-void Port::noteWatched(bool on)
-{
-    known.watched = on;
-}
-
 void Port::switchWatch(bool on)
 {
     known.watched = on;
@@ -135,11 +100,6 @@ void Port::switchWatch(bool on)
     } else {
         timerPeriodic.stop();
     }
-}
-
-void Port::setWatchResting(bool on)
-{
-    isWatchResting = on;
 }
 
 /// The system is asked once for each state: a port under watch is opened again and again. A cause that has gone is none
@@ -286,21 +246,11 @@ void Port::answerSearch(const message& answer)
     }
 }
 
-void Port::setSearchRepeated(bool on)
-{
-    isSearchRepeated = on;
-}
-
 bool Port::holdSearch()
 {
     const bool isDue = timerFirstConnect.isActive();
     timerFirstConnect.stop();
     return isDue;
-}
-
-void Port::scheduleSearch()
-{
-    timerFirstConnect.start();
 }
 
 void Port::repeatSearch()

@@ -50,15 +50,31 @@ public:
     ~Port() override;
     Q_DISABLE_COPY_MOVE(Port)
 
-    const QString& name() const;
-    const PortInfo& info() const;
-    quint8 address() const; ///< of the coordinator; noCoordinator without one
+    const QString& name() const
+    {
+        return portName;
+    }
+    const PortInfo& info() const
+    {
+        return known;
+    }
+    /// Of the coordinator; noCoordinator without one.
+    quint8 address() const
+    {
+        return known.coordinator ? known.coordinator->address : noCoordinator;
+    }
 
     /// To connect to and to tell ports apart; what it shall do goes by this class.
-    Transmitter* worker() const;
+    Transmitter* worker() const
+    {
+        return transmitter;
+    }
 
     /// Opens the port for the first time. Once, when all signals are connected.
-    void start();
+    void start()
+    {
+        emit initRequested(transmitter, portName);
+    }
 
     /// Begins the end, so that many ports can end side by side. It comes behind what the worker was told before, but
     /// waits for no answer: a request in flight, and those that queue behind it, end without a word.
@@ -66,20 +82,36 @@ public:
 
     void open();  ///< anew, also an open one; a search follows
     void close(); ///< and forgets the coordinator
-    void send(const message& request);
+    void send(const message& request)
+    {
+        emit sendRequested(transmitter, request);
+    }
     void setWatched(bool on);
-    void noteWatched(bool on); ///< without starting or stopping the watch: what counts as lost goes by it
+    /// Without starting or stopping the watch: what counts as lost goes by it.
+    void noteWatched(bool on)
+    {
+        known.watched = on;
+    }
 
     /// Whether a search that met silence is repeated a second later, four times at the most. It is from the beginning.
-    void setSearchRepeated(bool on);
+    void setSearchRepeated(bool on)
+    {
+        isSearchRepeated = on;
+    }
 
     /// Puts a repeated search off; false if none is due.
     bool holdSearch();
     /// A repeated search is due in a second.
-    void scheduleSearch();
+    void scheduleSearch()
+    {
+        timerFirstConnect.start();
+    }
 
     /// While it rests the watch asks nothing.
-    void setWatchResting(bool on);
+    void setWatchResting(bool on)
+    {
+        isWatchResting = on;
+    }
 
     /// Has the cause looked for anew for which the port can't be used, if it can't: it may have changed by itself.
     void checkTrouble();

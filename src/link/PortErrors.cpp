@@ -6,11 +6,6 @@ PortErrors::PortErrors(QSerialPort& serialPort) : port(serialPort)
 {
 }
 
-void PortErrors::setWriting(bool on)
-{
-    isWriting = on;
-}
-
 bool PortErrors::isMisunderstanding(QSerialPort::SerialPortError error)
 {
     const bool isOfReading = error == QSerialPort::ResourceError || error == QSerialPort::ReadError;

@@ -10,7 +10,10 @@ public:
     explicit PortErrors(QSerialPort& serialPort);
 
     /// While bytes are being written the errors are those of writing.
-    void setWriting(bool on);
+    void setWriting(bool on)
+    {
+        isWriting = on;
+    }
 
     /// Whether an error means nothing. Clearing the buffers can take bytes whose arrival was announced already; the
     /// read that follows finds none, and Qt tells that as the error of whatever call failed last.

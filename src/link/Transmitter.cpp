@@ -25,11 +25,6 @@ Transmitter::~Transmitter()
     }
 }
 
-void Transmitter::setBootParser(BootParser parser)
-{
-    parseBootAnswer = std::move(parser);
-}
-
 void Transmitter::keepLateAnswersApart()
 {
     lateAnswers.emplace([parseBoot = parseBootAnswer](const message& answer) {

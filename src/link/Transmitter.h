@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 class QTimer;
 
@@ -37,7 +38,10 @@ public:
     Q_DISABLE_COPY_MOVE(Transmitter)
 
     /// To be called before the worker moves to its thread. Without a parser no answer to a boot request is valid.
-    void setBootParser(BootParser parser);
+    void setBootParser(BootParser parser)
+    {
+        parseBootAnswer = std::move(parser);
+    }
 
     /// To be called after setBootParser() and before the worker moves to its thread. From then on no request goes out
     /// while a late answer to another one may still come (see LateAnswers); without this, requests follow each other

@@ -74,11 +74,6 @@ Device::Device(Reporter errorReporter, QObject* parent, Files keptFiles)
     readCatalogue();
 }
 
-int Device::deviceCount() const
-{
-    return records.size();
-}
-
 QVariantList Device::deviceRow(int index) const
 {
     if (index < 0 || index >= records.size()) {

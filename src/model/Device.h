@@ -41,7 +41,10 @@ public:
     /// Without a reporter an error goes to the debug stream alone.
     explicit Device(Reporter errorReporter = {}, QObject* parent = nullptr, Files keptFiles = Files::Kept);
 
-    int deviceCount() const;
+    int deviceCount() const
+    {
+        return records.size();
+    }
 
     /// Name, class, version, type, characteristic (each uchar) and the output names (QStringList) of a row; an empty
     /// list past the end.
