@@ -50,8 +50,6 @@ CoordinatorLink::CoordinatorLink(CoordinatorSeams linkSeams, Transmitter::BootPa
     connect(&timerNothingSent, &QTimer::timeout, this, &CoordinatorLink::busyHidden);
 }
 
-CoordinatorLink::~CoordinatorLink() = default;
-
 void CoordinatorLink::connectOperations()
 {
     for (DeviceOperation* const operation : operations) {
@@ -79,16 +77,6 @@ void CoordinatorLink::connectOperations()
 
 // Ports.
 
-void CoordinatorLink::start()
-{
-    portList.start();
-}
-
-void CoordinatorLink::updatePortList()
-{
-    portList.update();
-}
-
 void CoordinatorLink::addPort(Port* port)
 {
     port->setSearchRepeated(current == nullptr);
@@ -109,32 +97,7 @@ void CoordinatorLink::addPort(Port* port)
     emit portAdded(port);
 }
 
-const QVector<Port*>& CoordinatorLink::ports() const
-{
-    return portList.ports();
-}
-
-Port* CoordinatorLink::portOf(const Transmitter* worker) const
-{
-    return portList.portOf(worker);
-}
-
 // The current port.
-
-Port* CoordinatorLink::currentPort() const
-{
-    return current;
-}
-
-quint8 CoordinatorLink::currentAddress() const
-{
-    return chosenAddress;
-}
-
-int CoordinatorLink::currentBaudrate() const
-{
-    return chosenBaudrate;
-}
 
 void CoordinatorLink::choose(Port* port)
 {
@@ -161,16 +124,6 @@ void CoordinatorLink::use(Port& port)
 {
     setCurrent(port);
     tellCurrent();
-}
-
-void CoordinatorLink::keepOnly(const Port& port)
-{
-    portList.keepOnly(port);
-}
-
-void CoordinatorLink::setChoosingFirst(bool on)
-{
-    choosesFirst = on;
 }
 
 void CoordinatorLink::setCurrent(Port& port)
@@ -295,11 +248,6 @@ void CoordinatorLink::send(const message& request)
 }
 
 // Operations.
-
-void CoordinatorLink::abandonOperations()
-{
-    isAbandoned = true;
-}
 
 void CoordinatorLink::searchTerminals(int mostReadings)
 {

@@ -68,25 +68,43 @@ public:
     /// Without a parser no answer to a boot request is valid; it runs on the ports' threads.
     explicit CoordinatorLink(CoordinatorSeams linkSeams = {}, Transmitter::BootParser bootParser = {},
                              QObject* parent = nullptr);
-    ~CoordinatorLink() override;
-    Q_DISABLE_COPY_MOVE(CoordinatorLink)
 
     /// Begins to look for ports. Once, when all signals are connected.
-    void start();
+    void start()
+    {
+        portList.start();
+    }
 
-    const QVector<Port*>& ports() const; ///< in order of discovery; a port that disappears stays
+    /// In order of discovery; a port that disappears stays.
+    const QVector<Port*>& ports() const
+    {
+        return portList.ports();
+    }
 
     /// The port with this worker, which may be gone; null if there is none.
-    Port* portOf(const Transmitter* worker) const;
+    Port* portOf(const Transmitter* worker) const
+    {
+        return portList.portOf(worker);
+    }
 
-    Port* currentPort() const; ///< null before the first choice; a disconnect doesn't clear it
+    /// Null before the first choice; a disconnect doesn't clear it.
+    Port* currentPort() const
+    {
+        return current;
+    }
 
     /// Coordinator address of the current port, noCoordinator if there is no current port or it was chosen without an
     /// address.
-    quint8 currentAddress() const;
+    quint8 currentAddress() const
+    {
+        return chosenAddress;
+    }
 
     /// Baud rate at which the current port was chosen, 1200 if there is no current port.
-    int currentBaudrate() const;
+    int currentBaudrate() const
+    {
+        return chosenBaudrate;
+    }
 
     /// Makes a port the current one and begins the search for terminals if it has a coordinator. Without a port the
     /// current one stays.
@@ -97,10 +115,16 @@ public:
 
     /// Ends all ports but this one, which goes on as it is, and looks for no new ones, for a link that has nothing more
     /// to do with them. Those that ended stay in ports(), and nothing may be asked of them any more.
-    void keepOnly(const Port& port);
+    void keepOnly(const Port& port)
+    {
+        portList.keepOnly(port);
+    }
 
     /// Whether the first coordinator that is found is chosen without the user, as it is from the beginning.
-    void setChoosingFirst(bool on);
+    void setChoosingFirst(bool on)
+    {
+        choosesFirst = on;
+    }
 
     /// Makes the next log reading read the log even if its counter hasn't changed.
     void forceLogReading();
@@ -114,7 +138,10 @@ public:
     /// Nothing more is sent to the current port, and of the operations at hand nothing more is told than that the
     /// request on its way was answered well, if it is (busyStepDone). The link stays so: no further operation can
     /// begin.
-    void abandonOperations();
+    void abandonOperations()
+    {
+        isAbandoned = true;
+    }
 
     /// With so many readings of one step at the most until two in a row agree; 0 for as many as it takes.
     void searchTerminals(int mostReadings = 0);
@@ -141,7 +168,10 @@ public:
 
 public slots:
     /// Looks for new ports.
-    void updatePortList();
+    void updatePortList()
+    {
+        portList.update();
+    }
 
 signals:
     /// A new port, which hasn't been started yet.

@@ -65,11 +65,6 @@ void PortList::add(const QString& name)
     port->start();
 }
 
-const QVector<Port*>& PortList::ports() const
-{
-    return list;
-}
-
 Port* PortList::portOf(const Transmitter* worker) const
 {
     const auto found =

@@ -29,7 +29,10 @@ public:
     Q_DISABLE_COPY_MOVE(PortList)
 
     void start();
-    const QVector<Port*>& ports() const;
+    const QVector<Port*>& ports() const
+    {
+        return list;
+    }
 
     /// The port with this worker, which may be gone; null if there is none.
     Port* portOf(const Transmitter* worker) const;
