@@ -78,14 +78,19 @@ QString hex(int value)
     return QStringLiteral("0x") + QString::number(value, 16).toUpper();
 }
 
-QString line(const char* name, const TerminalModel& model, const QString& outputName)
+/// A line for each model, by a name in one of the languages and with the default name of its outputs.
+QString textOf(const char* TerminalModel::*name, const QString& outputName)
 {
-    QStringList fields = {hex(model.terminalClass), hex(model.version), hex(model.type), hex(model.characteristic)};
-    for (int i = 0; i < model.outputs; ++i) {
-        fields.append(outputName);
+    QString text;
+    for (const TerminalModel& model : models) {
+        QStringList fields = {hex(model.terminalClass), hex(model.version), hex(model.type), hex(model.characteristic)};
+        for (int i = 0; i < model.outputs; ++i) {
+            fields.append(outputName);
+        }
+        text += (QString::fromUtf8(model.*name) + QLatin1Char(';')).leftJustified(nameColumn) +
+                fields.join(QLatin1String("; ")) + QLatin1Char('\n');
     }
-    return (QString::fromUtf8(name) + QLatin1Char(';')).leftJustified(nameColumn) + fields.join(QLatin1String("; ")) +
-           QLatin1Char('\n');
+    return text;
 }
 
 } // namespace
@@ -95,20 +100,12 @@ namespace catalogue
 
 QString english()
 {
-    QString text;
-    for (const TerminalModel& model : models) {
-        text += line(model.name, model, QStringLiteral("Output"));
-    }
-    return text;
+    return textOf(&TerminalModel::name, QStringLiteral("Output"));
 }
 
 QString russian()
 {
-    QString text;
-    for (const TerminalModel& model : models) {
-        text += line(model.localName, model, QStringLiteral("Выход"));
-    }
-    return text;
+    return textOf(&TerminalModel::localName, QStringLiteral("Выход"));
 }
 
 } // namespace catalogue
