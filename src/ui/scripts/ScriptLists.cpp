@@ -3,7 +3,6 @@
 #include "model/RelayInfo.h"
 #include "model/tables.h"
 #include "texts/texts.h"
-#include "ui/scripts/DraggedRowDelegate.h"
 #include "ui/scripts/ScriptLabel.h"
 #include "ui/scripts/ScriptSummary.h"
 #include "widgets/Look.h"
@@ -14,8 +13,10 @@
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QListWidgetItem>
+#include <QPainter>
 #include <QPalette>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <utility>
@@ -66,6 +67,22 @@ void setSelectionColor(QWidget* list)
     colors.setColor(QPalette::Highlight, QColor(120, 190, 255));
     list->setPalette(colors);
 }
+
+/// Gives a row that is being dragged the look of its widget, which the list itself doesn't draw.
+class DraggedRowDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        QWidget* const widget = static_cast<QListWidget*>(parent())->indexWidget(index);
+        if (widget != nullptr && painter->device()->devType() == QInternal::Pixmap) {
+            painter->drawPixmap(option.rect.topLeft(), widget->grab());
+        }
+    }
+};
 
 } // namespace
 
