@@ -86,11 +86,6 @@ public:
 
 } // namespace
 
-bool ScriptLists::ScriptEntry::has(const QObject* part) const
-{
-    return label == part;
-}
-
 ScriptLists::ScriptLists(QSharedPointer<RelayInfo> info, QListWidget* allList, QListWidget* activeList, QObject* parent)
     : QObject(parent), relayInfo(std::move(info)), all(allList), active(activeList)
 {
@@ -105,8 +100,6 @@ ScriptLists::ScriptLists(QSharedPointer<RelayInfo> info, QListWidget* allList, Q
             [this](const QModelIndex&, int firstRow, int lastRow) { dropEntries(firstRow, lastRow); });
     setUpKeys();
 }
-
-ScriptLists::~ScriptLists() = default;
 
 void ScriptLists::rebuildAll()
 {
@@ -226,20 +219,21 @@ void ScriptLists::removeSelected()
 
 void ScriptLists::allCurrentChanged(QListWidgetItem* current)
 {
-    mirrorCurrent(entryOf(allScriptEntries, current), activeScriptEntries, active);
+    mirrorCurrent(entryWith(&ScriptEntry::item, current, allScriptEntries), activeScriptEntries, active);
 }
 
 void ScriptLists::activeCurrentChanged(QListWidgetItem* current)
 {
-    mirrorCurrent(entryOf(activeScriptEntries, current), allScriptEntries, all);
+    mirrorCurrent(entryWith(&ScriptEntry::item, current, activeScriptEntries), allScriptEntries, all);
 }
 
-/// The entry with an item, a label or a script; null if there is none.
-template <typename Part>
-const ScriptLists::ScriptEntry* ScriptLists::entryOf(const Entries& entries, const Part& part)
+/// The entry whose item, label or script is the wanted one; null if there is none.
+template <typename Part, typename Wanted>
+const ScriptLists::ScriptEntry* ScriptLists::entryWith(Part ScriptEntry::*part, const Wanted& wanted,
+                                                       const Entries& entries)
 {
     const auto found =
-        std::find_if(entries.cbegin(), entries.cend(), [&part](const ScriptEntry& entry) { return entry.has(part); });
+        std::find_if(entries.cbegin(), entries.cend(), [&](const ScriptEntry& entry) { return entry.*part == wanted; });
     return found == entries.cend() ? nullptr : &*found;
 }
 
@@ -252,7 +246,7 @@ void ScriptLists::mirrorCurrent(const ScriptEntry* entry, const Entries& others,
     const QSignalBlocker blocker(otherList);
     emit scriptChosen(script);
     // The selection is mirrored for itself. Without a partner nothing is current there.
-    const ScriptEntry* partner = entryOf(others, script);
+    const ScriptEntry* partner = entryWith(&ScriptEntry::script, script, others);
     otherList->setCurrentItem(partner == nullptr ? nullptr : partner->item, QItemSelectionModel::NoUpdate);
 }
 
@@ -305,11 +299,11 @@ bool ScriptLists::eventFilter(QObject* watched, QEvent* event)
 
 bool ScriptLists::doubleClicked(const QObject* label)
 {
-    if (entryOf(allScriptEntries, label) != nullptr) {
+    if (entryWith(&ScriptEntry::label, label, allScriptEntries) != nullptr) {
         addSelected();
         return true;
     }
-    if (entryOf(activeScriptEntries, label) != nullptr) {
+    if (entryWith(&ScriptEntry::label, label, activeScriptEntries) != nullptr) {
         removeSelected();
         return true; // or the list would take it for a press on the row that has moved up under the mouse
     }
@@ -354,16 +348,16 @@ void ScriptLists::dropEntries(int firstRow, int lastRow)
     for (int row = firstRow; row <= lastRow; ++row) {
         const QListWidgetItem* item = active->item(row);
         const auto gone = std::remove_if(activeScriptEntries.begin(), activeScriptEntries.end(),
-                                         [item](const ScriptEntry& entry) { return entry.has(item); });
+                                         [item](const ScriptEntry& entry) { return entry.item == item; });
         activeScriptEntries.erase(gone, activeScriptEntries.end());
     }
 }
 
 void ScriptLists::updateToolTip(const QObject* label)
 {
-    const ScriptEntry* asked = entryOf(allScriptEntries, label);
+    const ScriptEntry* asked = entryWith(&ScriptEntry::label, label, allScriptEntries);
     if (asked == nullptr) {
-        asked = entryOf(activeScriptEntries, label);
+        asked = entryWith(&ScriptEntry::label, label, activeScriptEntries);
     }
     if (asked == nullptr) {
         return;

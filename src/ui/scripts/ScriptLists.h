@@ -27,8 +27,6 @@ class ScriptLists : public QObject
 public:
     ScriptLists(QSharedPointer<RelayInfo> info, QListWidget* allList, QListWidget* activeList,
                 QObject* parent = nullptr);
-    ~ScriptLists() override;
-    Q_DISABLE_COPY_MOVE(ScriptLists)
 
     void rebuildAll();
 
@@ -71,16 +69,6 @@ private:
         QListWidgetItem* item = nullptr;
         ScriptLabel* label = nullptr; ///< the row's item widget
         ScriptInfoPtr script;
-
-        bool has(const QListWidgetItem* part) const
-        {
-            return item == part;
-        }
-        bool has(const QObject* part) const;
-        bool has(const ScriptInfoPtr& part) const
-        {
-            return script == part;
-        }
     };
     using Entries = QList<ScriptEntry>;
 
@@ -90,8 +78,8 @@ private:
     void selectRows(const QVector<bool>& selected, int current);
     void rebuildActive();
     ScriptEntry makeEntry(QListWidget* list, const ScriptInfoPtr& script, const QString& text);
-    template <typename Part>
-    static const ScriptEntry* entryOf(const Entries& entries, const Part& part);
+    template <typename Part, typename Wanted>
+    static const ScriptEntry* entryWith(Part ScriptEntry::*part, const Wanted& wanted, const Entries& entries);
 
     void mirrorCurrent(const ScriptEntry* entry, const Entries& others, QListWidget* otherList);
     static void mirrorSelection(const Entries& entries, QListWidget* list, const Entries& others,
