@@ -48,8 +48,6 @@ public:
 public slots:
     void addSelected();    ///< the scripts selected in the list of all become active for the output
     void removeSelected(); ///< those selected among the active ones no longer are
-    void moveSelectedUp(); ///< by one row, among the active ones; those that stand on top stay there
-    void moveSelectedDown();
 
     void allCurrentChanged(QListWidgetItem* current);
     void activeCurrentChanged(QListWidgetItem* current);

@@ -1,6 +1,5 @@
 // The keys of the lists.
 
-#include "ui/scripts/ScriptLabel.h"
 #include "ui/scripts/ScriptLists.h"
 #include "widgets/copyRows.h"
 
@@ -15,7 +14,7 @@
 /// Of the lists alone: in a field of the editor the same keys edit.
 void ScriptLists::setUpKeys()
 {
-    const auto add = [this](const QKeySequence& key, const QList<QListWidget*>& lists, void (ScriptLists::*slot)()) {
+    const auto add = [this](const QKeySequence& key, const QList<QListWidget*>& lists, auto slot) {
         auto* const action = new QAction(this);
         action->setShortcut(key);
         action->setShortcutContext(Qt::WidgetShortcut);
@@ -27,23 +26,14 @@ void ScriptLists::setUpKeys()
     add(Qt::Key_Insert, {all, active}, &ScriptLists::addSelected);
     add(QKeySequence::Delete, {all, active}, &ScriptLists::removeSelected);
     add(Qt::Key_F2, {all, active}, &ScriptLists::renameWanted);
-    add(Qt::ALT + Qt::Key_Up, {active}, &ScriptLists::moveSelectedUp);
-    add(Qt::ALT + Qt::Key_Down, {active}, &ScriptLists::moveSelectedDown);
+    add(Qt::ALT + Qt::Key_Up, {active}, [this] { moveSelected(-1); });
+    add(Qt::ALT + Qt::Key_Down, {active}, [this] { moveSelected(1); });
     offerCopyOfRows(all);
     offerCopyOfRows(active);
 }
 
-void ScriptLists::moveSelectedUp()
-{
-    moveSelected(-1);
-}
-
-void ScriptLists::moveSelectedDown()
-{
-    moveSelected(1);
-}
-
-/// Each row that is chosen changes places with its neighbour, beginning with those that go first.
+/// By one row, among the active ones; those that stand at the end stay there. Each row that is chosen changes places
+/// with its neighbour, beginning with those that go first.
 void ScriptLists::moveSelected(int step)
 {
     const int count = activeScriptEntries.size();
