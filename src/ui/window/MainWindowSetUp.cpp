@@ -72,8 +72,7 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
       relayInfo(QSharedPointer<RelayInfo>::create()),
       device(new Device([this](const QString& title, const QString& text) { dialogs.critical(nullptr, title, text); },
                         this)),
-      formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now}, &protocol_boot::parseAnswer, this)),
-      statusSections(std::make_unique<StatusBar>())
+      formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now}, &protocol_boot::parseAnswer, this))
 {
     ui->setupUi(this);
     setWindowTitle(texts::applicationTitle() + versionSuffix());
@@ -117,7 +116,7 @@ void MainWindow::setUpWindow()
     ui->tabWidget->removeTab(hiddenTab);
     ui->tabWidget->setCurrentIndex(0);
     setUpDocks();
-    statusSections->install(ui->statusbar);
+    statusSections = std::make_unique<StatusBar>(ui->statusbar);
     fitToScreen(); // before a showing has the layout ask for more
     setUpLog();
 }

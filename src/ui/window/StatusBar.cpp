@@ -132,7 +132,7 @@ void showLamp(QLabel* label, uchar lamp)
 
 } // namespace
 
-StatusBar::StatusBar()
+StatusBar::StatusBar(QStatusBar* bar)
     : labelIconPort(newLabel(QStringLiteral("labelIconPort"))),
       labelBaudrate(newLabel(QStringLiteral("labelBaudrate"), texts::noValue())),
       labelPortName(newLabel<ElidedLabel>(QStringLiteral("labelPortName"), texts::noValue())),
@@ -140,19 +140,14 @@ StatusBar::StatusBar()
       labelSerial(newLabel(QStringLiteral("labelSerial"), texts::noValue())),
       labelVersion(newLabel(QStringLiteral("labelVersion"), texts::noValue())),
       labelResult(newLabel<ResultLabel>(QStringLiteral("labelResult"))),
-      labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue()))
+      labelDeviceTime(newLabel(QStringLiteral("labelDeviceTime"), texts::noValue())), sectionTime(timeSection()),
+      sectionResult(resultSection())
 {
     showLamp(labelIconPort, LampNotConnected);
-}
-
-void StatusBar::install(QStatusBar* bar)
-{
     bar->setSizeGripEnabled(false);
     bar->addWidget(portSection());
     bar->addWidget(coordinatorSection());
-    sectionTime = timeSection();
     bar->addWidget(sectionTime);
-    sectionResult = resultSection();
     bar->addWidget(sectionResult, 1);
 }
 
@@ -165,9 +160,6 @@ void StatusBar::setRoom(int width)
 /// The time says more when there is one, and its section grows.
 void StatusBar::fitResult()
 {
-    if (sectionResult == nullptr) {
-        return; // not in its bar yet
-    }
     const int rest = room - portWidth - coordinatorWidth - sectionTime->sizeHint().width() - betweenSections;
     const int width = qBound(leastResultWidth, rest, resultWidth);
     sectionResult->setMinimumWidth(width);

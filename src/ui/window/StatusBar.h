@@ -12,8 +12,7 @@ class ResultLabel;
 /// The four framed sections of the main window's status bar: port, coordinator, device time, result of the last
 /// operation.
 ///
-/// The labels exist from construction on; install() puts them into the bar, which owns them from then. The main window
-/// holds the one instance. GUI thread only.
+/// The bar owns the labels, and the main window holds the one instance. GUI thread only.
 class StatusBar
 {
 public:
@@ -25,11 +24,7 @@ public:
         LampUnwatched = 2,    ///< not watched; any other number shows the same
     };
 
-    StatusBar();
-    Q_DISABLE_COPY_MOVE(StatusBar)
-    ~StatusBar() = default;
-
-    void install(QStatusBar* bar);
+    explicit StatusBar(QStatusBar* bar);
 
     /// The width that there is for a window. Where it is too small for all sections, the result gives way.
     void setRoom(int width);
@@ -57,7 +52,7 @@ private:
     QLabel* labelVersion;
     ResultLabel* labelResult;
     QLabel* labelDeviceTime;
-    QFrame* sectionTime = nullptr;
-    QFrame* sectionResult = nullptr;
+    QFrame* sectionTime;
+    QFrame* sectionResult;
     int room = QWIDGETSIZE_MAX;
 };

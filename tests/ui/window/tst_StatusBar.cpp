@@ -76,8 +76,7 @@ private:
 void tst_StatusBar::init()
 {
     window = std::make_unique<QMainWindow>();
-    status = std::make_unique<StatusBar>();
-    status->install(window->statusBar());
+    status = std::make_unique<StatusBar>(window->statusBar());
     window->resize(1300, 300);
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
