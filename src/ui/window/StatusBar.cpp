@@ -7,10 +7,8 @@
 
 #include <QFrame>
 #include <QGridLayout>
-#include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
-#include <QPixmap>
 #include <QResizeEvent>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -91,43 +89,32 @@ QString bold(const QString& text)
     return QStringLiteral("<b>%1</b>").arg(text.toHtmlEscaped());
 }
 
-QString lampIcon(uchar lamp)
+struct Lamp
 {
-    switch (lamp) {
+    QString icon;
+    QString meaning; ///< what its colour tells, in words
+};
+
+Lamp lampOf(uchar state)
+{
+    switch (state) {
     case StatusBar::LampNotConnected:
-        return QStringLiteral(":/icons/icons/red.png");
+        return {QStringLiteral(":/icons/icons/red.png"), texts::spokenPortLost()};
     case StatusBar::LampConnected:
-        return QStringLiteral(":/icons/icons/green.png");
+        return {QStringLiteral(":/icons/icons/green.png"), texts::spokenPortWatched()};
     default:
-        return QStringLiteral(":/icons/icons/yellow.png");
+        return {QStringLiteral(":/icons/icons/yellow.png"), texts::spokenPortNotWatched()};
     }
 }
 
-/// Of an icon there is a larger picture for screens of more pixels, which a bare pixmap doesn't know.
-QPixmap lampPicture(uchar lamp)
+void showLamp(QLabel* label, uchar state)
 {
     constexpr QSize pictureSize(32, 32);
-    return QIcon(lampIcon(lamp)).pixmap(pictureSize);
-}
-
-/// What the lamp's colour tells, in words.
-QString lampMeaning(uchar lamp)
-{
-    switch (lamp) {
-    case StatusBar::LampNotConnected:
-        return texts::spokenPortLost();
-    case StatusBar::LampConnected:
-        return texts::spokenPortWatched();
-    default:
-        return texts::spokenPortNotWatched();
-    }
-}
-
-void showLamp(QLabel* label, uchar lamp)
-{
-    label->setPixmap(lampPicture(lamp));
-    label->setAccessibleName(lampMeaning(lamp));
-    label->setToolTip(lampMeaning(lamp));
+    const Lamp lamp = lampOf(state);
+    // Of an icon there is a larger picture for screens of more pixels, which a bare pixmap doesn't know.
+    label->setPixmap(QIcon(lamp.icon).pixmap(pictureSize));
+    label->setAccessibleName(lamp.meaning);
+    label->setToolTip(lamp.meaning);
 }
 
 } // namespace
