@@ -57,12 +57,12 @@ void NodeTree::levelRows(const QList<GroupNode>& nodes)
     QSize output(0, 0);
     for (const GroupNode& node : nodes) {
         if (group.isNull()) {
-            group = treeNodes::rowSize(node.frame, node.label, node.edit);
+            group = treeNodes::rowSize(node);
         }
         node.frame->setRowHeight(group.height() + gap);
         for (const OutputNode& outputNode : node.outputs) {
             if (output.isNull()) {
-                output = treeNodes::rowSize(outputNode.frame, outputNode.label, outputNode.edit);
+                output = treeNodes::rowSize(outputNode);
             }
             outputNode.frame->setRowHeight(output.height() + gap);
         }

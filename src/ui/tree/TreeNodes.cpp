@@ -66,19 +66,6 @@ void describe(QTreeWidgetItem* item, const QString& title, const QString& meanin
     item->setData(0, Qt::AccessibleDescriptionRole, meaning);
 }
 
-void describe(const GroupNode& node)
-{
-    describe(node.item, groupTitle(*node.group),
-             node.group->connected ? texts::spokenTerminalReported() : texts::spokenTerminalNotReported());
-}
-
-void describe(const OutputNode& node)
-{
-    const int scripts = node.relay->activatedScripts.size();
-    describe(node.item, outputTitle(*node.relay),
-             scripts > 0 ? texts::spokenOutputScripts().arg(scripts) : texts::spokenOutputNoScripts());
-}
-
 QString outputBackground(const RelayInformation& relay)
 {
     return relay.activatedScripts.isEmpty() ? QStringLiteral("rgba(187, 187, 187, 150)")
@@ -283,14 +270,17 @@ void paintGroup(const GroupNode& node)
 {
     paint(node.frame, groupBackground(node.group));
     if (node.group) {
-        describe(node);
+        describe(node.item, groupTitle(*node.group),
+                 node.group->connected ? texts::spokenTerminalReported() : texts::spokenTerminalNotReported());
     }
 }
 
 void paintOutput(const OutputNode& node)
 {
     paint(node.frame, outputBackground(*node.relay));
-    describe(node);
+    const int scripts = node.relay->activatedScripts.size();
+    describe(node.item, outputTitle(*node.relay),
+             scripts > 0 ? texts::spokenOutputScripts().arg(scripts) : texts::spokenOutputNoScripts());
 }
 
 void paintStartState(QComboBox* combo, int index)
@@ -299,10 +289,10 @@ void paintStartState(QComboBox* combo, int index)
     combo->setToolTip(QString());
 }
 
-QSize rowSize(const NodeFrame* frame, const QLabel* label, const QLineEdit* edit)
+QSize rowSize(const TreeNode& node)
 {
-    const int excess = edit->sizeHint().height() - label->sizeHint().height();
-    return frame->naturalSize() + QSize(0, qMax(0, excess));
+    const int excess = node.edit->sizeHint().height() - node.label->sizeHint().height();
+    return node.frame->naturalSize() + QSize(0, qMax(0, excess));
 }
 
 } // namespace treeNodes

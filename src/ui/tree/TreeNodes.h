@@ -16,25 +16,26 @@ class QLineEdit;
 class QTreeWidgetItem;
 class QWidget;
 
-/// What the tree shows for one output: an item whose frame holds the name, the initial state and the return to it.
-struct OutputNode
+/// An item whose frame holds a name.
+struct TreeNode
 {
     QTreeWidgetItem* item = nullptr;
+    NodeFrame* frame = nullptr;
     QLabel* label = nullptr;
     QLineEdit* edit = nullptr; ///< replaces the label while renaming; hidden otherwise
+};
+
+/// What the tree shows for one output: with the name the initial state and the return to it.
+struct OutputNode : TreeNode
+{
     QComboBox* comboStartState = nullptr;
     QCheckBox* checkReturn = nullptr;
-    NodeFrame* frame = nullptr;
     RelayInformationPtr relay;
 };
 
 /// What the tree shows for the head unit or a terminal, with its outputs.
-struct GroupNode
+struct GroupNode : TreeNode
 {
-    QTreeWidgetItem* item = nullptr;
-    QLabel* label = nullptr;
-    QLineEdit* edit = nullptr; ///< replaces the label while renaming; hidden otherwise
-    NodeFrame* frame = nullptr;
     GroupRelayPtr group;
     QList<OutputNode> outputs;
 
@@ -94,6 +95,6 @@ void paintOutput(const OutputNode& node);
 void paintStartState(QComboBox* combo, int index); ///< -1 is a state that the list doesn't have
 
 /// The least width and the height of a row that holds the frame of a node, with its label or with its edit.
-QSize rowSize(const NodeFrame* frame, const QLabel* label, const QLineEdit* edit);
+QSize rowSize(const TreeNode& node);
 
 } // namespace treeNodes
