@@ -244,56 +244,28 @@ void Tree_Relay_Widget::repaintOutputs(const GroupNode& node)
 
 void Tree_Relay_Widget::on_treeWidget_itemSelectionChanged()
 {
-    for (const GroupNode& node : std::as_const(nodes)) {
-        if (node.item->isSelected()) {
-            selectGroup(node);
-            return;
-        }
-        for (const OutputNode& output : node.outputs) {
-            if (output.item->isSelected()) {
-                selectOutput(node, output);
-                return;
-            }
-        }
+    const NodePlace place = treeNodes::find(nodes, [](const auto& node) { return node.item->isSelected(); });
+    if (place.node < 0) {
+        return;
     }
-}
-
-void Tree_Relay_Widget::selectOutput(const GroupNode& node, const OutputNode& output)
-{
+    const GroupNode& node = nodes.at(place.node);
+    const bool isGroup = place.output < 0;
+    const RelayInformationPtr relay = isGroup ? node.firstRelay() : node.outputs.at(place.output).relay;
     if (!node.group) {
         qDebug("RELAY : Tree_Relay_Widget : (ERROR) Group relays NOT FOUND to "
-               "on_treeWidget_itemSelectionChanged()_(2)");
-        return;
+               "on_treeWidget_itemSelectionChanged()_(%d)",
+               isGroup ? 1 : 2);
+    } else if (!relay) {
+        if (isGroup) {
+            currentGroup.clear();
+        }
+        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to on_treeWidget_itemSelectionChanged()_(%d)",
+               isGroup ? 1 : 2);
+    } else {
+        currentGroup = node.group;
+        workGroup = node.group;
+        emit sig_changeRelay(relay, node.group);
     }
-    if (!output.relay) {
-        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to on_treeWidget_itemSelectionChanged()_(2)");
-        return;
-    }
-    currentGroup = node.group;
-    workOn(output.relay, node.group);
-}
-
-void Tree_Relay_Widget::selectGroup(const GroupNode& node)
-{
-    if (!node.group) {
-        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Group relays NOT FOUND to "
-               "on_treeWidget_itemSelectionChanged()_(1)");
-        return;
-    }
-    currentGroup = node.group;
-    const RelayInformationPtr first = node.firstRelay();
-    if (!first) {
-        currentGroup.clear();
-        qDebug("RELAY : Tree_Relay_Widget : (ERROR) Relay NOT FOUND to on_treeWidget_itemSelectionChanged()_(1)");
-        return;
-    }
-    workOn(first, node.group);
-}
-
-void Tree_Relay_Widget::workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group)
-{
-    workGroup = group;
-    emit sig_changeRelay(relay, group);
 }
 
 void Tree_Relay_Widget::sl_CreateNewGroupAndRelays(const QString& nameGroup, short addressGroup,

@@ -86,9 +86,6 @@ private:
     void connectOutput(const OutputNode& node);
     void addButtonRow();
     void scrollToCurrentGroup();
-    void selectGroup(const GroupNode& node);
-    void selectOutput(const GroupNode& node, const OutputNode& output);
-    void workOn(const RelayInformationPtr& relay, const GroupRelayPtr& group);
     static void repaintOutputs(const GroupNode& node);
     void keyReleased(const NodePlace& place, const QKeyEvent* event);
     void endRename(const NodePlace& place);
