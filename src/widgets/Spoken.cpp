@@ -24,9 +24,10 @@ void call(QWidget* control, const QString& name)
     }
 }
 
-void nameBy(QWidget* control, QLabel* caption)
+void nameBy(QWidget* control, QLabel* caption, const QString& text)
 {
-    call(control, name(caption->text()));
+    caption->setText(text);
+    call(control, name(text));
     caption->setBuddy(control);
 }
 

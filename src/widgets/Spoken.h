@@ -14,7 +14,7 @@ QString name(const QString& caption);
 /// Names a control. Of a combo box, whose choice is told as its name on some platforms, it is the description too.
 void call(QWidget* control, const QString& name);
 
-/// Names a control by the label that stands beside it or above it, as the label says now, and ties the two.
-void nameBy(QWidget* control, QLabel* caption);
+/// Writes the label that stands beside a control or above it, names the control by it, and ties the two.
+void nameBy(QWidget* control, QLabel* caption, const QString& text);
 
 } // namespace spoken

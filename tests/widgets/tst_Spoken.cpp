@@ -35,9 +35,9 @@ void tst_Spoken::aCaptionBecomesAName()
 void tst_Spoken::aControlIsNamedByItsCaptionAndTiedToIt()
 {
     QWidget window;
-    QLabel label(QStringLiteral("Name of script:"), &window);
+    QLabel label(&window);
     QLineEdit edit(&window);
-    spoken::nameBy(&edit, &label);
+    spoken::nameBy(&edit, &label, QStringLiteral("Name of script:"));
     QCOMPARE(edit.accessibleName(), QStringLiteral("Name of script"));
     QCOMPARE(label.buddy(), &edit);
     QCOMPARE(label.text(), QStringLiteral("Name of script:"));

@@ -12,14 +12,10 @@ GeneralSection::GeneralSection(const Ui::Setting_Script_Widget& form, const Rela
                                          {form.comboDuration, &ScriptInfo::duration,
                                           fill(form.comboDuration, model.durations())}}
 {
-    setTexts({{ui.titleName, texts::editorName()},
-              {ui.titleMode, texts::editorMode()},
-              {ui.labelTitleDelay, texts::editorDelay()},
-              {ui.labelTitleDuration, texts::editorDuration()}});
-    spoken::nameBy(ui.lineEditNameScript, ui.titleName);
-    spoken::nameBy(ui.comboModeWorkRelay, ui.titleMode);
-    spoken::nameBy(ui.comboDelay, ui.labelTitleDelay);
-    spoken::nameBy(ui.comboDuration, ui.labelTitleDuration);
+    spoken::nameBy(ui.lineEditNameScript, ui.titleName, texts::editorName());
+    spoken::nameBy(ui.comboModeWorkRelay, ui.titleMode, texts::editorMode());
+    spoken::nameBy(ui.comboDelay, ui.labelTitleDelay, texts::editorDelay());
+    spoken::nameBy(ui.comboDuration, ui.labelTitleDuration, texts::editorDuration());
 }
 
 void GeneralSection::showScript()

@@ -51,8 +51,9 @@ PeriodsSection::PeriodsSection(const Ui::Setting_Script_Widget& form, QObject* p
       dateBegin(addTo(form.F_DateBegin, new SpecialDateFrame(nullptr, true))),
       dateEnd(addTo(form.F_DateEnd, new SpecialDateFrame(nullptr, true)))
 {
-    setHeading(ui.titleFilterDateTime, texts::editorFilterByDateAndTime());
-    setTexts({{ui.titleFilterDays, texts::editorFilterByDays()},
+    setHeading(ui.titleFilterDateTime);
+    setTexts({{ui.titleFilterDateTime, texts::editorFilterByDateAndTime()},
+              {ui.titleFilterDays, texts::editorFilterByDays()},
               {ui.checkBoxMon, texts::dayMonday()},
               {ui.checkBoxTue, texts::dayTuesday()},
               {ui.checkBoxWed, texts::dayWednesday()},

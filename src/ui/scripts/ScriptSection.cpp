@@ -93,14 +93,13 @@ void ScriptSection::paint(QComboBox* combo)
     combo->setToolTip(QString());
 }
 
-void ScriptSection::setHeading(QLabel* label, const QString& text)
+void ScriptSection::setHeading(QLabel* label)
 {
     QFont font;
     font.setBold(true);
     label->setFont(font);
     label->setStyleSheet(QStringLiteral("background: rgb(220,220,220); padding: 3px;"));
     label->setAlignment(Qt::AlignCenter);
-    label->setText(text);
 }
 
 void ScriptSection::setTexts(std::initializer_list<std::pair<QWidget*, QString>> texts)

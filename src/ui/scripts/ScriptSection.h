@@ -68,7 +68,7 @@ protected:
     static void choose(QComboBox* combo, const ParamItemPtr& row);
     static void paint(QComboBox* combo);
 
-    static void setHeading(QLabel* label, const QString& text);
+    static void setHeading(QLabel* label);
     static void setTexts(std::initializer_list<std::pair<QWidget*, QString>> texts);
 
     const Ui::Setting_Script_Widget& ui;

@@ -42,16 +42,16 @@ TriggerSection::TriggerSection(const Ui::Setting_Script_Widget& form, const Rela
       families{{StateKind::Button, form.comboBoxPNB, form.F_PNB},
                {StateKind::Analog, form.comboBoxAnalog, form.comboBoxAnalog}}
 {
-    setHeading(ui.titleStateChannel, texts::editorChannelState());
-    setHeading(ui.titleStateDevice, texts::editorTerminalStatus());
+    setHeading(ui.titleStateChannel);
+    setHeading(ui.titleStateDevice);
     setTexts({{ui.radioShortPress, texts::pressShort()},
               {ui.radioLongPress, texts::pressLong()},
               {ui.titleNumberChannel, texts::editorChannelNumbers()}});
     for (const FamilyControls& family : families) {
         fill(family.list, scriptRules::linkedStates(allStates, family.kind));
     }
-    spoken::nameBy(ui.comboStateChannel, ui.titleStateChannel);
-    spoken::nameBy(ui.listStateDevice, ui.titleStateDevice);
+    spoken::nameBy(ui.comboStateChannel, ui.titleStateChannel, texts::editorChannelState());
+    spoken::nameBy(ui.listStateDevice, ui.titleStateDevice, texts::editorTerminalStatus());
     spoken::call(ui.comboBoxPNB, texts::statePanicButton());
     spoken::call(ui.comboBoxAnalog, texts::stateAnalog());
     ui.spinBoxOtherStateChannel->setAccessibleName(texts::spokenOtherState());

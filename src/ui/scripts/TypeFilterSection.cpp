@@ -35,21 +35,18 @@ TypeFilterSection::TypeFilterSection(const Ui::Setting_Script_Widget& form, cons
                {form.checkBoxExternalPower, 2},
                {form.checkBoxBattery, 1}}
 {
-    setHeading(ui.titleFilterTerminal, texts::editorFilterOfTerminal());
-    setTexts({{ui.checkBoxType, texts::editorFilterByType()},
-              {ui.titleClass, texts::editorClass()},
-              {ui.titleVersion, texts::editorVersion()},
-              {ui.titleType, texts::editorType()},
-              {ui.titleDescription, texts::editorDescription()},
+    setHeading(ui.titleFilterTerminal);
+    setTexts({{ui.titleFilterTerminal, texts::editorFilterOfTerminal()},
+              {ui.checkBoxType, texts::editorFilterByType()},
               {ui.checkBoxAlwaysConnect, texts::featureAlwaysConnected()},
               {ui.checkBoxSound, texts::featureSound()},
               {ui.checkBoxExternalPower, texts::featureExternalPower()},
               {ui.checkBoxBattery, texts::featureReservePower()}});
     spoken::call(ui.comboBoxSelectType, texts::editorFilterByType());
-    spoken::nameBy(ui.spinBoxClass, ui.titleClass);
-    spoken::nameBy(ui.spinBoxVersion, ui.titleVersion);
-    spoken::nameBy(ui.spinBoxType, ui.titleType);
-    spoken::nameBy(ui.spinBoxCharacteristic, ui.titleDescription);
+    spoken::nameBy(ui.spinBoxClass, ui.titleClass, texts::editorClass());
+    spoken::nameBy(ui.spinBoxVersion, ui.titleVersion, texts::editorVersion());
+    spoken::nameBy(ui.spinBoxType, ui.titleType, texts::editorType());
+    spoken::nameBy(ui.spinBoxCharacteristic, ui.titleDescription, texts::editorDescription());
     setUpNumbers();
     fillTypes();
     ui.F_ManualType->setEnabled(false);

@@ -57,21 +57,14 @@ FormAddingTerminal::~FormAddingTerminal() = default;
 void FormAddingTerminal::setTexts()
 {
     setWindowTitle(texts::addTerminalTitle());
-    ui->labelChoice->setText(texts::addTerminalModel());
-    ui->labelName->setText(texts::addTerminalName());
-    ui->labelNum->setText(texts::addTerminalOutputCount());
-    ui->labelOutput1->setText(texts::addTerminalOutput1());
-    ui->labelOutput2->setText(texts::addTerminalOutput2());
-    ui->labelOutput3->setText(texts::addTerminalOutput3());
-    ui->labelOutput4->setText(texts::addTerminalOutput4());
-    ui->labelTitleaddress->setText(texts::addTerminalAddress());
-    spoken::nameBy(ui->comboBoxTerminals, ui->labelChoice);
-    spoken::nameBy(ui->lineEditTerminal, ui->labelName);
-    spoken::nameBy(ui->spinBoxOutputs, ui->labelNum);
-    spoken::nameBy(ui->comboBoxAddress, ui->labelTitleaddress);
-    for (const OutputRow& row : std::as_const(outputs)) {
-        spoken::nameBy(row.edit, row.label);
-    }
+    spoken::nameBy(ui->comboBoxTerminals, ui->labelChoice, texts::addTerminalModel());
+    spoken::nameBy(ui->lineEditTerminal, ui->labelName, texts::addTerminalName());
+    spoken::nameBy(ui->spinBoxOutputs, ui->labelNum, texts::addTerminalOutputCount());
+    spoken::nameBy(ui->lineEditOutput1, ui->labelOutput1, texts::addTerminalOutput1());
+    spoken::nameBy(ui->lineEditOutput2, ui->labelOutput2, texts::addTerminalOutput2());
+    spoken::nameBy(ui->lineEditOutput3, ui->labelOutput3, texts::addTerminalOutput3());
+    spoken::nameBy(ui->lineEditOutput4, ui->labelOutput4, texts::addTerminalOutput4());
+    spoken::nameBy(ui->comboBoxAddress, ui->labelTitleaddress, texts::addTerminalAddress());
     ui->pushButton->setText(texts::buttonAdd());
     ui->pushButtonClose->setText(texts::buttonCancel());
 }

@@ -101,8 +101,8 @@ void MainWindow::setUpTabShortcuts()
 void MainWindow::setUpSpokenNames()
 {
     spoken::call(ui->listWidgetActivateScript, spoken::name(ui->labelTitleActivateScript->text()));
-    spoken::nameBy(ui->listWidgetAllScript, ui->labelTitleAllScript);
-    spoken::nameBy(ui->textEditComment, ui->labelTitleComment);
+    spoken::nameBy(ui->listWidgetAllScript, ui->labelTitleAllScript, texts::listAvailableScripts());
+    spoken::nameBy(ui->textEditComment, ui->labelTitleComment, texts::commentTitle());
     ui->tableViewLogEvents->setAccessibleName(texts::tabLogEvents());
     ui->tableLogger->setAccessibleName(texts::spokenPackets());
     ui->tabWidget->setAccessibleName(texts::spokenTabs());

@@ -330,9 +330,7 @@ void MainWindow::setTexts()
     tabs->setTabText(tabs->indexOf(ui->tabLogEvents), texts::tabLogEvents());
     tabs->setTabText(tabs->indexOf(ui->tabLogger), texts::tabPacketLogger());
 
-    ui->labelTitleAllScript->setText(texts::listAvailableScripts());
     ui->labelTitleActivateScript->setText(texts::listActiveScriptsFor());
-    ui->labelTitleComment->setText(texts::commentTitle());
 }
 
 void MainWindow::connectActions()
