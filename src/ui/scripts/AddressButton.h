@@ -2,7 +2,6 @@
 
 #include "model/TerminalType.h"
 
-#include <QSharedPointer>
 #include <QString>
 
 class PicturedButton;

@@ -2,7 +2,6 @@
 
 #include "ui/scripts/ScriptSection.h"
 
-class QFrame;
 class SpecialDateFrame;
 class SpecialTimeFrame;
 

@@ -9,7 +9,6 @@
 
 #include <QAbstractItemView>
 #include <QEvent>
-#include <QFontMetrics>
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QListWidgetItem>

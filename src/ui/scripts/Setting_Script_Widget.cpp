@@ -14,7 +14,6 @@
 
 #include <QListView>
 #include <QPushButton>
-#include <QWheelEvent>
 
 namespace
 {

@@ -7,15 +7,10 @@
 #include "widgets/ScreenRoom.h"
 #include "widgets/Spoken.h"
 
-#include <QComboBox>
 #include <QEvent>
 #include <QKeyEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QScreen>
 #include <QShowEvent>
-#include <QSpinBox>
 
 #include <algorithm>
 #include <utility>

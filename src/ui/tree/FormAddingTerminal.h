@@ -13,12 +13,10 @@ class QLabel;
 class QLineEdit;
 class RelayInfo;
 
-QT_BEGIN_NAMESPACE
 namespace Ui
 {
 class FormAddingTerminal;
 }
-QT_END_NAMESPACE
 
 /// The small window in which the user adds an executive terminal by hand: a model of the catalogue or "<other>", a
 /// free address and the names of the outputs.

@@ -4,7 +4,6 @@
 #include "model/ParamItem.h"
 
 #include <QList>
-#include <QSharedPointer>
 #include <QSize>
 #include <QString>
 

@@ -13,12 +13,10 @@ class QKeyEvent;
 class QPoint;
 class RelayInfo;
 
-QT_BEGIN_NAMESPACE
 namespace Ui
 {
 class Tree_Relay_Widget;
 }
-QT_END_NAMESPACE
 
 /// The panel with the head unit, the executive terminals and their outputs: here the user selects the output to work
 /// on, sets its initial state and its return to that state, renames, adds and hides terminals.

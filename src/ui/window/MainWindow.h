@@ -31,12 +31,10 @@ class SqlModel;
 class StatusBar;
 class Tree_Relay_Widget;
 
-QT_BEGIN_NAMESPACE
 namespace Ui
 {
 class MainWindow;
 }
-QT_END_NAMESPACE
 
 /// What the window takes from outside; an empty function or a null pointer means the real thing.
 struct WindowSeams

@@ -2,7 +2,6 @@
 #include "link/FormChoiceCoordinator.h"
 #include "model/Device.h"
 #include "model/RelayInfo.h"
-#include "model/format.h"
 #include "texts/texts.h"
 #include "ui/log/LogTab.h"
 #include "ui/log/PacketLogger.h"
