@@ -16,7 +16,7 @@ class PeriodsSection : public ScriptSection
 public:
     PeriodsSection(const Ui::Setting_Script_Widget& form, QObject* parent);
 
-    QList<QCheckBox*> days() const ///< Monday to Sunday
+    const QList<QCheckBox*>& days() const ///< Monday to Sunday
     {
         return dayBoxes;
     }

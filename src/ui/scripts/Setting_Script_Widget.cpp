@@ -57,15 +57,13 @@ void Setting_Script_Widget::connectSections()
 
 void Setting_Script_Widget::connectControls()
 {
-    const auto channels = trigger->channels();
-    for (const QPushButton* button : channels) {
+    for (const QPushButton* button : trigger->channels()) {
         connect(button, &QPushButton::clicked, this, &Setting_Script_Widget::sl_buttonChannel_clicked);
     }
     for (const AddressButton& entry : addressFilter->buttons()) {
         connect(entry.button, &QPushButton::clicked, this, &Setting_Script_Widget::sl_addressButton_clicked);
     }
-    const auto days = periods->days();
-    for (const QCheckBox* box : days) {
+    for (const QCheckBox* box : periods->days()) {
         connect(box, &QCheckBox::clicked, this, &Setting_Script_Widget::sl_checkBoxDayOfWeek_clicked);
     }
     const auto times = periods->times();

@@ -17,7 +17,7 @@ class TriggerSection : public ScriptSection
 public:
     TriggerSection(const Ui::Setting_Script_Widget& form, const RelayInfo& model, QObject* parent);
 
-    QList<StateButton*> channels() const ///< the buttons of channels 1 to 4
+    const QList<StateButton*>& channels() const ///< the buttons of channels 1 to 4
     {
         return channelWidgets;
     }
