@@ -11,12 +11,6 @@
 namespace
 {
 
-/// Dark enough to stand out from the grey of windows, the white of fields and the green, yellow and red of rows.
-QColor lineColor()
-{
-    return {0, 72, 186};
-}
-
 class Line : public QWidget
 {
 public:
@@ -30,7 +24,8 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override
     {
-        QPainter(this).fillRect(rect(), lineColor());
+        // Dark enough to stand out from the grey of windows, the white of fields and the green, yellow and red of rows.
+        QPainter(this).fillRect(rect(), QColor(0, 72, 186));
     }
 };
 

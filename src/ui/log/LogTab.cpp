@@ -10,13 +10,6 @@
 #include <QTableView>
 #include <QTimer>
 
-namespace
-{
-
-constexpr int batchSize = 2000;
-
-} // namespace
-
 LogTab::LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& fileDialogs, QObject* parent)
     : QObject(parent), dialogParent(widgets.window), view(widgets.view),
       tools(new LogTools(widgets.window, widgets.view, fileDialogs, this)), countRows(widgets.countRows),
@@ -168,6 +161,7 @@ void LogTab::sl_InsertNextPartEvents(ErrorDataBase err)
         stopWithFault(texts::databaseFaultWorking());
         return;
     }
+    constexpr int batchSize = 2000;
     const QList<EventOfTable> rows = logEvents.takeEvents(batchSize);
     if (rows.isEmpty()) {
         endReading(batches == 0 && eventsAreMissing);

@@ -20,8 +20,6 @@
 namespace
 {
 
-constexpr int wheelStep = 24; // pixels; the rows are too tall for Qt's own choice
-
 class GapDelegate : public QStyledItemDelegate
 {
 public:
@@ -37,6 +35,7 @@ public:
 
 NodeTree::NodeTree(QWidget* parent) : QTreeWidget(parent)
 {
+    constexpr int wheelStep = 24; // pixels; the rows are too tall for Qt's own choice
     setVerticalScrollMode(ScrollPerPixel);
     verticalScrollBar()->setSingleStep(wheelStep);
     setItemDelegate(new GapDelegate(this));

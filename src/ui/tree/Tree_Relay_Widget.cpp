@@ -16,14 +16,6 @@
 #include <algorithm>
 #include <utility>
 
-namespace
-{
-
-// The head unit and 31 addresses of terminals.
-constexpr int maximumNodes = 32;
-
-} // namespace
-
 Tree_Relay_Widget::Tree_Relay_Widget(QSharedPointer<RelayInfo> info, QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::Tree_Relay_Widget>()), m_info(std::move(info))
 {
@@ -158,6 +150,7 @@ void Tree_Relay_Widget::fillTree()
         std::for_each(node.outputs.cbegin(), node.outputs.cend(),
                       [this](const OutputNode& output) { connectOutput(output); });
     }
+    constexpr int maximumNodes = 32; // the head unit and 31 addresses of terminals
     if (nodes.size() < maximumNodes) {
         addButtonRow();
     }

@@ -6,14 +6,6 @@
 
 #include <QIcon>
 
-namespace
-{
-
-/// For a port on which no coordinator has ever answered.
-constexpr int usualBaudrate = 57600;
-
-} // namespace
-
 FirmwareLoading::FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialogs, QWidget* dialogParent,
                                  QObject* parent)
     : QObject(parent), coordinator(form), dialogs(fileDialogs), window(dialogParent)
@@ -55,6 +47,7 @@ void FirmwareLoading::loadOnPort(const FirmwarePort& port)
 /// The dialog deletes itself when it has closed.
 Loading* FirmwareLoading::createDialog(quint8 address, int baudrate, const FirmwareFile& file)
 {
+    constexpr int usualBaudrate = 57600; // for a port on which no coordinator has ever answered
     auto* const loading = new Loading;
     loading->setWindowIcon(window->windowIcon());
     // The main window's closing ends the application also in the middle of a load.

@@ -42,11 +42,6 @@ constexpr int usableEditorWidth = 240;
 constexpr int leastEditorWidth = 130;
 constexpr int widthForDocks = 1000; ///< of a window in which both docks and the tabs have their room
 
-QString versionSuffix()
-{
-    return QStringLiteral(" (v.2.1) βeta");
-}
-
 QString titleBackground()
 {
     return QStringLiteral("rgb(220,220,220)");
@@ -74,7 +69,7 @@ MainWindow::MainWindow(WindowSeams windowSeams, QWidget* parent)
       formChoiceCoordinator(new FormChoiceCoordinator({seams.portNames, seams.now}, &protocol_boot::parseAnswer, this))
 {
     ui->setupUi(this);
-    setWindowTitle(texts::applicationTitle() + versionSuffix());
+    setWindowTitle(texts::applicationTitle() + QStringLiteral(" (v.2.1) βeta"));
     // Qt's own way out would first ask every form that is still open to close, and stay if one refused.
     connect(qApp, &QGuiApplication::lastWindowClosed, this, [] { QCoreApplication::exit(0); });
     setUpWindow();

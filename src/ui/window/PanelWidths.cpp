@@ -13,16 +13,10 @@
 #include <algorithm>
 #include <utility>
 
-namespace
-{
-
-constexpr int oneStep = 20;
-
-} // namespace
-
 PanelWidths::PanelWidths(QMainWindow* mainWindow, const QList<QDockWidget*>& panels)
     : QObject(mainWindow), window(mainWindow), docks(panels)
 {
+    constexpr int oneStep = 20;
     addAction(QStringLiteral("actionNarrowPanels"), texts::panelsNarrow(), Qt::Key_F8, -oneStep);
     addAction(QStringLiteral("actionWidenPanels"), texts::panelsWiden(), Qt::SHIFT + Qt::Key_F8, oneStep);
     for (QDockWidget* const dock : panels) {
