@@ -4,6 +4,8 @@
 #include "texts/texts.h"
 #include "widgets/Dialogs.h"
 
+#include <QWidget>
+
 namespace
 {
 
@@ -32,9 +34,8 @@ QString loadText(int loadResult, int errorCount)
 
 } // namespace
 
-ConfigurationFiles::ConfigurationFiles(QSharedPointer<RelayInfo> model, Dialogs* fileDialogs, QWidget* dialogParent,
-                                       QObject* parent)
-    : QObject(parent), relayInfo(std::move(model)), dialogs(fileDialogs), window(dialogParent)
+ConfigurationFiles::ConfigurationFiles(QSharedPointer<RelayInfo> model, Dialogs* fileDialogs, QWidget* mainWindow)
+    : QObject(mainWindow), relayInfo(std::move(model)), dialogs(fileDialogs), window(mainWindow)
 {
 }
 

@@ -18,9 +18,8 @@ class ConfigurationFiles : public QObject
     Q_OBJECT
 
 public:
-    /// The dialogs and the parent of the dialogs must outlive it.
-    ConfigurationFiles(QSharedPointer<RelayInfo> model, Dialogs* fileDialogs, QWidget* dialogParent,
-                       QObject* parent = nullptr);
+    /// The dialogs must outlive it.
+    ConfigurationFiles(QSharedPointer<RelayInfo> model, Dialogs* fileDialogs, QWidget* mainWindow);
 
 public slots:
     void save();

@@ -6,9 +6,8 @@
 
 #include <QIcon>
 
-FirmwareLoading::FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialogs, QWidget* dialogParent,
-                                 QObject* parent)
-    : QObject(parent), coordinator(form), dialogs(fileDialogs), window(dialogParent)
+FirmwareLoading::FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialogs, QWidget* mainWindow)
+    : QObject(mainWindow), coordinator(form), dialogs(fileDialogs), window(mainWindow)
 {
 }
 

@@ -21,9 +21,8 @@ class FirmwareLoading : public QObject
     Q_OBJECT
 
 public:
-    /// The form, the dialogs and the parent of the file dialog must outlive it.
-    FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialogs, QWidget* dialogParent,
-                    QObject* parent = nullptr);
+    /// The form and the dialogs must outlive it.
+    FirmwareLoading(FormChoiceCoordinator* form, Dialogs* fileDialogs, QWidget* mainWindow);
 
     /// An action for the user of the loading dialogs. It has to live as long as this.
     void offer(QAction* action);

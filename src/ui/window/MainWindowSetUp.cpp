@@ -267,7 +267,7 @@ void MainWindow::connectCoordinatorData()
 
 void MainWindow::connectFiles()
 {
-    configurationFiles = new ConfigurationFiles(relayInfo, &dialogs, this, this);
+    configurationFiles = new ConfigurationFiles(relayInfo, &dialogs, this);
     connect(configurationFiles, &ConfigurationFiles::result, this, &MainWindow::sl_ReceiveNewMessageAboutResult);
     connect(configurationFiles, &ConfigurationFiles::modelReplaced, this, &MainWindow::showReplacedModel);
     connect(configurationFiles, &ConfigurationFiles::commentReplaced, this, &MainWindow::showComment);
@@ -276,7 +276,7 @@ void MainWindow::connectFiles()
 
 void MainWindow::connectFirmware()
 {
-    firmwareLoading = new FirmwareLoading(formChoiceCoordinator, &dialogs, this, this);
+    firmwareLoading = new FirmwareLoading(formChoiceCoordinator, &dialogs, this);
     connect(firmwareLoading, &FirmwareLoading::runningOnCurrentPort, this, &MainWindow::sig_LoadingFirmwareCurrentPort);
     connect(this, &MainWindow::sig_LoadingFirmwareCurrentPort, formChoiceCoordinator,
             &FormChoiceCoordinator::sl_CurrentLoadingFirmwareIsRunning);
