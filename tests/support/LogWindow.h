@@ -40,7 +40,7 @@ public:
         layout->addWidget(view);
         layout->addWidget(countRows);
         resize(1000, 700);
-        tab = std::make_unique<LogTab>(LogWidgets{this, view, countRows}, devices, dialogs);
+        tab = std::make_unique<LogTab>(this, view, countRows, devices, dialogs);
         connect(tab.get(), &LogTab::forceReading, this, [this] { ++forcedReadings; });
         const DataBase* const dataBase = tab->database();
         connect(tab.get(), &LogTab::sig_insertDataToTable, dataBase, &DataBase::sl_insertIntoTable);

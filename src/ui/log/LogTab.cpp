@@ -10,10 +10,9 @@
 #include <QTableView>
 #include <QTimer>
 
-LogTab::LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& fileDialogs, QObject* parent)
-    : QObject(parent), dialogParent(widgets.window), view(widgets.view),
-      tools(new LogTools(widgets.window, widgets.view, fileDialogs, this)), countRows(widgets.countRows),
-      dialogs(fileDialogs), dataBase(new DataBase(QStringLiteral("Log")))
+LogTab::LogTab(QWidget* window, QTableView* tableView, QLabel* countLabel, const Device& devices, Dialogs& fileDialogs)
+    : dialogParent(window), view(tableView), tools(new LogTools(window, tableView, fileDialogs, this)),
+      countRows(countLabel), dialogs(fileDialogs), dataBase(new DataBase(QStringLiteral("Log")))
 {
     qRegisterMetaType<ErrorDataBase>("ErrorDataBase");
     qRegisterMetaType<QList<EventOfTable>>("QList<EventOfTable>");

@@ -20,14 +20,6 @@ class QLabel;
 class QTableView;
 class QWidget;
 
-/// The widgets of the window's form that the log side uses.
-struct LogWidgets
-{
-    QWidget* window = nullptr;   ///< parent of message boxes and file dialogs
-    QTableView* view = nullptr;  ///< tableViewLogEvents
-    QLabel* countRows = nullptr; ///< labelCountRows
-};
-
 /// The log side of the main window: starts readings of the unit's log, has the records decoded, moves the rows into the
 /// database in batches, shows the table, has it filtered, and loads and saves logs as files.
 ///
@@ -45,8 +37,9 @@ class LogTab : public QObject
     Q_OBJECT
 
 public:
-    /// None of the arguments is owned; the dialogs and the catalogue have to live as long as the tab.
-    LogTab(const LogWidgets& widgets, const Device& devices, Dialogs& dialogs, QObject* parent = nullptr);
+    /// None of the arguments is owned; the dialogs and the catalogue have to live as long as the tab. The window is the
+    /// parent of message boxes and file dialogs.
+    LogTab(QWidget* window, QTableView* tableView, QLabel* countLabel, const Device& devices, Dialogs& dialogs);
     ~LogTab() override;
     Q_DISABLE_COPY_MOVE(LogTab)
 

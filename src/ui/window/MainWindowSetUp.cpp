@@ -193,7 +193,7 @@ void MainWindow::giveDocksWidths()
 
 void MainWindow::setUpLog()
 {
-    logTab = std::make_unique<LogTab>(LogWidgets{this, ui->tableViewLogEvents, ui->labelCountRows}, *device, dialogs);
+    logTab = std::make_unique<LogTab>(this, ui->tableViewLogEvents, ui->labelCountRows, *device, dialogs);
     LogTab* const tab = logTab.get();
     connect(tab, &LogTab::forceReading, &formChoiceCoordinator->coordinatorLink(), &CoordinatorLink::forceLogReading);
     connect(formChoiceCoordinator, &FormChoiceCoordinator::logIncomplete, tab, &LogTab::expectMissingEvents);
