@@ -1,8 +1,11 @@
 #include "widgets/Look.h"
 
+#include "widgets/SheetAlone.h"
+
 #include <QColor>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDockWidget>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
@@ -62,9 +65,15 @@ QString titleStyle(const QString& background)
     return QStringLiteral("text-align: center; background: %1; padding-top: 5px; padding-bottom: 5px;").arg(background);
 }
 
-QString dockTitleStyle(const QString& background)
+void setDockTitle(QDockWidget* dock, const QString& background)
 {
-    return QStringLiteral("QDockWidget::title { %1}").arg(titleStyle(background));
+    const QString sheet = QStringLiteral("QDockWidget::title { %1}").arg(titleStyle(background));
+    if (dock->styleSheet().isEmpty() || dock->widget() == nullptr) {
+        applyStyleSheet(dock, sheet);
+    } else if (dock->styleSheet() != sheet) {
+        sheetAlone::set(dock, sheet);
+        dock->update(0, 0, dock->width(), dock->widget()->y());
+    }
 }
 
 QString richText(const QString& text)

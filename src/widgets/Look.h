@@ -5,6 +5,7 @@
 
 class QColor;
 class QComboBox;
+class QDockWidget;
 class QPalette;
 class QWidget;
 
@@ -25,8 +26,9 @@ QString comboProperties(const QComboBox* combo, int row);
 /// Style sheet of a title bar on a background such as "rgb(220,220,220)".
 QString titleStyle(const QString& background);
 
-/// The same for a dock, whose title it is.
-QString dockTitleStyle(const QString& background);
+/// The same for the title of a dock. What stands in the dock isn't styled anew, which takes a panel of hundreds of
+/// widgets longer than all else that a click does there.
+void setDockTitle(QDockWidget* dock, const QString& background);
 
 /// A text that a user typed, as part of rich text: markup is shown as it is written, and words that are too long for a
 /// tooltip may be broken.

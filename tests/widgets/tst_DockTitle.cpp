@@ -1,4 +1,3 @@
-#include "widgets/DockTitle.h"
 #include "widgets/Look.h"
 
 #include <QDockWidget>
@@ -21,6 +20,7 @@ private slots:
     void whatStandsInTheDockCanBeStyledAfterwards();
 
 private:
+    static QString sheet(const QString& background);
     QColor titleColor() const;
     QColor labelColor() const;
 
@@ -35,7 +35,7 @@ void tst_DockTitle::init()
     window->setCentralWidget(new QWidget);
     dock = new QDockWidget(window);
     dock->setFeatures(QDockWidget::DockWidgetMovable);
-    dockTitle::setBackground(dock, QStringLiteral("rgb(220,220,220)"));
+    look::setDockTitle(dock, QStringLiteral("rgb(220,220,220)"));
     auto* const content = new QWidget(dock);
     label = new QLabel(content);
     label->setFixedSize(40, 40);
@@ -53,6 +53,11 @@ void tst_DockTitle::cleanup()
     delete window;
 }
 
+QString tst_DockTitle::sheet(const QString& background)
+{
+    return QStringLiteral("QDockWidget::title { %1}").arg(look::titleStyle(background));
+}
+
 QColor tst_DockTitle::titleColor() const
 {
     return window->grab().toImage().pixelColor(dock->mapTo(window, QPoint(2, dock->widget()->y() / 2)));
@@ -67,8 +72,8 @@ void tst_DockTitle::theTitleTakesTheColour()
 {
     QCOMPARE(titleColor(), QColor(220, 220, 220));
     for (const QColor& color : {QColor(0, 200, 0), QColor(200, 0, 0), QColor(200, 0, 0), QColor(0, 200, 0)}) {
-        dockTitle::setBackground(dock, look::rgba(color));
-        QCOMPARE(dock->styleSheet(), look::dockTitleStyle(look::rgba(color)));
+        look::setDockTitle(dock, look::rgba(color));
+        QCOMPARE(dock->styleSheet(), sheet(look::rgba(color)));
         QCOMPARE(titleColor(), color);
         QCOMPARE(labelColor(), QColor(0, 0, 255));
     }
@@ -77,9 +82,9 @@ void tst_DockTitle::theTitleTakesTheColour()
 void tst_DockTitle::anEmptyDockTakesTheColourAsWell()
 {
     QDockWidget empty;
-    dockTitle::setBackground(&empty, QStringLiteral("rgb(1, 2, 3)"));
-    dockTitle::setBackground(&empty, QStringLiteral("rgb(4, 5, 6)"));
-    QCOMPARE(empty.styleSheet(), look::dockTitleStyle(QStringLiteral("rgb(4, 5, 6)")));
+    look::setDockTitle(&empty, QStringLiteral("rgb(1, 2, 3)"));
+    look::setDockTitle(&empty, QStringLiteral("rgb(4, 5, 6)"));
+    QCOMPARE(empty.styleSheet(), sheet(QStringLiteral("rgb(4, 5, 6)")));
 }
 
 void tst_DockTitle::whatStandsInTheDockIsNotStyledAnew()
@@ -101,7 +106,7 @@ void tst_DockTitle::whatStandsInTheDockIsNotStyledAnew()
     label->installEventFilter(&events);
     Events titleEvents;
     dock->installEventFilter(&titleEvents);
-    dockTitle::setBackground(dock, QStringLiteral("rgb(0, 200, 0)"));
+    look::setDockTitle(dock, QStringLiteral("rgb(0, 200, 0)"));
     QTRY_VERIFY(titleEvents.count > 0);
     QCOMPARE(titleEvents.count, 1); // the paint event
     QCOMPARE(events.count, 0);
@@ -109,7 +114,7 @@ void tst_DockTitle::whatStandsInTheDockIsNotStyledAnew()
 
 void tst_DockTitle::whatStandsInTheDockCanBeStyledAfterwards()
 {
-    dockTitle::setBackground(dock, QStringLiteral("rgb(0, 200, 0)"));
+    look::setDockTitle(dock, QStringLiteral("rgb(0, 200, 0)"));
     label->setStyleSheet(QStringLiteral("background-color: rgb(255, 0, 0)"));
     QCOMPARE(labelColor(), QColor(255, 0, 0));
     dock->setStyleSheet(QStringLiteral("QLabel {border: 20px solid rgb(1, 2, 3)}"));

@@ -17,7 +17,6 @@
 #include "ui/window/StatusBar.h"
 #include "ui/window/resultLine.h"
 #include "ui_MainWindow.h"
-#include "widgets/DockTitle.h"
 #include "widgets/Look.h"
 #include "widgets/Spoken.h"
 
@@ -224,7 +223,7 @@ void MainWindow::sl_refreshStateAllScript()
 void MainWindow::showColorOfEditedScript(const QString& color)
 {
     settingScript->setStateColor(color);
-    dockTitle::setBackground(dockScript, color);
+    look::setDockTitle(dockScript, color);
 }
 
 void MainWindow::on_textEditComment_textChanged()

@@ -54,7 +54,7 @@ QDockWidget* newDock(const QString& objectName, const QString& title, QMainWindo
     dock->setObjectName(objectName);
     dock->setAllowedAreas(Qt::AllDockWidgetAreas);
     dock->setFeatures(QDockWidget::DockWidgetMovable);
-    dock->setStyleSheet(look::dockTitleStyle(titleBackground()));
+    look::setDockTitle(dock, titleBackground());
     return dock;
 }
 
