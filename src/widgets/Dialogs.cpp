@@ -19,8 +19,6 @@ QString chosenFile(QFileDialog& dialog)
 
 } // namespace
 
-Dialogs::~Dialogs() = default;
-
 QString Dialogs::openFileName(QWidget* parent, const QString& caption, const QString& filter)
 {
     QFileDialog dialog(parent, caption, QDir::currentPath(), filter);

@@ -12,7 +12,7 @@ class Dialogs
 {
 public:
     Dialogs() = default;
-    virtual ~Dialogs();
+    virtual ~Dialogs() = default;
     Q_DISABLE_COPY_MOVE(Dialogs)
 
     /// Asks for an existing file, from the current directory on. Returns its path, empty if the user cancelled.
