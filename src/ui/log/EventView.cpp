@@ -25,9 +25,10 @@ enum FieldColumn
     ColumnMeaning,
 };
 
-QLabel* makeLabel(const QString& text, QWidget* parent)
+QLabel* makeLabel(const QString& objectName, const QString& text, QWidget* parent)
 {
     auto* const label = new QLabel(text, parent);
+    label->setObjectName(objectName);
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -43,15 +44,12 @@ QWidget* makeTable(const QList<EventField>& fields)
     layout->setVerticalSpacing(4);
     for (int row = 0; row < fields.size(); ++row) {
         const EventField& field = fields.at(row);
-        QLabel* const name = makeLabel(field.name, table);
-        QLabel* const value = makeLabel(field.value, table);
-        QLabel* const meaning = makeLabel(field.meaning, table);
+        QLabel* const name = makeLabel(QStringLiteral("labelName%1").arg(row), field.name, table);
+        QLabel* const value = makeLabel(QStringLiteral("labelValue%1").arg(row), field.value, table);
+        QLabel* const meaning = makeLabel(QStringLiteral("labelMeaning%1").arg(row), field.meaning, table);
         QPalette grey = name->palette();
         grey.setColor(QPalette::WindowText, look::fadedText(grey));
         name->setPalette(grey);
-        name->setObjectName(QStringLiteral("labelName%1").arg(row));
-        value->setObjectName(QStringLiteral("labelValue%1").arg(row));
-        meaning->setObjectName(QStringLiteral("labelMeaning%1").arg(row));
         layout->addWidget(name, row, ColumnName);
         if (field.meaning.isEmpty()) {
             // The texts of an event may be long.
