@@ -43,9 +43,7 @@ void PacketTools::showMenu(const QPoint& position)
     copyAction->setEnabled(currentRow() >= 0);
     copyAllAction->setEnabled(hasRows);
     saveAction->setEnabled(hasRows);
-    QMenu menu(table);
-    menu.addActions({copyAction, copyAllAction, saveAction});
-    menu.exec(table->viewport()->mapToGlobal(position));
+    QMenu::exec({copyAction, copyAllAction, saveAction}, table->viewport()->mapToGlobal(position), nullptr, table);
     copyAction->setEnabled(true);
 }
 
