@@ -38,14 +38,9 @@ QString row(const ParamItemPtr& item)
     return item ? colored(item->background, item->name) : colored(unsetColor(), texts::placeholderUnknown());
 }
 
-QString twoDigits(int value)
+QString twoDigits(int value, int base = 10)
 {
-    return QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0'));
-}
-
-QString twoHexDigits(int value)
-{
-    return QStringLiteral("%1").arg(value, 2, 16, QLatin1Char('0'));
+    return QStringLiteral("%1").arg(value, 2, base, QLatin1Char('0'));
 }
 
 QString channelState(const ParamItemPtr& state)
@@ -53,7 +48,7 @@ QString channelState(const ParamItemPtr& state)
     using scriptRules::StateKind;
     const StateKind kind = scriptRules::kindOf(state);
     if (kind == StateKind::Other) {
-        return colored(unsetColor(), QStringLiteral("0x") + twoHexDigits(state->code));
+        return colored(unsetColor(), QStringLiteral("0x") + twoDigits(state->code, 16));
     }
     if (!state) {
         return colored(unsetColor(), texts::placeholderNotActive());
@@ -131,7 +126,7 @@ QString terminalType(const TerminalTypePtr& type)
     if (type && type->label == texts::placeholderOtherType()) {
         name = QStringLiteral("%1%2 %3 %4")
                    .arg(QString::number(type->terminalClass, 16), QString::number(type->version, 16),
-                        twoHexDigits(type->type), twoHexDigits(type->characteristic));
+                        twoDigits(type->type, 16), twoDigits(type->characteristic, 16));
     } else if (type) {
         name = type->name;
     }
