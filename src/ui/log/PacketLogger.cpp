@@ -61,11 +61,6 @@ private:
     }
 };
 
-QString timeText(const QDateTime& time)
-{
-    return time.toString(QStringLiteral("dd/MM/yy hh:mm:ss:zzz"));
-}
-
 // toHex() sets no blank behind the last byte.
 QString bytesText(const QByteArray& bytes)
 {
@@ -110,7 +105,8 @@ bool PacketLogger::isWanted(bool periodic) const
 
 void PacketLogger::setPacket(int column, const Packet& packet, const QString& text)
 {
-    table->setItem(0, column - 1, new QTableWidgetItem(timeText(packet.time)));
+    const QString time = packet.time.toString(QStringLiteral("dd/MM/yy hh:mm:ss:zzz"));
+    table->setItem(0, column - 1, new QTableWidgetItem(time));
     auto* item = new PacketItem(text);
     item->setData(TimeRole, packet.time);
     item->setData(BytesRole, packet.bytes);

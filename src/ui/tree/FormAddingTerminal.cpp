@@ -21,11 +21,6 @@ namespace
 constexpr int addressCount = 32;
 constexpr int maximumOutputs = 2;
 
-QString noChosenAddress()
-{
-    return QStringLiteral("---");
-}
-
 } // namespace
 
 FormAddingTerminal::FormAddingTerminal(QSharedPointer<RelayInfo> info, QWidget* parent)
@@ -132,7 +127,7 @@ void FormAddingTerminal::fillAddresses()
     ui->comboBoxAddress->setFont(look::applicationFont());
     QStringList addresses = freeAddresses();
     if (addresses.isEmpty()) {
-        addresses.append(noChosenAddress());
+        addresses.append(QStringLiteral("---"));
         ui->pushButton->setEnabled(false); // for good: no later showing enables it again
     }
     ui->comboBoxAddress->addItems(addresses);

@@ -1,7 +1,6 @@
 #include "ui/window/MainWindow.h"
 
 #include "link/FormChoiceCoordinator.h"
-#include "model/Device.h"
 #include "model/RelayInfo.h"
 #include "model/format.h"
 #include "texts/texts.h"
