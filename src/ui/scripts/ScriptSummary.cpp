@@ -103,21 +103,11 @@ QString days(const QList<bool>& daysOfWeek)
     return heading(texts::editorFilterByDays()) + centred(chosen);
 }
 
-QString time(const QList<int>& timeFilter)
+/// The four numbers of a filter by time or by date in the places that a format has for them.
+QString period(const QString& caption, const QString& format, const QList<int>& filter)
 {
-    // The record has the minutes in front of the hours.
-    return heading(texts::editorFilterByTime()) +
-           centred(QStringLiteral("%1:%2 - %3:%4")
-                       .arg(twoDigits(timeFilter.value(1)), twoDigits(timeFilter.value(0)),
-                            twoDigits(timeFilter.value(3)), twoDigits(timeFilter.value(2))));
-}
-
-QString date(const QList<int>& dateFilter)
-{
-    return heading(texts::editorFilterByDate()) +
-           centred(QStringLiteral("%1.%2 - %3.%4")
-                       .arg(twoDigits(dateFilter.value(0)), twoDigits(dateFilter.value(1)),
-                            twoDigits(dateFilter.value(2)), twoDigits(dateFilter.value(3))));
+    return heading(caption) + centred(format.arg(twoDigits(filter.value(0)), twoDigits(filter.value(1)),
+                                                 twoDigits(filter.value(2)), twoDigits(filter.value(3))));
 }
 
 QString terminalType(const TerminalTypePtr& type)
@@ -157,10 +147,11 @@ QString filters(const ScriptInfo& script)
 {
     QString lines = days(script.daysOfWeek);
     if (script.activateFilter.value(ScriptInfo::ByTime)) {
-        lines += time(script.timeFilter);
+        // The record has the minutes in front of the hours.
+        lines += period(texts::editorFilterByTime(), QStringLiteral("%2:%1 - %4:%3"), script.timeFilter);
     }
     if (script.activateFilter.value(ScriptInfo::ByDate)) {
-        lines += date(script.dateFilter);
+        lines += period(texts::editorFilterByDate(), QStringLiteral("%1.%2 - %3.%4"), script.dateFilter);
     }
     if (script.activateFilter.value(ScriptInfo::ByType)) {
         lines += terminalType(script.terminalFilter);
