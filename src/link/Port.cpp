@@ -3,6 +3,8 @@
 #include "link/protocol_HUBN_NX_Q.h"
 
 #include <QDebug>
+#include <QSemaphore>
+#include <QSharedPointer>
 #include <QThread>
 
 #include <chrono>
@@ -59,8 +61,14 @@ void Port::stop()
     closing.emplace(closingTime);
     timerPeriodic.stop();
     timerFirstConnect.stop();
-    // By the worker's queue, behind what it was told before. It closes the port when it goes.
-    QMetaObject::invokeMethod(transmitter, [] { QThread::currentThread()->quit(); });
+    // By the worker's queue, behind what it was told before. It closes the port when it goes. Its event loop must not
+    // go while this thread still wakes it for that.
+    const auto told = QSharedPointer<QSemaphore>::create();
+    QMetaObject::invokeMethod(transmitter, [told] {
+        told->acquire();
+        QThread::currentThread()->quit();
+    });
+    told->release();
 }
 
 void Port::open()
