@@ -74,7 +74,10 @@ void UnitSimulator::setFaults(const QVector<UnitFault>& faults, quint32 seed)
 QVector<UnitRequest> UnitSimulator::requests() const
 {
     QVector<UnitRequest> copy;
-    onWorker([&] { copy = worker->requestsSeen(); });
+    onWorker([&] {
+        copy = worker->requestsSeen();
+        copy.detach(); // on its thread, which writes on into what nobody shares any more
+    });
     return copy;
 }
 
