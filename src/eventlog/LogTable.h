@@ -23,7 +23,7 @@ struct Column
     const char* name;
     const char* type; ///< in SQL
     QString (*heading)();
-    void (*write)(const EventOfTable& row, QString& statement); ///< appends the row's value as SQL has it
+    void (*write)(const EventOfTable& row, QString& statement); ///< appends the row's value as SQL has it, and a comma
     int width;                                                  ///< in the view
 };
 
