@@ -2,6 +2,7 @@
 
 #include "link/protocol_HUBN_NX_Q.h"
 
+#include <QCalendar>
 #include <QDebug>
 #include <QSemaphore>
 #include <QSharedPointer>
@@ -24,6 +25,8 @@ Port::Port(const QString& name, Transmitter::BootParser parseBootAnswer, QObject
     transmitter->keepLateAnswersApart();
     transmitter->moveToThread(thread);
     connectWorker();
+    // Qt makes its calendar when a time is first written, in which two workers might meet.
+    [[maybe_unused]] const QCalendar calendar;
     thread->start(QThread::InheritPriority);
 }
 
