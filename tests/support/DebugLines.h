@@ -29,7 +29,9 @@ public:
     QStringList lines() const
     {
         const QMutexLocker locker(&mutex());
-        return collected;
+        QStringList copy = collected;
+        copy.detach(); // while locked: other threads write on into what nobody shares any more
+        return copy;
     }
 
     /// The lines that contain a text.
